@@ -1,0 +1,25 @@
+# Compiler flags of everything built here.  The target is linked privately and never
+# installed: a client's flags are the client's.
+
+add_library(kzgis_build_flags INTERFACE)
+
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+  # Results are promised to the last bit: no fused multiply-adds, on any compiler.
+  target_compile_options(kzgis_build_flags INTERFACE
+    -ffp-contract=off -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+    $<$<BOOL:${KZGIS_WERROR}>:-Werror>
+    -fstack-protector-strong)
+  target_compile_definitions(kzgis_build_flags INTERFACE
+    $<$<AND:$<NOT:$<CONFIG:Debug>>,$<NOT:$<BOOL:${KZGIS_SANITIZE}>>>:_FORTIFY_SOURCE=2>)
+  if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    target_link_options(kzgis_build_flags INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
+  endif()
+elseif(MSVC)
+  target_compile_options(kzgis_build_flags INTERFACE /W4 /fp:precise /EHsc)
+endif()
+
+if(KZGIS_SANITIZE)
+  target_compile_options(kzgis_build_flags INTERFACE
+    -fsanitize=${KZGIS_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kzgis_build_flags INTERFACE -fsanitize=${KZGIS_SANITIZE})
+endif()

@@ -1,0 +1,13 @@
+#include "kzgis/utdate.h"
+
+#include <ostream>
+
+UtDate::UtDate(short year, short month, short day) : year_(year), month_(month), day_(day) {}
+
+short UtDate::year() const { return year_; }
+short UtDate::month() const { return month_; }
+short UtDate::day() const { return day_; }
+
+std::ostream& operator<<(std::ostream& os, const UtDate& date) {
+  return os << date.year() << '/' << date.month() << '/' << date.day();
+}

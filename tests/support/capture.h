@@ -1,0 +1,33 @@
+// Captures what the library writes to a standard stream while the object lives.
+
+#ifndef KZGIS_TESTS_SUPPORT_CAPTURE_H
+#define KZGIS_TESTS_SUPPORT_CAPTURE_H
+
+#include <iostream>
+#include <sstream>
+#include <string>
+
+class StreamCapture {
+ public:
+  explicit StreamCapture(std::ostream& stream)
+      : stream_(stream), saved_(stream.rdbuf(text_.rdbuf())) {}
+  ~StreamCapture() { stream_.rdbuf(saved_); }
+  StreamCapture(const StreamCapture&) = delete;
+  StreamCapture& operator=(const StreamCapture&) = delete;
+
+  std::string text() const { return text_.str(); }
+
+ private:
+  std::ostringstream text_;
+  std::ostream& stream_;
+  std::streambuf* saved_;
+};
+
+struct StderrCapture : StreamCapture {
+  StderrCapture() : StreamCapture(std::cerr) {}
+};
+struct StdoutCapture : StreamCapture {
+  StdoutCapture() : StreamCapture(std::cout) {}
+};
+
+#endif
