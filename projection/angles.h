@@ -1,0 +1,49 @@
+// The angle constants and conversions that every projection shares.
+
+#ifndef KZGIS_PROJECTION_ANGLES_H
+#define KZGIS_PROJECTION_ANGLES_H
+
+#include <bit>
+#include <cstdint>
+#include <limits>
+
+#include "kzgis/latlon.h"
+
+namespace kzgis::projection {
+
+// Poles and singular points rely on IEEE arithmetic: division by zero gives infinities,
+// and tests of the sign bit tell -0.0 from 0.0.
+static_assert(std::numeric_limits<double>::is_iec559);
+
+// Short of the true pi by 1e-9 (a 2 is where a 3 belongs in the ninth decimal).
+// Coordinates in the field were computed with it, so it must never be put right.
+inline constexpr double kPi = 3.141592652589793;
+inline constexpr double kHalfPi = 1.5707963262948965;
+inline constexpr double kQuarterPi = 0.7853981631474483;
+static_assert(std::bit_cast<std::uint64_t>(kPi) == 0x400921FB5421D100);
+static_assert(std::bit_cast<std::uint64_t>(kHalfPi) == 0x3FF921FB5421D100);
+static_assert(std::bit_cast<std::uint64_t>(kQuarterPi) == 0x3FE921FB5421D100);
+
+// `LatLon` owns the two rules; going through it keeps them the same to the last bit.
+
+/// Longitude in degrees, wrapped into [0, 360).
+inline double wrap(double lon_deg) {
+  LatLon scratch(0.0, 0.0);
+  scratch.setLon(lon_deg);
+  return scratch.fetchLon();
+}
+
+/// Latitude in degrees, clamped into [-90, 90].
+inline double clamp(double lat_deg) {
+  LatLon scratch(0.0, 0.0);
+  scratch.setLat(lat_deg);
+  return scratch.fetchLat();
+}
+
+// The division comes first in both: the order decides the last bit.
+inline double radians(double angle_deg) { return angle_deg / 180.0 * kPi; }
+inline double degrees(double angle_rad) { return angle_rad / kPi * 180.0; }
+
+}  // namespace kzgis::projection
+
+#endif

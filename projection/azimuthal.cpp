@@ -1,0 +1,121 @@
+// Azimuthal projections of the sphere about the base point, after J. P. Snyder, "Map
+// Projections: A Working Manual", USGS Professional Paper 1395 (1987).  Angles are
+// radians unless a name says degrees.
+//
+// The order of the operations decides the last bits, which are promised: keep every
+// expression as it stands.  No point is refused, however far from the base it lies.
+
+#include <algorithm>
+#include <cmath>
+
+#include "kzgis/projection.h"
+#include "projection/angles.h"
+
+using kzgis::projection::kQuarterPi;
+
+namespace {
+
+/// The sines and cosines that all five projections are made of.
+struct Aspect {
+  double sin_phi0;
+  double cos_phi0;
+  double sin_phi;
+  double cos_phi;
+  double sin_dlambda;
+  double cos_dlambda;
+
+  // `dlambda` comes from two separately wrapped longitudes; sine and cosine forgive the
+  // whole turns, but for the short pi.
+  Aspect(double phi0, double phi, double dlambda)
+      : sin_phi0(std::sin(phi0)),
+        cos_phi0(std::cos(phi0)),
+        sin_phi(std::sin(phi)),
+        cos_phi(std::cos(phi)),
+        sin_dlambda(std::sin(dlambda)),
+        cos_dlambda(std::cos(dlambda)) {}
+
+  /// Cosine of the angular distance from the base.
+  double cos_c() const { return cos_phi0 * cos_phi * cos_dlambda + sin_phi0 * sin_phi; }
+  /// 1 plus that, which is not the same sum to the last bit.
+  double one_plus_cos_c() const {
+    return cos_phi0 * cos_phi * cos_dlambda + (sin_phi0 * sin_phi + 1.0);
+  }
+  /// The northward part of the direction from the base; the eastward part is
+  /// sin_dlambda * cos_phi.
+  double north() const { return sin_phi * cos_phi0 - sin_phi0 * cos_phi * cos_dlambda; }
+};
+
+}  // namespace
+
+int Projection::Gnomonic() {
+  renewWorld();
+  type_ = GnomonicProj;
+  const Aspect s(baseLatRad(), pointLatRad(), pointLonRad() - baseLonRad());
+  const double cos_c = s.cos_c();
+  const double x = s.sin_dlambda * (s.cos_phi * radius_) / cos_c;
+  const double y = s.north() * radius_ / cos_c;
+  storeWorld(x, y, altitude_);
+  return 1;
+}
+
+int Projection::Stereo() {
+  renewWorld();
+  type_ = StereographicProj;
+  const Aspect s(baseLatRad(), pointLatRad(), pointLonRad() - baseLonRad());
+  const double k = s.one_plus_cos_c();
+  const double x = s.sin_dlambda * (radius_ * 2.0 * s.cos_phi) / k;
+  const double y = s.north() * (radius_ * 2.0) / k;
+  storeWorld(x, y, altitude_);
+  return 1;
+}
+
+int Projection::Orthographic() {
+  renewWorld();
+  type_ = OrthographicProj;
+  const Aspect s(baseLatRad(), pointLatRad(), pointLonRad() - baseLonRad());
+  storeWorld(s.sin_dlambda * (s.cos_phi * radius_), s.north() * radius_, altitude_);
+  return 1;
+}
+
+int Projection::Postel() {
+  renewWorld();
+  type_ = PostelProj;
+  const Aspect s(baseLatRad(), pointLatRad(), pointLonRad() - baseLonRad());
+  // At the base point the rounded cosine may exceed 1, which has no arc cosine: the base
+  // must come out as (0, 0) (Postel.TheBaseItselfIsTheOriginAndNotNaN).
+  const double cos_c = s.sin_phi0 * s.sin_phi + s.cos_phi0 * (s.cos_dlambda * s.cos_phi);
+  const double c = std::acos(std::clamp(cos_c, -1.0, 1.0));
+  const double east = s.sin_dlambda * s.cos_phi;
+  const double north = s.north();
+  double length = std::sqrt(east * east + north * north);
+  // The base point and its opposite have no direction; any length but 0 will do.
+  if (length == 0.0) length = 1.0;
+  storeWorld(east / length * (c * radius_), north / length * (c * radius_), altitude_);
+  return 1;
+}
+
+int Projection::LambertAzimuthal() {
+  renewWorld();
+  type_ = LambertAzimuthalProj;
+  const double phi = pointLatRad();
+  const Aspect s(baseLatRad(), phi, pointLonRad() - baseLonRad());
+  // The aspect goes by the stored degrees, not by the short radians.
+  const double base_lat_deg = base_.fetchLat();
+  double x = 0.0;
+  double y = 0.0;
+  if (std::fabs(base_lat_deg) != 90.0) {
+    const double k = std::sqrt(2.0 / s.one_plus_cos_c());
+    x = s.sin_dlambda * (k * radius_ * s.cos_phi);
+    y = s.north() * (k * radius_);
+  } else if (base_lat_deg > 0.0) {
+    const double half = std::sin(kQuarterPi - phi * 0.5);
+    x = s.sin_dlambda * (radius_ * 2.0 * half);
+    y = s.cos_dlambda * (radius_ * -2.0 * half);
+  } else {
+    const double half = std::cos(kQuarterPi - phi * 0.5);
+    x = s.sin_dlambda * (radius_ * 2.0 * half);
+    y = s.cos_dlambda * (radius_ * 2.0 * half);
+  }
+  storeWorld(x, y, altitude_);
+  return 1;
+}

@@ -1,0 +1,89 @@
+// Cylindrical and pseudo-cylindrical projections of the sphere, and the globe itself,
+// after J. P. Snyder, "Map Projections: A Working Manual", USGS Professional Paper 1395
+// (1987).  Angles are radians unless a name says degrees.
+//
+// The order of the operations decides the last bits, which are promised: keep every
+// expression as it stands.  Differences of longitudes are not brought into +-pi
+// (CylindricalTest.LongitudeDifferencesAreNotBroughtIntoHalfATurn).
+
+#include <cmath>
+
+#include "kzgis/projection.h"
+#include "projection/angles.h"
+
+using kzgis::projection::clamp;
+using kzgis::projection::kPi;
+using kzgis::projection::kQuarterPi;
+using kzgis::projection::wrap;
+
+int Projection::Cartesian() {
+  renewWorld();
+  type_ = CartesianProj;
+  // The one projection that normalises the differences and not the angles: a point just
+  // west of the base comes out almost a full turn to the east.
+  const double d_lon_deg = wrap(point_.fetchLon() - base_.fetchLon() + reference_.fetchLon());
+  const double d_lat_deg = clamp(point_.fetchLat() - base_.fetchLat());
+  storeWorld(d_lon_deg / 180.0 * kPi * radius_, d_lat_deg / 180.0 * kPi * radius_, altitude_);
+  return 1;
+}
+
+int Projection::Mercator() {
+  renewWorld();
+  type_ = MercatorProj;
+  const double scale = std::cos(firstParRad());
+  const double x = (pointLonRad() - baseLonRad()) * radius_;
+  // The short pi/4 keeps the north pole finite; the south pole is log(0), minus
+  // infinity, and no test is made for either.
+  const double y = std::log(std::tan(pointLatRad() * 0.5 + kQuarterPi)) * radius_;
+  storeWorld(x * scale, y * scale, altitude_);
+  return 1;
+}
+
+int Projection::LambertCylindric() {
+  renewWorld();
+  type_ = LambertCylindricalProj;
+  const double x = (pointLonRad() - baseLonRad()) * radius_;
+  const double y = std::sin(pointLatRad()) * radius_ - std::sin(baseLatRad()) * radius_;
+  storeWorld(x, y, altitude_);
+  return 1;
+}
+
+int Projection::SansonFlamsteed() {
+  ensureWorld();
+  type_ = SansonFlamsteedProj;
+  const double phi = pointLatRad();
+  const double x = std::cos(phi) * ((pointLonRad() - baseLonRad()) * radius_);
+  const double y = (phi - baseLatRad()) * radius_;
+  storeWorld(x, y, altitude_);
+  return 1;
+}
+
+int Projection::CassiniSoldner() {
+  ensureWorld();
+  type_ = CassiniSoldnerProj;
+  const double phi = pointLatRad();
+  // Snyder's series for the ellipsoid, with its eccentricity taken as zero; the closed
+  // form for the sphere differs far from the base meridian.
+  const double a = std::cos(phi) * (pointLonRad() - baseLonRad());
+  const double t = std::tan(phi);
+  const double t2 = t * t;
+  const double a2 = a * a;
+  const double a3 = a2 * a;
+  const double a4 = a3 * a;
+  const double a5 = a4 * a;
+  const double x = (a - a3 * t2 / 6.0 - a5 * t2 * (8.0 - t2) / 120.0) * radius_;
+  const double y =
+      (a4 * t * (5.0 - t2) / 24.0 + (a2 * t * 0.5 + phi)) * radius_ - baseLatRad() * radius_;
+  storeWorld(x, y, altitude_);
+  return 1;
+}
+
+int Projection::Globe() {
+  renewWorld();
+  type_ = GlobeProj;
+  const double lambda = pointLonRad();
+  const double phi = pointLatRad();
+  const double rho = (altitude_ + radius_) * std::cos(phi);
+  storeWorld(std::cos(lambda) * rho, std::sin(lambda) * rho, std::sin(phi) * (altitude_ + radius_));
+  return 1;
+}

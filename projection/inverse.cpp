@@ -1,0 +1,168 @@
+// The inverse projections, after J. P. Snyder, "Map Projections: A Working Manual", USGS
+// Professional Paper 1395 (1987).  Angles are radians unless a name says degrees.
+//
+// The order of the operations decides the last bits, which are promised: keep every
+// expression as it stands.  Where Snyder finds a longitude with a two-argument arc
+// tangent, these use the one-argument form: half the circle folds onto the other half
+// (InverseTest.OneArgumentArcTangentFoldsTheFarHalf).  Nothing tests its input; what no
+// point maps to becomes NaN.
+
+#include <cmath>
+
+#include "kzgis/projection.h"
+#include "projection/angles.h"
+
+using kzgis::projection::clamp;
+using kzgis::projection::kHalfPi;
+using kzgis::projection::kPi;
+using kzgis::projection::kQuarterPi;
+using kzgis::projection::wrap;
+
+namespace {
+
+/// 1.0 or -1.0 by the sign bit, so that -0.0 counts as negative.
+double sign(double v) { return std::signbit(v) ? -1.0 : 1.0; }
+
+}  // namespace
+
+int Projection::inverseCartesian() {
+  const WorldPoint w = world();
+  type_ = CartesianProj;
+  // The base comes in after normalising, which makes this the one inverse that wraps
+  // and clamps twice.
+  const double d_lon_deg = wrap(w.x / radius_ / kPi * 180.0 - reference_.fetchLon());
+  const double d_lat_deg = clamp(w.y / radius_ / kPi * 180.0);
+  point_.setLon(d_lon_deg + base_.fetchLon());
+  point_.setLat(d_lat_deg + base_.fetchLat());
+  point_.setAlt(w.z);
+  return 1;
+}
+
+int Projection::inverseMercator() {
+  const WorldPoint w = world();
+  type_ = MercatorProj;
+  const double scale = std::cos(firstParRad());
+  const double lambda = w.x / scale / radius_ + baseLonRad();
+  const double phi = kHalfPi - std::atan(std::exp(w.y / scale * -1.0 / radius_)) * 2.0;
+  return storePoint(phi, lambda, w.z);
+}
+
+int Projection::inverseLambertCylindric() {
+  const WorldPoint w = world();
+  type_ = LambertCylindricalProj;
+  const double lambda = baseLonRad() + w.x / radius_;
+  const double phi = std::asin(std::sin(baseLatRad()) + w.y / radius_);
+  return storePoint(phi, lambda, w.z);
+}
+
+/// What the three azimuthal inverses share.
+///
+/// `rho` is the distance from the centre of the map, `c` the angular distance on the
+/// globe that it stands for, and `north_sign` the sign of y in the longitude when the
+/// base is the north pole; the south pole takes the opposite.
+int Projection::inverseAzimuthal(double rho, double c, double north_sign) {
+  const WorldPoint w = world();
+  const double phi0 = baseLatRad();
+  const double lambda0 = baseLonRad();
+  // The centre has no direction, and every formula for one divides 0 by 0.
+  if (rho == 0.0) return storePoint(phi0, lambda0, w.z);
+
+  const double sin_c = std::sin(c);
+  const double cos_c = std::cos(c);
+  const double sin_phi0 = std::sin(phi0);
+  const double cos_phi0 = std::cos(phi0);
+  const double phi = std::asin(sin_c * w.y * cos_phi0 / rho + cos_c * sin_phi0);
+  const double base_lat_deg = base_.fetchLat();
+  double tangent = 0.0;
+  if (std::fabs(base_lat_deg) != 90.0) {
+    tangent = sin_c * w.x / (cos_phi0 * rho * cos_c - sin_phi0 * w.y * sin_c);
+  } else {
+    tangent = w.x / ((base_lat_deg > 0.0 ? north_sign : -north_sign) * w.y);
+  }
+  return storePoint(phi, std::atan(tangent) + lambda0, w.z);
+}
+
+int Projection::inverseStereo() {
+  const WorldPoint w = world();
+  type_ = StereographicProj;
+  const double rho = std::sqrt(w.x * w.x + w.y * w.y);
+  // The sign at the poles is the opposite of the other two: longitudes come back
+  // mirrored about the base meridian, and callers' coordinates depend on it
+  // (InverseTest.StereoMirrorsLongitudesAtThePoles).
+  return inverseAzimuthal(rho, std::atan(rho / (radius_ * 2.0)) * 2.0, 1.0);
+}
+
+int Projection::inverseOrthographic() {
+  const WorldPoint w = world();
+  type_ = OrthographicProj;
+  const double rho = std::sqrt(w.x * w.x + w.y * w.y);
+  return inverseAzimuthal(rho, std::asin(rho / radius_), -1.0);
+}
+
+int Projection::inverseLambertAzimuthal() {
+  const WorldPoint w = world();
+  type_ = LambertAzimuthalProj;
+  const double rho = std::sqrt(w.x * w.x + w.y * w.y);
+  return inverseAzimuthal(rho, std::asin(rho / (radius_ * 2.0)) * 2.0, -1.0);
+}
+
+int Projection::inverseLambertConical() {
+  const WorldPoint w = world();
+  type_ = LambertConicProj;
+  const double phi1 = firstParRad();
+  const double t1 = std::tan(phi1 * 0.5 + kQuarterPi);
+  // Equal parallels give 0/0: the forward projection's separate case has no inverse.
+  const double n = std::log(std::cos(phi1) / std::cos(secondParRad())) /
+                   std::log(std::tan(secondParRad() * 0.5 + kQuarterPi) / t1);
+  const double f = std::pow(std::fabs(t1), n) * std::cos(phi1) / n * sign(t1) * radius_;
+  const double t0 = std::tan(baseLatRad() * 0.5 + kQuarterPi);
+  const double rho0 = f / std::pow(std::fabs(t0), n) * sign(t0);
+  const double d = rho0 - w.y;
+  const double rho = std::sqrt(d * d + w.x * w.x) * sign(n);
+  const double u = f / rho;
+  const double phi = std::atan(std::pow(std::fabs(u), 1.0 / n) * sign(u)) * 2.0 - kHalfPi;
+  const double lambda = std::atan(w.x / d) / n + baseLonRad();
+  return storePoint(phi, lambda, w.z);
+}
+
+int Projection::inverseAlbers() {
+  const WorldPoint w = world();
+  type_ = AlbersProj;
+  const double phi1 = firstParRad();
+  const double n = (std::sin(secondParRad()) + std::sin(phi1)) * 0.5;
+  const double s = n * 2.0;
+  const double cos_phi1 = std::cos(phi1);
+  const double c = cos_phi1 * cos_phi1 + s * std::sin(phi1);
+  const double rho0 = std::sqrt(c - std::sin(baseLatRad()) * s) * radius_ / n;
+  const double d = rho0 - w.y;
+  const double lambda = std::atan(w.x / d) / n + baseLonRad();
+  const double q = std::sqrt(d * d + w.x * w.x) * n / radius_;
+  const double phi = std::asin((c - q * q) / s);
+  return storePoint(phi, lambda, w.z);
+}
+
+int Projection::inverseGlobe() {
+  const WorldPoint w = world();
+  type_ = GlobeProj;
+  const double rho = std::sqrt(w.x * w.x + w.y * w.y);
+  const double r = std::sqrt(w.z * w.z + rho * rho);
+  // On the equator the arc tangent is the true pi/2 and does not cancel the short one:
+  // the latitude comes out 3e-8 degrees south of 0.
+  const double a = std::atan(rho / w.z);
+  const double phi = sign(a) * (kHalfPi - std::fabs(a));
+  const double b = std::asin(w.y / rho);
+  const double lambda = std::signbit(w.x) ? kPi - b : b;
+  return storePoint(phi, lambda, r - radius_);
+}
+
+int Projection::inverseGnomonic() { return 0; }
+
+int Projection::inversePostel() { return 0; }
+
+int Projection::inverseCassiniSoldner() { return 0; }
+
+int Projection::inverseBonne() { return 0; }
+
+int Projection::inverseWerner() { return 0; }
+
+int Projection::inverseSansonFlamsteed() { return 0; }

@@ -1,0 +1,291 @@
+// The projection object: settings, the point in its two forms, names.
+
+#include "kzgis/projection.h"
+
+#include <array>
+#include <cstddef>
+#include <iostream>
+
+#include "projection/angles.h"
+
+using kzgis::projection::clamp;
+using kzgis::projection::degrees;
+using kzgis::projection::radians;
+using kzgis::projection::wrap;
+
+namespace {
+
+constexpr double kEarthRadiusMetres = 6378000.0;
+
+struct Names {
+  const char* accepted;
+  const char* display;
+};
+
+// Indexed by projType.
+constexpr std::array<Names, 15> kNames{{
+    {"cartesian", "Cartesian"},
+    {"mercator", "Mercator"},
+    {"lambert cylindrical", "Lambert Cylindrical"},
+    {"gnomonic", "Gnomonic"},
+    {"stereographic", "Stereographic"},
+    {"orthographic", "Orthographic"},
+    {"postel", "Postel"},
+    {"lambert azimuthal", "Lambert Azimuthal"},
+    {"lambert conic conformal", "Lambert Conic Conformal"},
+    {"albers", "Albers"},
+    {"cassini-soldner", "Cassini-Soldner"},
+    {"bonne", "Bonne"},
+    {"werner", "Werner"},
+    {"sanson-flamsteed", "Sanson-Flamsteed"},
+    {"globe", "Globe"},
+}};
+
+bool is_legal(projType type) { return type >= CartesianProj && type <= GlobeProj; }
+
+/// Stores a standard parallel into the longitude field of `parallel`; `speaker` is the
+/// operation that a refusal names.
+int set_parallel(LatLon& parallel, double parallel_deg, const char* speaker) {
+  // Written so that NaN is refused too.
+  if (!(parallel_deg >= 0.0 && parallel_deg <= 90.0)) {
+    std::cerr << speaker << parallel_deg << " is illegal. Parallels lie between 0 and 90"
+              << std::endl;
+    return 0;
+  }
+  parallel.setLon(parallel_deg);
+  return 1;
+}
+
+}  // namespace
+
+Projection::Projection() : Projection(CartesianProj) {}
+
+Projection::Projection(projType type) : Projection(type, 0.0, 0.0) {}
+
+Projection::Projection(projType type, double base_lat_deg, double base_lon_deg)
+    : Projection(type, kEarthRadiusMetres, base_lat_deg, base_lon_deg) {}
+
+Projection::Projection(projType type, double radius, double base_lat_deg, double base_lon_deg)
+    : point_(0.0, 0.0),
+      type_(type),
+      radius_(radius),
+      base_(base_lat_deg, base_lon_deg),
+      first_par_(0.0, 0.0),
+      second_par_(0.0, 0.0),
+      reference_(0.0, 0.0) {}
+
+Projection::Projection(const Projection& other)
+    : world_count_(other.world_count_),
+      point_(other.point_),
+      altitude_(other.altitude_),
+      type_(other.type_),
+      radius_(other.radius_),
+      base_(other.base_),
+      first_par_(other.first_par_),
+      second_par_(other.second_par_),
+      reference_(other.reference_) {
+  if (other.world_) {
+    const WorldPoint w = other.world();
+    storeWorld(w.x, w.y, w.z);
+  }
+}
+
+Projection& Projection::operator=(const Projection& other) {
+  if (this == &other) return *this;
+  // The array first: it is the only step that can fail.
+  if (other.world_) {
+    const WorldPoint w = other.world();
+    storeWorld(w.x, w.y, w.z);
+  } else {
+    world_.reset();
+  }
+  world_count_ = other.world_count_;
+  point_ = other.point_;
+  point_.setAlt(other.point_.fetchAltitude());  // LatLon's assignment moves no height
+  altitude_ = other.altitude_;
+  type_ = other.type_;
+  radius_ = other.radius_;
+  base_ = other.base_;
+  first_par_ = other.first_par_;
+  second_par_ = other.second_par_;
+  reference_ = other.reference_;
+  return *this;
+}
+
+Projection::~Projection() = default;
+
+void Projection::setLLCoordinates(double lat_deg, double lon_deg, double altitude) {
+  renewWorld();
+  world_count_ = 3;
+  point_.setLat(lat_deg);
+  point_.setLon(lon_deg);
+  altitude_ = altitude;
+}
+
+void Projection::setLLCoordinates(double lat_deg, double lat_min, double lat_sec, double lon_deg,
+                                  double lon_min, double lon_sec, double altitude) {
+  renewWorld();
+  world_count_ = 3;
+  point_.setLat(lat_deg, lat_min, lat_sec);
+  point_.setLon(lon_deg, lon_min, lon_sec);
+  altitude_ = altitude;
+}
+
+LatLon* Projection::fetchLLCoordinates() { return &point_; }
+
+const LatLon* Projection::fetchLLCoordinates() const { return &point_; }
+
+LatLon* Projection::fetchLLCoordinates(double* altitude) {
+  *altitude = altitude_;
+  return &point_;
+}
+
+const LatLon* Projection::fetchLLCoordinates(double* altitude) const {
+  *altitude = altitude_;
+  return &point_;
+}
+
+void Projection::setWorldCoordinates(double x, double y, double z) { storeWorld(x, y, z); }
+
+void Projection::setWorldCoordinates(const double* xyz) { storeWorld(xyz[0], xyz[1], xyz[2]); }
+
+void Projection::setWorldCoordinates(WorldPoint point) { storeWorld(point.x, point.y, point.z); }
+
+int Projection::fetchWorldCoordinates(double* x, double* y, double* z) const {
+  const WorldPoint w = world();
+  *x = w.x;
+  *y = w.y;
+  *z = w.z;
+  return world_ ? world_count_ : 0;
+}
+
+int Projection::fetchWorldCoordinates(double** xyz) const {
+  delete[] * xyz;
+  *xyz = nullptr;
+  if (!world_) return 0;
+  const auto count = static_cast<std::size_t>(world_count_);
+  *xyz = new double[count];
+  for (std::size_t i = 0; i < count; ++i) (*xyz)[i] = world_[i];
+  return world_count_;
+}
+
+int Projection::fetchWorldCoordinates(WorldPoint* point) const {
+  if (!world_) return 0;
+  *point = world();
+  return world_count_;
+}
+
+void Projection::removeCoords() {
+  world_.reset();
+  world_count_ = 0;
+}
+
+int Projection::setProjection(projType type) {
+  if (!is_legal(type)) {
+    std::cerr << "Projection::setProjection: " << static_cast<std::int32_t>(type)
+              << " illegal projection type" << std::endl;
+    return 0;
+  }
+  type_ = type;
+  return 1;
+}
+
+int Projection::setProjection(UtString name) {
+  name.lower();
+  for (std::size_t i = 0; i < kNames.size(); ++i) {
+    if (name == kNames[i].accepted) return setProjection(static_cast<projType>(i));
+  }
+  // A misspelt name is not an error here: callers rely on getting a map all the same.
+  return setProjection(CartesianProj);
+}
+
+projType Projection::fetchProjection() const { return type_; }
+
+UtString Projection::fetchProjectionName() const {
+  return is_legal(type_) ? kNames[static_cast<std::size_t>(type_)].display : "Unknown";
+}
+
+int Projection::setGlobeRadius(double radius) {
+  if (radius < 0.0) {
+    std::cerr << "Projection::setGlobeRadius: " << radius << " is illegal. No negative radii"
+              << std::endl;
+    return 0;
+  }
+  radius_ = radius;
+  return 1;
+}
+
+double Projection::fetchGlobeRadius() const { return radius_; }
+
+double Projection::fetchBaseLat() const { return base_.fetchLat(); }
+
+double Projection::fetchBaseLon() const { return base_.fetchLon(); }
+
+int Projection::setFirstPar(double parallel_deg) {
+  return set_parallel(first_par_, parallel_deg, "Projection::setFirstPar: ");
+}
+
+int Projection::setSecondPar(double parallel_deg) {
+  return set_parallel(second_par_, parallel_deg, "Projection::setSecondPar: ");
+}
+
+double Projection::fetchFirstPar() const { return first_par_.fetchLon(); }
+
+double Projection::fetchSecondPar() const { return second_par_.fetchLon(); }
+
+double Projection::LatToDeg(double lat_rad) const { return clamp(degrees(lat_rad)); }
+
+double Projection::LatToRad(double lat_deg) const { return radians(clamp(lat_deg)); }
+
+double Projection::LonToDeg(double lon_rad) const {
+  return wrap(degrees(lon_rad) - reference_.fetchLon());
+}
+
+double Projection::LonToRad(double lon_deg) const {
+  return radians(wrap(lon_deg + reference_.fetchLon()));
+}
+
+double Projection::pointLatRad() const { return LatToRad(point_.fetchLat()); }
+
+double Projection::pointLonRad() const { return LonToRad(point_.fetchLon()); }
+
+double Projection::baseLatRad() const { return LatToRad(base_.fetchLat()); }
+
+double Projection::baseLonRad() const { return LonToRad(base_.fetchLon()); }
+
+double Projection::firstParRad() const { return LatToRad(fetchFirstPar()); }
+
+double Projection::secondParRad() const { return LatToRad(fetchSecondPar()); }
+
+/// Replaces the world coordinates by three zeros in a new array.
+///
+/// The array has room for three even while the count is 0 after `removeCoords`: what is
+/// stored is always a whole point.
+void Projection::renewWorld() { world_ = std::make_unique<double[]>(3); }
+
+/// Makes sure that there are world coordinates to write to.
+void Projection::ensureWorld() {
+  if (!world_) renewWorld();
+}
+
+void Projection::storeWorld(double x, double y, double z) {
+  ensureWorld();
+  world_[0] = x;
+  world_[1] = y;
+  world_[2] = z;
+}
+
+/// The world coordinates; zeros when there are none.
+WorldPoint Projection::world() const {
+  return world_ ? WorldPoint{world_[0], world_[1], world_[2]} : WorldPoint{0.0, 0.0, 0.0};
+}
+
+/// Stores what an inverse found and returns the inverse's result, 1.
+///
+/// The altitude goes into the point; the object's own altitude stays.
+int Projection::storePoint(double lat_rad, double lon_rad, double altitude) {
+  point_.setLon(LonToDeg(lon_rad));
+  point_.setLat(LatToDeg(lat_rad));
+  point_.setAlt(altitude);
+  return 1;
+}
