@@ -1,0 +1,58 @@
+// How this folder takes fields from a file: reading with a status, and decoding.
+
+#ifndef KZGIS_SHAPE_FIELDS_H
+#define KZGIS_SHAPE_FIELDS_H
+
+#include <cstring>
+#include <istream>
+
+#include "kzgis/byteutil.h"
+#include "kzgis/types.h"
+
+namespace kzgis::shape_fields {
+
+/// Reads `count` bytes; every read of this folder gets its status here.
+///
+/// The streams of this library set their fail flag whenever bytes are missing, so that
+/// a short read without it would be a fault of the stream buffer.
+inline kz_ulong read_bytes(std::istream& stream, void* bytes, std::streamsize count) {
+  stream.read(static_cast<char*>(bytes), count);
+  if (stream.fail()) return stream.eof() ? status::end_of_file : status::read_failed;
+  return stream.gcount() < count ? status::short_read : status::success;
+}
+
+// Byte orders are asked for as "swap unless ...": `ByteOrder()` is 1 on a little-endian
+// host and never 2, so big-endian fields are reversed on every host.
+inline bool swaps_big_endian(const GIS_ByteUtil_c& bytes) { return bytes.ByteOrder() != 2; }
+inline bool swaps_little_endian(const GIS_ByteUtil_c& bytes) { return bytes.ByteOrder() != 1; }
+
+inline kz_long big_endian_long(const GIS_ByteUtil_c& bytes, const char* field) {
+  kz_long value = 0;
+  std::memcpy(&value, field, sizeof value);
+  if (swaps_big_endian(bytes)) bytes.SwapBytes4(sizeof value, &value);
+  return value;
+}
+
+inline kz_long little_endian_long(const GIS_ByteUtil_c& bytes, const char* field) {
+  kz_long value = 0;
+  std::memcpy(&value, field, sizeof value);
+  if (swaps_little_endian(bytes)) bytes.SwapBytes4(sizeof value, &value);
+  return value;
+}
+
+inline double little_endian_double(const GIS_ByteUtil_c& bytes, const char* field) {
+  double value = 0.0;
+  std::memcpy(&value, field, sizeof value);
+  if (swaps_little_endian(bytes)) bytes.SwapBytes8(sizeof value, &value);
+  return value;
+}
+
+/// Turns a file's count of 16-bit words into bytes.  A count of 2^30 or more wraps, as
+/// all 32-bit arithmetic of this folder does, through unsigned.
+inline kz_long words_to_bytes(kz_long words) {
+  return static_cast<kz_long>(static_cast<kz_ulong>(words) * 2);
+}
+
+}  // namespace kzgis::shape_fields
+
+#endif

@@ -1,0 +1,360 @@
+// The records of an ESRI shapefile, after "ESRI Shapefile Technical Description" (1998).
+// Contents, all little-endian, offsets from the first byte behind the record header:
+//
+//   point            arc and polygon                   multi-point
+//    0  int32  type   0  int32  type                    0  int32  type
+//    4  double X      4  4 doubles  the box             4  4 doubles  the box
+//   12  double Y     36  int32  number of parts        36  int32  number of points
+//                    40  int32  number of points       40  the points
+//                    44  int32 each  start of a part
+//                        then the points
+//
+// A box is Xmin, Ymin, Xmax, Ymax; a point is X, Y.  The type inside a record is not
+// looked at: the caller has chosen the reader.
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+
+#include "kzgis/shape.h"
+#include "shape/fields.h"
+
+using namespace kzgis;
+using namespace kzgis::shape_fields;
+
+namespace {
+
+constexpr kz_long kRecordHeaderSize = 8;
+constexpr kz_long kArcFixedSize = 44;
+constexpr kz_long kMultiPointFixedSize = 40;
+constexpr kz_long kBox = 4;
+constexpr kz_long kArcPartCount = 36;
+constexpr kz_long kArcPointCount = 40;
+constexpr kz_long kMultiPointPointCount = 36;
+constexpr kz_long kPointX = 4;
+constexpr kz_long kPointY = 12;
+constexpr kz_long kPointSize = 20;
+constexpr kz_long kLongPointSize = 64;  // with Z, M and whatever else follows X and Y
+constexpr std::int64_t kBytesPerPart = 4;
+constexpr std::int64_t kBytesPerPoint = 16;
+constexpr kz_long kBytesPerCoordinate = 8;
+constexpr kz_long kPointsPerBlock = 1024;
+
+constinit const GIS_ByteUtil_c byte_util;
+
+void decode_box(const char* record, double* x_min, double* y_min, double* x_max, double* y_max) {
+  *x_min = little_endian_double(byte_util, record + kBox);
+  *y_min = little_endian_double(byte_util, record + kBox + 8);
+  *x_max = little_endian_double(byte_util, record + kBox + 16);
+  *y_max = little_endian_double(byte_util, record + kBox + 24);
+}
+
+/// Grows `*array` to `count` elements with the C heap.
+/// @return false, with `*array` null and the former block lost, when there is no memory
+template <typename T>
+bool reallocate(T** array, kz_long count) {
+  *array = static_cast<T*>(std::realloc(*array, static_cast<std::size_t>(count) * sizeof(T)));
+  return *array != nullptr;
+}
+
+/// What a capacity is worth: nothing while an array is null, as an allocation that
+/// failed leaves it.
+kz_long usable(kz_long capacity, const kz_long* parts) {
+  return parts == nullptr ? 0 : std::max(capacity, kz_long{0});
+}
+kz_long usable(kz_long capacity, const double* x, const double* y) {
+  return x == nullptr || y == nullptr ? 0 : std::max(capacity, kz_long{0});
+}
+
+/// Stores in `*left` how many bytes the file holds from the stream's position on, or
+/// just `wanted` when it surely holds that many.
+///
+/// The position is kept, but measuring costs the stream its buffer; what the buffer
+/// holds already, all of most records, needs none.
+kz_ulong measure_rest(std::ifstream& stream, std::int64_t wanted, std::int64_t* left) {
+  *left = wanted;
+  if (stream.rdbuf()->in_avail() >= wanted) return status::success;
+  const std::streamoff here = stream.tellg();
+  const std::streamoff end = stream.seekg(0, std::ios::end).tellg();
+  stream.seekg(here);
+  *left = end - here;
+  return stream.fail() ? status::seek_failed : status::success;
+}
+
+/// Leaves the stream as a read beyond the file's end would, without reading.
+kz_ulong fail_at_end(std::ifstream& stream) {
+  stream.seekg(0, std::ios::end);
+  stream.setstate(std::ios::eofbit | std::ios::failbit);
+  return status::end_of_file;
+}
+
+/// Makes room for a record's part array, the stream standing at it.
+///
+/// The count is the file's claim: an array that the rest of the file cannot fill ends
+/// the reading, as its read would have, before anything is allocated.
+kz_ulong grow_parts(std::ifstream& stream, kz_long num_parts, kz_long* capacity, kz_long** parts) {
+  // As a length, a negative count lies beyond the end of any file.
+  if (num_parts < 0) return fail_at_end(stream);
+  if (num_parts <= usable(*capacity, *parts)) return status::success;
+
+  const std::int64_t wanted = num_parts * kBytesPerPart;
+  std::int64_t left = 0;
+  const kz_ulong measured = measure_rest(stream, wanted, &left);
+  if (measured != status::success) return measured;
+  if (wanted > left) return fail_at_end(stream);
+  if (!reallocate(parts, num_parts)) return status::out_of_memory;
+  *capacity = num_parts;
+  return status::success;
+}
+
+/// Makes room for a record's points, which begin `bytes_before` bytes from the stream's
+/// position: for as many as the file can hold, one that its end cuts off included.
+kz_ulong grow_points(std::ifstream& stream, std::int64_t bytes_before, kz_long num_points,
+                     kz_long* capacity, double** x, double** y) {
+  if (num_points <= usable(*capacity, *x, *y)) return status::success;
+
+  std::int64_t left = 0;
+  const kz_ulong measured = measure_rest(stream, bytes_before + num_points * kBytesPerPoint, &left);
+  if (measured != status::success) return measured;
+  const std::int64_t held = (left - bytes_before + kBytesPerPoint - 1) / kBytesPerPoint;
+  const auto wanted = static_cast<kz_long>(std::min<std::int64_t>(num_points, held));
+  if (wanted <= usable(*capacity, *x, *y)) return status::success;
+  // Both are tried whatever becomes of the first, so that the pointers tell the outcome.
+  const bool has_x = reallocate(x, wanted);
+  const bool has_y = reallocate(y, wanted);
+  if (!has_x || !has_y) return status::out_of_memory;
+  *capacity = wanted;
+  return status::success;
+}
+
+kz_ulong read_parts(std::ifstream& stream, kz_long num_parts, kz_long* parts) {
+  const kz_ulong result = read_bytes(stream, parts, num_parts * kBytesPerPart);
+  if (result != status::success) return result;
+  if (swaps_little_endian(byte_util)) {
+    for (kz_long i = 0; i < num_parts; ++i) byte_util.SwapBytes4(sizeof parts[i], &parts[i]);
+  }
+  return status::success;
+}
+
+/// Reads points into arrays with room for `room` of them, a block at a time.
+///
+/// Coordinates that are there before a failure are stored.  A count beyond the room is
+/// a claim that grow_points found the file too short for.
+kz_ulong read_points(std::ifstream& stream, kz_long num_points, kz_long room, double* x,
+                     double* y) {
+  double block[kPointsPerBlock * 2];
+  const kz_long wanted = std::min(num_points, room);
+  for (kz_long done = 0; done < wanted;) {
+    const kz_long in_block = std::min(kPointsPerBlock, wanted - done);
+    const kz_ulong result = read_bytes(stream, block, in_block * kBytesPerPoint);
+    const auto coordinates = static_cast<kz_long>(stream.gcount() / kBytesPerCoordinate);
+    if (swaps_little_endian(byte_util)) {
+      byte_util.SwapBytes8(static_cast<kz_ulong>(coordinates * kBytesPerCoordinate), block);
+    }
+    const double* next = block;
+    for (kz_long i = 0; i < coordinates / 2; ++i) {
+      x[done + i] = *next++;
+      y[done + i] = *next++;
+    }
+    if (coordinates % 2 != 0) x[done + coordinates / 2] = *next;
+    if (result != status::success) return result;
+    done += in_block;
+  }
+  return num_points > wanted ? fail_at_end(stream) : status::success;
+}
+
+}  // namespace
+
+/// Reads a record header and the fixed part of the content behind it; a null record is
+/// passed by.
+///
+/// @return 1 with the stream behind the fixed part; 2 with it at the next record; else
+///         what failed
+kz_ulong KZ_GIS_ESRI_Shape_c::ReadFixedPart(kz_long* recordNumber, char* fixedPart,
+                                            kz_long fixedSize) {
+  kz_long length = 0;
+  kz_ulong result = ReadShapeRecordHeader(recordNumber, &length);
+  if (result != status::success) return result;
+  result = PassNullRecord(*recordNumber, length, fixedSize);
+  if (result != status::success) return result;
+  return read_bytes(shape_stream_, fixedPart, fixedSize);
+}
+
+/// Moves from the content of a null record to the next record.
+///
+/// A content no longer than the fixed part of the kind asked for has no shape in it.
+/// The index then has the last word, by a limit of 44 bytes for every kind: 41 to 44
+/// bytes make a multi-point when the record itself tells its length, and a null record
+/// when only the index does.
+///
+/// @return 1, with nothing moved, for any other record; 2 for a null record; else what
+///         failed, 11 for a null record that is the last
+kz_ulong KZ_GIS_ESRI_Shape_c::PassNullRecord(kz_long recordNumber, kz_long length,
+                                             kz_long fixedSize) {
+  // Unsigned: a length that is negative counts as a long one.
+  if (static_cast<kz_ulong>(length) > static_cast<kz_ulong>(fixedSize)) return status::success;
+
+  kz_long offset = 0;
+  kz_ulong result = ReadIndexRecord(recordNumber, &offset, &length);
+  if (result != status::success) return result;
+  if (length > kArcFixedSize) return status::success;
+
+  const auto next = static_cast<kz_long>(static_cast<kz_ulong>(recordNumber) + 1);
+  result = ReadIndexRecord(next, &offset, &length);
+  if (result != status::success) return result;
+  shape_stream_.seekg(offset);
+  return shape_stream_.fail() ? status::seek_failed : status::wrong_kind;
+}
+
+kz_ulong KZ_GIS_ESRI_Shape_c::ReadNullShape() const {
+  return shape_file_open_ ? status::success : status::not_open;
+}
+
+kz_ulong KZ_GIS_ESRI_Shape_c::ReadPointShape(kz_long* recordNumber, double* x, double* y) {
+  kz_long length = 0;
+  kz_ulong result = ReadShapeRecordHeader(recordNumber, &length);
+  if (result != status::success) return result;
+  if (length != kPointSize && length != kLongPointSize) return status::wrong_kind;
+
+  char record[kLongPointSize];
+  result = read_bytes(shape_stream_, record, length);
+  if (result != status::success) return result;
+  *x = little_endian_double(byte_util, record + kPointX);
+  *y = little_endian_double(byte_util, record + kPointY);
+  return status::success;
+}
+
+kz_ulong KZ_GIS_ESRI_Shape_c::ReadMultiPointShape(kz_long* recordNumber, double* xMin, double* yMin,
+                                                  double* xMax, double* yMax, kz_long* numPoints,
+                                                  kz_long* pointsCapacity, double** x, double** y) {
+  char record[kMultiPointFixedSize];
+  kz_ulong result = ReadFixedPart(recordNumber, record, kMultiPointFixedSize);
+  if (result != status::success) return result;
+  decode_box(record, xMin, yMin, xMax, yMax);
+  *numPoints = little_endian_long(byte_util, record + kMultiPointPointCount);
+
+  result = grow_points(shape_stream_, 0, *numPoints, pointsCapacity, x, y);
+  if (result != status::success) return result;
+  return read_points(shape_stream_, *numPoints, usable(*pointsCapacity, *x, *y), *x, *y);
+}
+
+kz_ulong KZ_GIS_ESRI_Shape_c::ReadArcShape(kz_long* recordNumber, double* xMin, double* yMin,
+                                           double* xMax, double* yMax, kz_long* numParts,
+                                           kz_long* partsCapacity, kz_long** parts,
+                                           kz_long* numPoints, kz_long* pointsCapacity, double** x,
+                                           double** y) {
+  char record[kArcFixedSize];
+  kz_ulong result = ReadFixedPart(recordNumber, record, kArcFixedSize);
+  if (result != status::success) return result;
+  decode_box(record, xMin, yMin, xMax, yMax);
+  *numParts = little_endian_long(byte_util, record + kArcPartCount);
+  *numPoints = little_endian_long(byte_util, record + kArcPointCount);
+
+  result = grow_parts(shape_stream_, *numParts, partsCapacity, parts);
+  if (result != status::success) return result;
+  result = grow_points(shape_stream_, *numParts * kBytesPerPart, *numPoints, pointsCapacity, x, y);
+  if (result != status::success) return result;
+  result = read_parts(shape_stream_, *numParts, *parts);
+  if (result != status::success) return result;
+  return read_points(shape_stream_, *numPoints, usable(*pointsCapacity, *x, *y), *x, *y);
+}
+
+kz_ulong KZ_GIS_ESRI_Shape_c::ReadPolygonShape(kz_long* recordNumber, double* xMin, double* yMin,
+                                               double* xMax, double* yMax, kz_long* numParts,
+                                               kz_long* partsCapacity, kz_long** parts,
+                                               kz_long* numPoints, kz_long* pointsCapacity,
+                                               double** x, double** y) {
+  return ReadArcShape(recordNumber, xMin, yMin, xMax, yMax, numParts, partsCapacity, parts,
+                      numPoints, pointsCapacity, x, y);
+}
+
+kz_ulong KZ_GIS_ESRI_Shape_c::GetArcShapeInfo(kz_long* recordNumber, kz_long* numParts,
+                                              kz_long* numPoints) {
+  char record[kArcFixedSize];
+  const kz_ulong result = ReadFixedPart(recordNumber, record, kArcFixedSize);
+  if (result != status::success) return result;
+  *numParts = little_endian_long(byte_util, record + kArcPartCount);
+  *numPoints = little_endian_long(byte_util, record + kArcPointCount);
+  return status::success;
+}
+
+kz_ulong KZ_GIS_ESRI_Shape_c::GetPolygonShapeInfo(kz_long* recordNumber, kz_long* numParts,
+                                                  kz_long* numPoints) {
+  return GetArcShapeInfo(recordNumber, numParts, numPoints);
+}
+
+kz_ulong KZ_GIS_ESRI_Shape_c::GetMultiPointShapeInfo(kz_long* recordNumber, kz_long* numPoints) {
+  char record[kMultiPointFixedSize];
+  const kz_ulong result = ReadFixedPart(recordNumber, record, kMultiPointFixedSize);
+  if (result != status::success) return result;
+  *numPoints = little_endian_long(byte_util, record + kMultiPointPointCount);
+  return status::success;
+}
+
+kz_ulong KZ_GIS_ESRI_Shape_c::NumberOfParts(kz_ulong* count) {
+  if (!shape_file_open_) return status::not_open;
+  const std::streampos position = shape_stream_.tellg();
+  switch (shape_header_.ShapeType()) {
+    case shape_type::null_shape:
+    case shape_type::point:
+    case shape_type::multi_point:
+      return ReturnTo(position, NumberOfDataRecords(count));
+    case shape_type::arc:
+    case shape_type::polygon:
+      return ReturnTo(position, SumOverRecords(kArcFixedSize, kArcPartCount, count));
+    default:
+      return status::wrong_kind;
+  }
+}
+
+kz_ulong KZ_GIS_ESRI_Shape_c::NumberOfPoints(kz_ulong* count) {
+  if (!shape_file_open_) return status::not_open;
+  const std::streampos position = shape_stream_.tellg();
+  switch (shape_header_.ShapeType()) {
+    case shape_type::null_shape:
+    case shape_type::point:
+      return ReturnTo(position, NumberOfDataRecords(count));
+    case shape_type::arc:
+    case shape_type::polygon:
+      return ReturnTo(position, SumOverRecords(kArcFixedSize, kArcPointCount, count));
+    case shape_type::multi_point:
+      return ReturnTo(position, SumOverRecords(kMultiPointFixedSize, kMultiPointPointCount, count));
+    default:
+      return status::wrong_kind;
+  }
+}
+
+/// Puts the shape stream back, and gives `result` when that could be done.
+kz_ulong KZ_GIS_ESRI_Shape_c::ReturnTo(std::streampos position, kz_ulong result) {
+  shape_stream_.seekg(position);
+  return shape_stream_.fail() ? status::seek_failed : result;
+}
+
+/// Adds up one 32-bit field, `fieldOffset` bytes into the content, over all records
+/// whose content is longer than `fixedSize`.
+///
+/// The index header may claim more records than there are: the first one that cannot
+/// be read ends the walk.
+kz_ulong KZ_GIS_ESRI_Shape_c::SumOverRecords(kz_long fixedSize, kz_long fieldOffset,
+                                             kz_ulong* sum) {
+  *sum = 0;
+  kz_ulong records = 0;
+  NumberOfDataRecords(&records);
+  for (kz_ulong number = 1; number <= records; ++number) {
+    kz_long offset = 0;
+    kz_long length = 0;
+    kz_ulong result = ReadIndexRecord(static_cast<kz_long>(number), &offset, &length);
+    if (result != status::success) return result;
+    if (length <= fixedSize) continue;
+
+    const kz_ulong place =
+        static_cast<kz_ulong>(offset) + static_cast<kz_ulong>(kRecordHeaderSize + fieldOffset);
+    shape_stream_.seekg(static_cast<kz_long>(place));
+    if (shape_stream_.fail()) return status::seek_failed;
+    char field[4];
+    result = read_bytes(shape_stream_, field, sizeof field);
+    if (result != status::success) return result;
+    *sum += static_cast<kz_ulong>(little_endian_long(byte_util, field));
+  }
+  return status::success;
+}

@@ -1,0 +1,192 @@
+// Small files of every kind, cut at every byte, and with every byte of their headers
+// replaced: every operation keeps to the statuses that it documents, and no array
+// grows beyond what the file can fill.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "kzgis/shape.h"
+#include "shape/shape_record.h"
+#include "shape/shapefile_writer.h"
+
+namespace {
+
+using testing::AnyOf;
+
+struct Layer {
+  std::int32_t type;
+  std::vector<std::string> contents;
+
+  ShapefileWriter writer() const {
+    ShapefileWriter w(type);
+    for (const std::string& content : contents) w.add(content);
+    return w;
+  }
+};
+
+std::vector<Layer> layers() {
+  return {{1, {point_content(1, 2), point_content(3, 4)}},
+          {3,
+           {arc_content({0, 2}, some_points(5, 1)), null_content(),
+            arc_content({0}, some_points(3, 2))}},
+          {5,
+           {arc_content({0}, some_points(4, 1), 5), arc_content({0, 3}, some_points(6, 2), 5),
+            null_content()}},
+          {8, {multi_point_content(some_points(3, 1)), multi_point_content(some_points(2, 2))}}};
+}
+
+std::string label(const Layer& layer, const char* file, std::size_t place) {
+  return "type " + std::to_string(layer.type) + ", " + file + ", byte " + std::to_string(place);
+}
+
+class ShapeDamageTest : public ShapefileTest {
+ protected:
+  /// Reads every record with the reader of the layer's kind, in file order and from
+  /// record to record, and asks for everything else there is to know.
+  void read_everything(const std::string& base, std::int32_t type) {
+    const auto bytes = static_cast<kz_long>(std::filesystem::file_size(base + ".shp"));
+    for (const bool by_index : {false, true}) {
+      KZ_GIS_ESRI_Shape_c shape(base.c_str());
+      ShapeRecord record;
+      for (int i = 1; i <= 5 && shape.ShapeFileIsOpen() == 1; ++i) {
+        if (by_index) {
+          EXPECT_THAT(shape.SeekToDataRecord(i), AnyOf(1u, 2u, 10u));
+        }
+        EXPECT_THAT(read(shape, type, record), AnyOf(1u, 2u, 4u, 10u, 11u));
+        EXPECT_LE(record.parts_capacity, bytes / 4);
+        EXPECT_LE(record.points_capacity, bytes / 16 + 1);
+        EXPECT_THAT(info(shape, type), AnyOf(1u, 2u, 4u, 10u, 11u));
+      }
+    }
+    for (auto count : {&KZ_GIS_ESRI_Shape_c::NumberOfParts, &KZ_GIS_ESRI_Shape_c::NumberOfPoints}) {
+      KZ_GIS_ESRI_Shape_c shape(base.c_str());
+      if (shape.ShapeFileIsOpen() == 0) continue;
+      kz_ulong total = 0;
+      EXPECT_THAT((shape.*count)(&total), AnyOf(1u, 2u, 10u, 11u));
+      EXPECT_EQ(shape.NumberOfDataRecords(&total), 1u);
+      EXPECT_THAT(shape.ShapeHeader().ValidateFileHeader(), AnyOf(1u, 6u, 7u, 8u, 9u));
+    }
+  }
+
+  static kz_ulong read(KZ_GIS_ESRI_Shape_c& shape, std::int32_t type, ShapeRecord& record) {
+    double x;
+    double y;
+    switch (type) {
+      case 1:
+        return shape.ReadPointShape(&record.number, &x, &y);
+      case 3:
+        return record.read_arc(shape);
+      case 5:
+        return record.read_polygon(shape);
+      default:
+        return record.read_multi_point(shape);
+    }
+  }
+
+  static kz_ulong info(KZ_GIS_ESRI_Shape_c& shape, std::int32_t type) {
+    kz_long number;
+    kz_long parts;
+    kz_long points;
+    return type == 8 ? shape.GetMultiPointShapeInfo(&number, &points)
+                     : shape.GetPolygonShapeInfo(&number, &parts, &points);
+  }
+
+  /// Replaces each byte of one of the two files, one after the other.
+  void replace_bytes(const Layer& layer, bool in_index) {
+    const std::string shp = layer.writer().shp();
+    const std::string shx = layer.writer().shx();
+    const std::string& whole = in_index ? shx : shp;
+    for (std::size_t place = 0; place < whole.size(); ++place) {
+      SCOPED_TRACE(label(layer, in_index ? ".shx" : ".shp", place));
+      for (const int value : {0x00, 0x7F, 0x80, 0xFF}) {
+        SCOPED_TRACE(value);
+        std::string damaged = whole;
+        damaged[place] = static_cast<char>(value);
+        read_everything(in_index ? write(shp, damaged) : write(damaged, shx), layer.type);
+        if (HasFailure()) return;
+      }
+    }
+  }
+};
+
+TEST_F(ShapeDamageTest, ACutShapeFileGivesItsWholeRecordsAndThen11) {
+  for (const Layer& layer : layers()) {
+    const std::string shp = layer.writer().shp();
+    for (std::size_t length = 0; length < shp.size(); ++length) {
+      SCOPED_TRACE(label(layer, ".shp cut", length));
+      const std::string base = write(shp.substr(0, length), layer.writer().shx());
+      KZ_GIS_ESRI_Shape_c shape(base.c_str());
+      ASSERT_EQ(shape.ShapeFileIsOpen(), length < 100 ? 0 : 1);
+      if (length < 100) continue;
+
+      ShapeRecord record;
+      std::size_t end = 100;
+      for (std::size_t i = 0; i < layer.contents.size(); ++i) {
+        end += 8 + layer.contents[i].size();
+        const bool null = layer.contents[i].size() == 4;
+        const bool last = i + 1 == layer.contents.size();
+        // A null record needs no more than its header, but one that follows it.
+        const bool held = length >= (null ? end - 4 : end);
+        const kz_ulong expected = !held || (null && last) ? 11 : null ? 2 : 1;
+        ASSERT_EQ(read(shape, layer.type, record), expected) << "record " << i + 1;
+        if (expected == 11) break;
+      }
+      read_everything(base, layer.type);
+    }
+  }
+}
+
+TEST_F(ShapeDamageTest, ACutIndexLeavesSequentialReadingAlone) {
+  for (const Layer& layer : layers()) {
+    const std::string shx = layer.writer().shx();
+    for (std::size_t length = 0; length < shx.size(); ++length) {
+      SCOPED_TRACE(label(layer, ".shx cut", length));
+      const std::string base = write(layer.writer().shp(), shx.substr(0, length));
+      KZ_GIS_ESRI_Shape_c shape(base.c_str());
+      ASSERT_EQ(shape.ShapeFileIsOpen(), length < 100 ? 0 : 1);
+      ASSERT_EQ(shape.IndexFileIsOpen(), length < 100 ? 0 : 1);
+      if (length < 100) continue;
+
+      ShapeRecord record;
+      EXPECT_EQ(read(shape, layer.type, record), 1u);
+      for (std::size_t i = 0; i < layer.contents.size(); ++i) {
+        KZ_GIS_ESRI_Shape_c seeking(base.c_str());
+        const bool held = length >= 100 + 8 * (i + 1);
+        EXPECT_EQ(seeking.SeekToDataRecord(static_cast<kz_long>(i + 1)), held ? 1u : 2u);
+      }
+      read_everything(base, layer.type);
+    }
+  }
+}
+
+TEST_F(ShapeDamageTest, NoByteOfAShapeFileMakesAnUndocumentedStatus) {
+  for (const Layer& layer : layers()) replace_bytes(layer, false);
+}
+
+TEST_F(ShapeDamageTest, NoByteOfAnIndexMakesAnUndocumentedStatus) {
+  for (const Layer& layer : layers()) replace_bytes(layer, true);
+}
+
+TEST_F(ShapeDamageTest, EachReaderMeetsFilesOfEveryOtherKind) {
+  for (const Layer& layer : layers()) {
+    const std::string base = write(layer.writer());
+    for (const std::int32_t type : {1, 3, 5, 8}) {
+      SCOPED_TRACE(label(layer, "read as type", static_cast<std::size_t>(type)));
+      read_everything(base, type);
+    }
+  }
+}
+
+TEST_F(ShapeDamageTest, AnIndexOfAnotherFileIsSurvived) {
+  for (const Layer& layer : layers()) {
+    for (const Layer& other : layers()) {
+      SCOPED_TRACE(label(layer, "index of type", static_cast<std::size_t>(other.type)));
+      read_everything(write(layer.writer().shp(), other.writer().shx()), layer.type);
+    }
+  }
+}
+
+}  // namespace
