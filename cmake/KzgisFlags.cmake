@@ -9,8 +9,10 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
     -ffp-contract=off -Wall -Wextra -Wpedantic -Wconversion -Wshadow
     $<$<BOOL:${KZGIS_WERROR}>:-Werror>
     -fstack-protector-strong)
-  target_compile_definitions(kzgis_build_flags INTERFACE
-    $<$<AND:$<NOT:$<CONFIG:Debug>>,$<NOT:$<BOOL:${KZGIS_SANITIZE}>>>:_FORTIFY_SOURCE=2>)
+  if(NOT KZGIS_SANITIZE)
+    target_compile_definitions(kzgis_build_flags INTERFACE
+      $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+  endif()
   if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
     target_link_options(kzgis_build_flags INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
   endif()
@@ -22,4 +24,9 @@ if(KZGIS_SANITIZE)
   target_compile_options(kzgis_build_flags INTERFACE
     -fsanitize=${KZGIS_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kzgis_build_flags INTERFACE -fsanitize=${KZGIS_SANITIZE})
+endif()
+
+if(KZGIS_BUILD_FUZZERS)
+  # The library tells libFuzzer which of its lines ran.
+  target_compile_options(kzgis_build_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()

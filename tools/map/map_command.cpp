@@ -1,0 +1,271 @@
+// `kzgis map`: arguments in, a picture out.
+
+#include "tools/map/map_command.h"
+
+#include <charconv>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/map/layer.h"
+#include "tools/map/painter.h"
+#include "tools/map/plane.h"
+#include "tools/map/render.h"
+#include "tools/map/style.h"
+#include "tools/support/command_error.h"
+#include "tools/support/number_text.h"
+#include "tools/support/output_file.h"
+#include "tools/support/projection_options.h"
+
+namespace kzgis::map {
+namespace {
+
+using tools::CommandError;
+
+struct MapOptions {
+  std::vector<std::string> files;
+  std::string output;
+  std::string format;
+  std::vector<Role> styles;
+  tools::ProjectionOptions projection;
+  std::optional<double> horizon_deg;
+  std::optional<Window> box;
+  std::string size;
+  double graticule_deg = 15.0;
+  std::string title;
+};
+
+constexpr const char* kExamples = R"(
+Examples:
+  The countries of the world, each in a tint of its own:
+    kzgis map ne_110m_countries.shp --style countries -o world.png
+  Land, lakes and rivers on the globe, seen from above Cairo:
+    kzgis map land.shp lakes.shp rivers.shp --style land,water,river \
+        --to globe --base 30,31 -o globe.svg
+  Europe on a cone, for a printer:
+    kzgis map countries.shp --style countries --to albers --parallels 43,62 \
+        --box 34,-12,71,42 -o europe.pdf
+  The Arctic, within 40 degrees of the pole, to a pipe:
+    kzgis map land.shp --to stereographic --base 90,0 --horizon 40 \
+        -o - --format png | display
+
+Styles, one per FILE and in their order:
+  polygons  land (the usual), countries, water; as outlines coast, river, border
+  lines     coast (the usual), river, border
+  points    places
+Filled layers lie under the graticule, lines and points above it, later files
+above earlier ones.
+
+The longitude of --base is the middle of every map.  Its latitude is the centre
+of gnomonic, stereographic, orthographic, postel, lambert azimuthal and globe,
+shapes bonne and werner, and changes nothing on the others.
+
+Coordinates must be degrees.  Null and empty records are skipped.  A record that
+cannot be read is reported, the picture shows the others, the exit code is 1.
+)";
+
+Format choose_format(const MapOptions& options) {
+  if (!options.format.empty()) return *format_named(options.format);
+  if (options.output == "-") {
+    throw CLI::ValidationError("--output", "standard output needs --format png, svg or pdf");
+  }
+  const std::size_t dot = options.output.find_last_of("./");
+  if (dot != std::string::npos && options.output[dot] == '.') {
+    if (const auto format = format_named(options.output.substr(dot + 1))) return *format;
+  }
+  throw CLI::ValidationError(
+      "--output",
+      "'" + options.output + "' does not end in .png, .svg or .pdf, and no --format says which");
+}
+
+// A Cairo image is at most 32,767 pixels wide; four bytes a pixel set the other limit.
+constexpr int kLongestSide = 20000;
+constexpr double kMostPixels = 2e8;
+
+std::optional<int> parse_side(std::string_view text) {
+  int side = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), side);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  if (side < 16 || side > kLongestSide) return std::nullopt;
+  return side;
+}
+
+/// Null text when the size is right, else what is wrong with it: a CLI11 check.
+std::string check_size(const std::string& text) {
+  const std::size_t x = text.find('x');
+  if (x != std::string::npos) {
+    const auto width = parse_side(std::string_view(text).substr(0, x));
+    const auto height = parse_side(std::string_view(text).substr(x + 1));
+    if (width && height && static_cast<double>(*width) * *height <= kMostPixels) return {};
+  }
+  return "'" + text + "' is no size; one looks like 1600x900, each side 16 to 20000";
+}
+
+Window parse_box(const std::string& text) {
+  std::vector<double> sides;
+  std::istringstream fields(text);
+  for (std::string field; std::getline(fields, field, ',');) {
+    const std::optional<double> side = tools::parse_number(field);
+    if (!side) break;
+    sides.push_back(*side);
+  }
+  const bool complete = sides.size() == 4 && fields.eof();
+  if (!complete || std::abs(sides[1]) > 720.0 || std::abs(sides[3]) > 720.0 ||
+      !(-90.0 <= sides[0] && sides[0] < sides[2] && sides[2] <= 90.0)) {
+    throw CLI::ValidationError(
+        "--box", "'" + text + "' is no box; one looks like 34,-12,71,42: south, west, north, east");
+  }
+  return {sides[1], sides[3], sides[0], sides[2]};
+}
+
+std::vector<Role> parse_styles(const std::string& text) {
+  std::vector<Role> styles;
+  std::istringstream names(text);
+  for (std::string name; std::getline(names, name, ',');) {
+    const std::optional<Role> role = role_named(name);
+    if (!role) {
+      throw CLI::ValidationError("--style",
+                                 "'" + name + "' is no style; there are " + role_names());
+    }
+    styles.push_back(*role);
+  }
+  return styles;
+}
+
+void set_size(Sheet& sheet, Plane& plane, const std::string& size) {
+  if (size.empty()) {
+    set_usual_size(sheet, plane);
+    return;
+  }
+  const std::size_t x = size.find('x');
+  sheet.width = parse_side(std::string_view(size).substr(0, x)).value_or(0);
+  sheet.height = parse_side(std::string_view(size).substr(x + 1)).value_or(0);
+}
+
+const char* kind_name(LayerKind kind) {
+  switch (kind) {
+    case LayerKind::polygons:
+      return "polygons";
+    case LayerKind::lines:
+      return "lines";
+    default:
+      return "points";
+  }
+}
+
+std::vector<StyledLayer> read_layers(const MapOptions& options, int& exit_code) {
+  if (options.styles.size() > options.files.size()) {
+    throw CLI::ValidationError("--style", std::to_string(options.styles.size()) + " styles for " +
+                                              std::to_string(options.files.size()) + " files");
+  }
+  const auto complain = [&exit_code](const std::string& line) {
+    std::cerr << line << '\n';
+    exit_code = 1;
+  };
+  std::vector<StyledLayer> layers;
+  for (std::size_t i = 0; i < options.files.size(); ++i) {
+    Layer layer = read_layer(options.files[i], complain);
+    Role role = usual_role(layer.kind);
+    if (i < options.styles.size()) {
+      role = options.styles[i];
+      if (!suits(role, layer.kind)) {
+        throw CommandError(options.files[i] + ": holds " + kind_name(layer.kind) +
+                           ", which cannot be drawn as " + role_name(role));
+      }
+    }
+    layers.push_back({std::move(layer), role});
+  }
+  return layers;
+}
+
+Plane make_plane(const MapOptions& options) {
+  try {
+    return Plane({options.projection.type(), options.projection.base, options.projection.parallels,
+                  options.horizon_deg, options.box});
+  } catch (const std::invalid_argument& refused) {
+    throw CLI::ValidationError(refused.what());
+  }
+}
+
+void run(const MapOptions& options, int& exit_code) {
+  const Format format = choose_format(options);
+  Plane plane = make_plane(options);
+  Sheet sheet;
+  sheet.graticule_deg = options.graticule_deg;
+  sheet.title = options.title;
+  set_size(sheet, plane, options.size);
+  const std::vector<StyledLayer> layers = read_layers(options, exit_code);
+
+  const Page page = lay_out(plane, sheet);
+  tools::OutputFile output(options.output);
+  render(output.stream(), format, sheet.width, sheet.height,
+         [&](cairo_t* cairo) { paint(cairo, page, sheet, layers); });
+  output.commit();
+}
+
+}  // namespace
+}  // namespace kzgis::map
+
+namespace kzgis::tools {
+
+void add_map_command(CLI::App& app, int& exit_code) {
+  auto options = std::make_shared<map::MapOptions>();
+  CLI::App* command = app.add_subcommand("map", "Draw shapefiles as a map, in any projection");
+  command->add_option("FILE", options->files, "Shapefiles, the lowest layer first")
+      ->required()
+      ->type_name(".shp");
+  command
+      ->add_option("-o,--output", options->output,
+                   "The picture: .png, .svg or .pdf; - for standard output")
+      ->required()
+      ->type_name("PICTURE");
+  add_projection_options(*command, options->projection);
+  command
+      ->add_option("--horizon", options->horizon_deg,
+                   "How far an azimuthal map reaches from its centre, in degrees: gnomonic 60 "
+                   "unless said, stereographic 90, orthographic and globe 90, postel and "
+                   "lambert azimuthal 180")
+      ->type_name("DEG");
+  command
+      ->add_option_function<std::string>(
+          "--box", [options](const std::string& text) { options->box = map::parse_box(text); },
+          "Show this part of a map that is not azimuthal, in degrees")
+      ->type_name("S,W,N,E");
+  command
+      ->add_option("--size", options->size,
+                   "Size in pixels (points in a PDF); the map is fitted and centred.  Without, "
+                   "1600 on the long side")
+      ->type_name("WxH")
+      ->check(map::check_size);
+  command
+      ->add_option("--graticule", options->graticule_deg,
+                   "Degrees between meridians and parallels; 0 for none")
+      ->type_name("DEG")
+      ->capture_default_str()
+      ->check([](const std::string& text) {
+        const std::optional<double> step = parse_number(text);
+        if (step && (*step == 0.0 || (*step >= 1.0 && *step <= 90.0))) return std::string();
+        return "'" + text + "' is no step; it is 0, or between 1 and 90 degrees";
+      });
+  command
+      ->add_option_function<std::string>(
+          "--style",
+          [options](const std::string& text) { options->styles = map::parse_styles(text); },
+          "One per FILE: " + map::role_names())
+      ->type_name("ROLE,...");
+  command->add_option("--format", options->format, "png, svg or pdf, whatever the name says")
+      ->type_name("FORMAT")
+      ->check([](const std::string& name) {
+        return map::format_named(name) ? std::string() : "'" + name + "' is none of png, svg, pdf";
+      });
+  command->add_option("--title", options->title, "A line of text above the map")->type_name("TEXT");
+  command->footer(map::kExamples);
+  command->callback([options, &exit_code] { map::run(*options, exit_code); });
+}
+
+}  // namespace kzgis::tools

@@ -1,0 +1,248 @@
+// Colours, widths and the order of drawing.
+
+#include "tools/map/painter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "tools/map/mosaic.h"
+#include "tools/map/path.h"
+#include "tools/map/unwrap.h"
+#include "tools/support/progress.h"
+
+namespace kzgis::map {
+namespace {
+
+// Everything on a sheet is measured in this: a pixel on a sheet of the usual size.  A strip
+// of a sheet counts by its short side, lest margin and title leave no room for the map.
+double unit_of(const Sheet& sheet) {
+  const double short_side = std::min(sheet.width, sheet.height);
+  return std::min(std::sqrt(sheet.width * sheet.height), 2.0 * short_side) / 1100.0;
+}
+
+struct Margins {
+  double side;
+  double top;
+};
+
+Margins margins_of(const Sheet& sheet) {
+  const double side = 26.0 * unit_of(sheet);
+  return {side, sheet.title.empty() ? side : side + 44.0 * unit_of(sheet)};
+}
+
+// On a small sheet lines get no thinner than this, lest they fade.
+constexpr double kThinnest_px = 0.55;
+
+class Painter {
+ public:
+  Painter(cairo_t* cairo, const Page& page, const Sheet& sheet)
+      : cairo_(cairo), page_(page), sheet_(sheet), unit_(unit_of(sheet)) {
+    cairo_set_line_join(cairo_, CAIRO_LINE_JOIN_ROUND);
+    cairo_set_line_cap(cairo_, CAIRO_LINE_CAP_ROUND);
+    cairo_set_fill_rule(cairo_, CAIRO_FILL_RULE_EVEN_ODD);
+  }
+
+  void paper() {
+    set(colours::paper);
+    cairo_paint(cairo_);
+  }
+
+  void begin_map() {
+    // The map is drawn as a group and clipped once, as a whole: clipped one by one, every
+    // stroke would carry a copy of the frame into an SVG or PDF.
+    frame_ = frame_path(page_);
+    cairo_push_group(cairo_);
+    set(colours::ocean);
+    cairo_paint(cairo_);
+  }
+
+  void fills(const StyledLayer& styled) {
+    const std::vector<Parts>& records = styled.layer.records;
+    std::vector<Shape> shapes;
+    shapes.reserve(records.size());
+    for (const Parts& record : records) shapes.push_back(prepare_polygon(record, base_lon()));
+    Mosaic mosaic;
+    std::vector<std::size_t> tint;
+    if (styled.role == Role::countries) {
+      mosaic = take_mosaic(shapes);
+      tint = assign_tints(mosaic, tints().size());
+    }
+
+    tools::Progress progress("drawing", shapes.size());
+    for (std::size_t i = 0; i < shapes.size(); ++i) {
+      progress.update(i);
+      const Colour colour = styled.role == Role::countries ? tints()[tint[i]]
+                            : styled.role == Role::water   ? colours::ocean
+                                                           : colours::land;
+      // What closes rings at the antimeridian is not there to be seen: the fill's colour
+      // over it hides the hairline between the two halves.
+      stroke(stroke_path(page_, shapes[i].seams), colour, 1.2);
+      add(fill_path(page_, shapes[i].rings), true);
+      set(colour);
+      cairo_fill(cairo_);
+    }
+    stroke(stroke_path(page_, mosaic.borders), colours::border, 1.0);
+    const Colour shore = styled.role == Role::water ? colours::river : colours::coast;
+    for (const Shape& shape : shapes) stroke(stroke_path(page_, shape.outlines), shore, 0.85);
+  }
+
+  void lines(const StyledLayer& styled) {
+    const double width = styled.role == Role::coast ? 0.85 : 1.0;
+    const Colour colour = styled.role == Role::coast   ? colours::coast
+                          : styled.role == Role::river ? colours::river
+                                                       : colours::border_line;
+    for (const Parts& record : styled.layer.records) {
+      stroke(stroke_path(page_, styled.layer.kind == LayerKind::polygons
+                                    ? prepare_polygon(record, base_lon()).outlines
+                                    : prepare_lines(record, base_lon())),
+             colour, width);
+    }
+  }
+
+  void points(const StyledLayer& styled) {
+    for (const Parts& record : styled.layer.records) {
+      for (const GeoLine& part : record) {
+        for (const Geo& p : part) point(p);
+      }
+    }
+  }
+
+  void draw_graticule() {
+    if (sheet_.graticule_deg <= 0.0) return;
+    const PagePath path = stroke_path(page_, graticule(sheet_.graticule_deg, base_lon()));
+    add(path, false);
+    set(colours::graticule, 0.33);
+    cairo_set_line_width(cairo_, 0.75 * unit_);
+    cairo_stroke(cairo_);
+  }
+
+  void end_map() {
+    if (page_.plane().type() == GlobeProj) shade_globe();
+    cairo_pop_group_to_source(cairo_);
+    cairo_save(cairo_);
+    add(frame_, true);
+    cairo_clip(cairo_);
+    cairo_paint(cairo_);
+    cairo_restore(cairo_);
+    add(frame_, true);
+    set(colours::frame);
+    cairo_set_line_width(cairo_, 1.5 * unit_);
+    cairo_stroke(cairo_);
+  }
+
+  void title() {
+    if (sheet_.title.empty()) return;
+    cairo_select_font_face(cairo_, "serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+    cairo_set_font_size(cairo_, 30.0 * unit_);
+    cairo_text_extents_t extents;
+    cairo_text_extents(cairo_, sheet_.title.c_str(), &extents);
+    set(colours::text);
+    cairo_move_to(cairo_, 0.5 * sheet_.width - 0.5 * extents.width - extents.x_bearing,
+                  margins_of(sheet_).side + 28.0 * unit_);
+    cairo_show_text(cairo_, sheet_.title.c_str());
+  }
+
+ private:
+  double base_lon() const { return page_.plane().base_lon(); }
+
+  void set(const Colour& c, double alpha = 1.0) {
+    cairo_set_source_rgba(cairo_, c.red, c.green, c.blue, alpha);
+  }
+
+  void add(const PagePath& path, bool close) {
+    cairo_new_path(cairo_);
+    for (const std::vector<Pixel>& piece : path) {
+      if (piece.empty()) continue;
+      cairo_move_to(cairo_, piece.front().x, piece.front().y);
+      for (std::size_t i = 1; i < piece.size(); ++i) cairo_line_to(cairo_, piece[i].x, piece[i].y);
+      if (close) cairo_close_path(cairo_);
+    }
+  }
+
+  void stroke(const PagePath& path, const Colour& colour, double width) {
+    if (path.empty()) return;
+    add(path, false);
+    set(colour);
+    cairo_set_line_width(cairo_, std::max(width * unit_, kThinnest_px));
+    cairo_stroke(cairo_);
+  }
+
+  void point(const Geo& position) {
+    const Geo relative{std::remainder(position.lon - base_lon(), 360.0), position.lat};
+    const PagePoint p = page_.place(relative);
+    if (!p.visible || !p.finite()) return;
+    cairo_new_path(cairo_);
+    cairo_arc(cairo_, p.at.x, p.at.y, 2.1 * unit_, 0.0, 2.0 * M_PI);
+    set(colours::places);
+    cairo_fill_preserve(cairo_);
+    set(colours::paper, 0.9);
+    cairo_set_line_width(cairo_, 0.7 * unit_);
+    cairo_stroke(cairo_);
+  }
+
+  // Light from the upper left; the plain orthographic map stays flat.
+  void shade_globe() {
+    const Pixel c = page_.centre();
+    const double r = page_.limb_radius();
+    cairo_pattern_t* light = cairo_pattern_create_radial(c.x - 0.38 * r, c.y - 0.42 * r, 0.0,
+                                                         c.x - 0.12 * r, c.y - 0.14 * r, 1.22 * r);
+    cairo_pattern_add_color_stop_rgba(light, 0.0, 1.0, 1.0, 1.0, 0.42);
+    cairo_pattern_add_color_stop_rgba(light, 0.35, 1.0, 1.0, 1.0, 0.0);
+    cairo_pattern_add_color_stop_rgba(light, 0.55, 0.06, 0.14, 0.24, 0.0);
+    cairo_pattern_add_color_stop_rgba(light, 0.85, 0.06, 0.14, 0.24, 0.22);
+    cairo_pattern_add_color_stop_rgba(light, 1.0, 0.04, 0.10, 0.18, 0.5);
+    cairo_set_source(cairo_, light);
+    cairo_paint(cairo_);
+    cairo_pattern_destroy(light);
+  }
+
+  cairo_t* cairo_;
+  const Page& page_;
+  const Sheet& sheet_;
+  double unit_;
+  PagePath frame_;
+};
+
+bool is_filled(const StyledLayer& styled) {
+  return styled.role == Role::land || styled.role == Role::countries || styled.role == Role::water;
+}
+
+}  // namespace
+
+void set_usual_size(Sheet& sheet, Plane& plane) {
+  constexpr double kLongSide = 1600.0;
+  const double ratio = aspect(plane);
+  sheet.width = ratio >= 1.0 ? kLongSide : std::max(1.0, std::round(kLongSide * ratio));
+  sheet.height = ratio >= 1.0 ? std::max(1.0, std::round(kLongSide / ratio)) : kLongSide;
+  const Margins margins = margins_of(sheet);
+  sheet.height = std::round(sheet.height + margins.top - margins.side);
+}
+
+Page lay_out(Plane& plane, const Sheet& sheet) {
+  const Margins margins = margins_of(sheet);
+  return Page(plane, margins.side, margins.top, sheet.width - 2.0 * margins.side,
+              sheet.height - margins.top - margins.side);
+}
+
+void paint(cairo_t* cairo, const Page& page, const Sheet& sheet,
+           const std::vector<StyledLayer>& layers) {
+  Painter painter(cairo, page, sheet);
+  painter.paper();
+  painter.begin_map();
+  for (const StyledLayer& styled : layers) {
+    if (is_filled(styled)) painter.fills(styled);
+  }
+  painter.draw_graticule();
+  for (const StyledLayer& styled : layers) {
+    if (styled.role == Role::places) {
+      painter.points(styled);
+    } else if (!is_filled(styled)) {
+      painter.lines(styled);
+    }
+  }
+  painter.end_map();
+  painter.title();
+}
+
+}  // namespace kzgis::map

@@ -1,0 +1,46 @@
+#ifndef KZGIS_TOOLS_MAP_PAINTER_H
+#define KZGIS_TOOLS_MAP_PAINTER_H
+
+#include <cairo.h>
+
+#include <string>
+#include <vector>
+
+#include "tools/map/layer.h"
+#include "tools/map/page.h"
+#include "tools/map/plane.h"
+#include "tools/map/style.h"
+
+namespace kzgis::map {
+
+struct StyledLayer {
+  Layer layer;
+  Role role = Role::land;
+};
+
+/// What a picture looks like apart from its layers.
+struct Sheet {
+  double width = 0.0;
+  double height = 0.0;
+  double graticule_deg = 15.0;  ///< 0: none
+  std::string title;            ///< empty: none
+};
+
+/// The sheet's size when the user names none: the map's own shape, 1600 on the long side.
+void set_usual_size(Sheet& sheet, Plane& plane);
+
+/// Fits the plane between the sheet's margins; `plane` is borrowed.
+Page lay_out(Plane& plane, const Sheet& sheet);
+
+/// Draws the whole sheet: paper, sea, layers, graticule, frame, title.
+///
+/// Filled layers lie under the graticule, lines and points above it; within each group the
+/// later layer lies above the earlier.
+///
+/// @param page  what `lay_out` gave for this sheet
+void paint(cairo_t* cairo, const Page& page, const Sheet& sheet,
+           const std::vector<StyledLayer>& layers);
+
+}  // namespace kzgis::map
+
+#endif

@@ -1,0 +1,38 @@
+// Output that appears whole or not at all.
+
+#ifndef KZGIS_TOOLS_SUPPORT_OUTPUT_FILE_H
+#define KZGIS_TOOLS_SUPPORT_OUTPUT_FILE_H
+
+#include <fstream>
+#include <ostream>
+#include <string>
+
+namespace kzgis::tools {
+
+/// A file written under a temporary name beside its own and renamed when complete, so
+/// that a half-written one is never taken for the result; or standard output.
+class OutputFile {
+ public:
+  /// Opens the temporary file; "-" is standard output.  Throws `CommandError`.
+  explicit OutputFile(std::string path);
+  /// Removes the temporary file unless `commit` was called.
+  ~OutputFile();
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  std::ostream& stream();
+
+  /// Flushes, closes and renames.  Throws `CommandError` when anything was not written.
+  void commit();
+
+ private:
+  bool to_standard_output() const { return temporary_path_.empty(); }
+
+  std::string path_;
+  std::string temporary_path_;
+  std::ofstream file_;
+};
+
+}  // namespace kzgis::tools
+
+#endif

@@ -1,0 +1,38 @@
+// A progress bar for people who wait.
+
+#ifndef KZGIS_TOOLS_SUPPORT_PROGRESS_H
+#define KZGIS_TOOLS_SUPPORT_PROGRESS_H
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace kzgis::tools {
+
+/// Draws a bar on standard error once work has taken half a second, and wipes it at the
+/// end.  Where standard error is no terminal it stays silent.
+class Progress {
+ public:
+  /// @param label  what is going on
+  /// @param total  the amount of work, in any unit; 0 when unknown: amounts are shown
+  Progress(std::string label, std::uint64_t total);
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  /// Cheap enough for an inner loop.
+  void update(std::uint64_t done);
+
+ private:
+  void draw(std::uint64_t done);
+
+  std::string label_;
+  std::uint64_t total_;
+  std::chrono::steady_clock::time_point next_draw_;
+  bool terminal_;
+  bool drawn_ = false;
+};
+
+}  // namespace kzgis::tools
+
+#endif

@@ -1,0 +1,102 @@
+#include "tools/support/projection_options.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <string_view>
+
+#include "tools/support/number_text.h"
+
+namespace kzgis::tools {
+
+namespace {
+
+constexpr int kProjectionCount = 15;
+
+std::string lower_case(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+/// The accepted name of a type is its display name in lower case.
+std::string accepted_name(int type) {
+  return lower_case(Projection(static_cast<projType>(type)).fetchProjectionName().c_str());
+}
+
+/// The type of that name, or nothing.  A hyphen or an underscore stands for a blank, so
+/// that names need no quoting in a shell.
+std::optional<projType> find_type(const std::string& name) {
+  const auto plain = [](std::string text) {
+    for (char& c : text) {
+      if (c == '-' || c == '_') c = ' ';
+    }
+    return lower_case(std::move(text));
+  };
+  for (int type = 0; type < kProjectionCount; ++type) {
+    if (plain(accepted_name(type)) == plain(name)) return static_cast<projType>(type);
+  }
+  return std::nullopt;
+}
+
+NumberPair parse_pair(const std::string& option, const std::string& text) {
+  const std::size_t comma = text.find(',');
+  if (comma != std::string::npos) {
+    const auto first = parse_number(std::string_view(text).substr(0, comma));
+    const auto second = parse_number(std::string_view(text).substr(comma + 1));
+    if (first && second) return {*first, *second};
+  }
+  throw CLI::ValidationError(option, "'" + text + "' is not two numbers with a comma between");
+}
+
+}  // namespace
+
+projType ProjectionOptions::type() const { return find_type(name).value_or(CartesianProj); }
+
+bool needs_parallels(projType type) { return type == LambertConicProj || type == AlbersProj; }
+
+std::string projection_names() {
+  std::string names;
+  for (int type = 0; type < kProjectionCount; ++type) {
+    names += (type == 0 ? "" : ", ") + accepted_name(type);
+  }
+  return names;
+}
+
+void add_projection_options(CLI::App& command, ProjectionOptions& options) {
+  command.add_option("--to", options.name, "Projection, one of: " + projection_names())
+      ->type_name("NAME")
+      ->check([](const std::string& name) {
+        return find_type(name) ? std::string()
+                               : "'" + name + "' is no projection; there are " + projection_names();
+      });
+  command
+      .add_option_function<std::string>(
+          "--base",
+          [&options](const std::string& text) {
+            options.base = parse_pair("--base", text);
+            if (std::abs(options.base->first) > 90.0) {
+              throw CLI::ValidationError("--base",
+                                         "latitudes lie between -90 and 90, not at '" + text + "'");
+            }
+          },
+          "Centre of the projection, in degrees")
+      ->type_name("LAT,LON");
+  command
+      .add_option_function<std::string>(
+          "--parallels",
+          [&options](const std::string& text) {
+            options.parallels = parse_pair("--parallels", text);
+            for (const double parallel : {options.parallels->first, options.parallels->second}) {
+              if (!(parallel > 0.0 && parallel <= 90.0)) {
+                throw CLI::ValidationError(
+                    "--parallels",
+                    "parallels lie above 0 and up to 90 degrees, not '" + text + "'");
+              }
+            }
+          },
+          "Standard parallels of the two conics (and true scale of mercator, the first)")
+      ->type_name("P1,P2");
+}
+
+}  // namespace kzgis::tools
