@@ -1,0 +1,182 @@
+// Fuzzes the shapefile reader with a pair of files: every record operation in file order,
+// then a random run of operations, both taken from the input.
+//
+// Input: 2 bytes, little-endian, length of the ".shp" (of what follows, modulo its size
+// plus one); the ".shp"; the rest is the ".shx", whose bytes also choose the operations.
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+#include <string>
+
+#include "kzgis/shape.h"
+
+namespace {
+
+/// A directory of this process alone, in memory where the host has such a place.
+class ScratchDirectory {
+ public:
+  ScratchDirectory() {
+    std::error_code ignored;
+    const bool in_memory = std::filesystem::is_directory("/dev/shm", ignored);
+    path_ = (in_memory ? "/dev/shm" : std::filesystem::temp_directory_path().string()) +
+            "/kzgis_fuzz_XXXXXX";
+    if (mkdtemp(path_.data()) == nullptr) std::abort();
+  }
+  ~ScratchDirectory() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  ScratchDirectory(const ScratchDirectory&) = delete;
+  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
+
+  std::string base() const { return path_ + "/layer"; }
+  void write(const char* ending, const std::uint8_t* data, std::size_t size) const {
+    const int file = open((base() + ending).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (file < 0 || ::write(file, data, size) != static_cast<ssize_t>(size)) std::abort();
+    close(file);
+  }
+
+ private:
+  std::string path_;
+};
+
+/// What the readers hand out, with the promises about it that hold for any file.
+struct Record {
+  kz_long number = 0, num_parts = 0, parts_capacity = 0, num_points = 0, points_capacity = 0;
+  kz_long* parts = nullptr;
+  double* x = nullptr;
+  double* y = nullptr;
+  double x_min = 0, y_min = 0, x_max = 0, y_max = 0;
+
+  Record() = default;
+  Record(const Record&) = delete;
+  Record& operator=(const Record&) = delete;
+  ~Record() {
+    std::free(parts);
+    std::free(x);
+    std::free(y);
+  }
+
+  /// Gives `status` back when it and the arrays are as promised.
+  kz_ulong checked(kz_ulong status, bool has_parts, std::size_t file_size) const {
+    if (status != 1 && status != 2 && status != 4 && status != 10 && status != 11 && status != 13) {
+      std::abort();
+    }
+    // Arrays never outgrow the file.
+    if (parts_capacity < 0 || static_cast<std::size_t>(parts_capacity) > file_size / 4) {
+      std::abort();
+    }
+    if (points_capacity < 0 || static_cast<std::size_t>(points_capacity) > file_size / 16 + 1) {
+      std::abort();
+    }
+    if (status != 1) return status;
+    // All that was claimed is there: have the sanitizer see each element.
+    std::uint64_t sum = 0;
+    for (kz_long i = 0; has_parts && i < num_parts; ++i) sum += static_cast<kz_ulong>(parts[i]);
+    for (kz_long i = 0; i < num_points; ++i) sum += x[i] < y[i] ? 1 : 0;
+    [[maybe_unused]] volatile const std::uint64_t sink = sum;
+    return status;
+  }
+};
+
+constexpr unsigned kOperations = 16;
+constexpr unsigned kReaders = 7;  // the first of them read a record each
+
+/// Runs one of the operations; `argument` serves those that need a number.
+/// @return its status; 1 for operations that have none
+kz_ulong run(KZ_GIS_ESRI_Shape_c& shape, Record& r, unsigned operation, kz_long argument,
+             const std::string& base, std::size_t file_size) {
+  kz_ulong total = 0;
+  double x = 0;
+  double y = 0;
+  switch (operation % kOperations) {
+    case 0:
+      return r.checked(shape.ReadArcShape(&r.number, &r.x_min, &r.y_min, &r.x_max, &r.y_max,
+                                          &r.num_parts, &r.parts_capacity, &r.parts, &r.num_points,
+                                          &r.points_capacity, &r.x, &r.y),
+                       true, file_size);
+    case 1:
+      return r.checked(shape.ReadPolygonShape(&r.number, &r.x_min, &r.y_min, &r.x_max, &r.y_max,
+                                              &r.num_parts, &r.parts_capacity, &r.parts,
+                                              &r.num_points, &r.points_capacity, &r.x, &r.y),
+                       true, file_size);
+    case 2:
+      return r.checked(shape.ReadMultiPointShape(&r.number, &r.x_min, &r.y_min, &r.x_max, &r.y_max,
+                                                 &r.num_points, &r.points_capacity, &r.x, &r.y),
+                       false, file_size);
+    case 3:
+      return shape.ReadPointShape(&r.number, &x, &y);
+    case 4:
+      return shape.GetArcShapeInfo(&r.number, &r.num_parts, &r.num_points);
+    case 5:
+      return shape.GetPolygonShapeInfo(&r.number, &r.num_parts, &r.num_points);
+    case 6:
+      return shape.GetMultiPointShapeInfo(&r.number, &r.num_points);
+    case 7:
+      return shape.ReadNullShape();
+    case 8:
+    case 9:
+      return shape.SeekToDataRecord(argument);
+    case 10:
+      return shape.SeekToFirstDataRecord();
+    case 11:
+      return shape.NumberOfParts(&total);
+    case 12:
+      return shape.NumberOfPoints(&total);
+    case 13:
+      shape.FileName((base + ".dbf").c_str());
+      return 1;
+    case 14:
+      shape.ShapeFileName((base + (argument % 2 == 0 ? ".shp" : ".shx")).c_str());
+      return 1;
+    default:
+      shape.IndexFileName((base + (argument % 2 == 0 ? ".shx" : ".shp")).c_str());
+      return 1;
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const ScratchDirectory scratch;
+  if (size < 2) return 0;
+  const std::size_t rest = size - 2;
+  const std::size_t shp_size = (data[0] | static_cast<std::size_t>(data[1]) << 8) % (rest + 1);
+  const std::uint8_t* const shx = data + 2 + shp_size;
+  const std::size_t shx_size = rest - shp_size;
+  scratch.write(".shp", data + 2, shp_size);
+  scratch.write(".shx", shx, shx_size);
+  const std::string base = scratch.base();
+  const std::size_t largest_file = std::max(shp_size, shx_size);
+
+  // In file order, one reader at a time, as clients do.  A skip may lead backwards, so
+  // that the number of records is bounded here.
+  for (unsigned reader = 0; reader < kReaders; ++reader) {
+    KZ_GIS_ESRI_Shape_c shape(base.c_str());
+    if (shape.ShapeFileIsOpen() == 0) break;
+    Record record;
+    kz_ulong status = 1;
+    for (std::size_t i = 0; i <= shp_size / 8 && (status == 1 || status == 2); ++i) {
+      status = run(shape, record, reader, 0, base, shp_size);
+    }
+  }
+
+  // At random: the ".shx", from its end backwards, is the script.
+  KZ_GIS_ESRI_Shape_c shape(base.c_str());
+  std::ostringstream report;
+  shape.ShapeHeader().PrintFileHeader(report);
+  shape.ShapeHeader().ValidateFileHeader();
+  Record record;
+  for (std::size_t i = shx_size; i-- > 0 && shx_size - i < 64;) {
+    run(shape, record, shx[i], shx[i] / static_cast<kz_long>(kOperations) - 1, base, largest_file);
+  }
+  const KZ_GIS_ESRI_Shape_c copy(shape);
+  return 0;
+}
