@@ -49,10 +49,7 @@ class Painter {
   }
 
   void begin_map() {
-    // The map is drawn as a group and clipped once, as a whole: clipped one by one, every
-    // stroke would carry a copy of the frame into an SVG or PDF.
     frame_ = frame_path(page_);
-    cairo_push_group(cairo_);
     set(colours::ocean);
     cairo_paint(cairo_);
   }
@@ -119,12 +116,12 @@ class Painter {
 
   void end_map() {
     if (page_.plane().type() == GlobeProj) shade_globe();
-    cairo_pop_group_to_source(cairo_);
-    cairo_save(cairo_);
+    // What lies beyond the frame is covered with paper: clipped to it instead, every
+    // stroke would carry a copy of the frame into an SVG or PDF.
     add(frame_, true);
-    cairo_clip(cairo_);
-    cairo_paint(cairo_);
-    cairo_restore(cairo_);
+    cairo_rectangle(cairo_, 0.0, 0.0, sheet_.width, sheet_.height);
+    set(colours::paper);
+    cairo_fill(cairo_);
     add(frame_, true);
     set(colours::frame);
     cairo_set_line_width(cairo_, 1.5 * unit_);
