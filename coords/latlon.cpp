@@ -126,10 +126,8 @@ LatLon& LatLon::operator=(const LatLon& other) {
   return *this;
 }
 
-void LatLon::setLat(int arcsec) { setLat(static_cast<long>(arcsec)); }
-void LatLon::setLon(int arcsec) { setLon(static_cast<long>(arcsec)); }
-void LatLon::setLat(long arcsec) { setLat(static_cast<double>(arcsec) / kArcSecPerDegree); }
-void LatLon::setLon(long arcsec) { setLon(static_cast<double>(arcsec) / kArcSecPerDegree); }
+void LatLon::setLat(ArcSeconds lat) { setLat(static_cast<double>(lat.value) / kArcSecPerDegree); }
+void LatLon::setLon(ArcSeconds lon) { setLon(static_cast<double>(lon.value) / kArcSecPerDegree); }
 
 void LatLon::setLat(double deg) {
   lat_ = deg;

@@ -70,11 +70,15 @@ class KZGIS_EXPORT LatLon {
   LatLon& operator=(const LatLon& other);
   ~LatLon() = default;
 
-  /// Sets one angle from whole arc-seconds, then normalises both.
-  void setLat(int arcsec);
-  void setLat(long arcsec);
-  void setLon(int arcsec);
-  void setLon(long arcsec);
+  /// Sets one angle from whole arc-seconds of any integer type, then normalises both.
+  template <std::integral Arc>
+  void setLat(Arc arcsec) {
+    setLat(ArcSeconds{static_cast<std::int64_t>(arcsec)});
+  }
+  template <std::integral Arc>
+  void setLon(Arc arcsec) {
+    setLon(ArcSeconds{static_cast<std::int64_t>(arcsec)});
+  }
   /// Sets one angle from decimal degrees, then normalises both.
   void setLat(double deg);
   void setLon(double deg);
@@ -124,6 +128,8 @@ class KZGIS_EXPORT LatLon {
     std::int64_t value;
   };
   LatLon(ArcSeconds lat, ArcSeconds lon);
+  void setLat(ArcSeconds lat);
+  void setLon(ArcSeconds lon);
 
   void latFromDMS(double deg, double min, double sec);
   void lonFromDMS(double deg, double min, double sec);

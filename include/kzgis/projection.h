@@ -74,7 +74,7 @@ class KZGIS_EXPORT Projection {
   /// parallels 0, geographic point (0, 0), no world coordinates.
   Projection();
   /// The same with another type, which is stored as it is, legal or not.
-  explicit Projection(projType type);
+  Projection(projType type);
   /// The same with a type and a base point, in degrees.
   Projection(projType type, double base_lat_deg, double base_lon_deg);
   /// The same with a type, a globe radius and a base point.  The radius is stored as it

@@ -104,6 +104,12 @@ TEST(LatLonSetters, ChangeOneAngleAndKeepTheAltitude) {
   EXPECT_EQ(p.fetchLat(), 2.0);
   p.setLat(10800L);
   EXPECT_EQ(p.fetchLat(), 3.0);
+  p.setLat(static_cast<short>(3600));
+  EXPECT_EQ(p.fetchLat(), 1.0);
+  p.setLat(7200U);
+  EXPECT_EQ(p.fetchLat(), 2.0);
+  p.setLat(1.5F);
+  EXPECT_EQ(p.fetchLat(), 1.5);
   p.setLat(-91.0);
   EXPECT_EQ(p.fetchLat(), -90.0);
   p.setLat(-1.0, -30.0, 0.0);
