@@ -4,10 +4,12 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <string>
 
 #include "tools/info/info_command.h"
 #include "tools/map/map_command.h"
 #include "tools/project/project_command.h"
+#include "tools/support/report.h"
 
 namespace {
 
@@ -24,7 +26,7 @@ int run(int argc, char** argv) {
   CLI::App app("Geographic utilities: look into geodata files, project coordinates, draw maps.",
                "kzgis");
   app.set_version_flag("--version", KZGIS_VERSION);
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   app.footer(kExamples);
   int exit_code = 0;
   kzgis::tools::add_info_command(app, exit_code);
@@ -34,7 +36,11 @@ int run(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);
-    std::cerr << "kzgis: " << error.what() << " (see kzgis --help)\n";
+    kzgis::tools::report(std::string(error.what()) + " (see kzgis --help)");
+    return kMisused;
+  }
+  if (app.get_subcommands().empty()) {
+    kzgis::tools::report("a subcommand is missing: info, project or map (see kzgis --help)");
     return kMisused;
   }
   return exit_code;
@@ -47,7 +53,7 @@ int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     return run(argc, argv);
   } catch (const std::exception& error) {
-    std::cerr << "kzgis: " << error.what() << '\n';
+    kzgis::tools::report(error.what());
     return kFailed;
   }
 }

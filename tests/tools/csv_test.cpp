@@ -53,6 +53,15 @@ TEST(CsvReader, KeepsRecordsThatCrossBlocks) {
   EXPECT_EQ(records[1], (Records::value_type{2, {"last"}}));
 }
 
+TEST(CsvReader, PassesOverAByteOrderMark) {
+  EXPECT_EQ(read_all("\xEF\xBB\xBFlat,lon\n"), (Records{{1, {"lat", "lon"}}}));
+  EXPECT_EQ(read_all("\xEF\xBB\xBF\"lat\"\n"), (Records{{1, {"lat"}}}));
+}
+
+TEST(CsvReader, RefusesAQuoteThatIsNotClosed) {
+  EXPECT_THROW(read_all("1,2,\"open\n3,4\n"), CommandError);
+}
+
 TEST(CsvReader, RefusesARecordThatNeverEnds) {
   EXPECT_THROW(read_all("\"" + std::string(3000000, 'x')), CommandError);
   EXPECT_THROW(read_all(std::string(3000000, ',')), CommandError);

@@ -48,13 +48,14 @@ TEST(ParseDms, SpreadsOneSignOrLetterOverTheWholeAngle) {
   EXPECT_EQ(parse_dms("-45:30:00"), -45.5);
   EXPECT_EQ(parse_dms("-0:30:0"), -0.5);
   EXPECT_EQ(parse_dms("45d30m0sS"), -45.5);
-  EXPECT_EQ(parse_dms("16:30w"), -16.5);
-  EXPECT_EQ(parse_dms("12s"), -12.0);
+  EXPECT_EQ(parse_dms("16:30W"), -16.5);
+  EXPECT_EQ(parse_dms("12 S"), -12.0);
 }
 
 TEST(ParseDms, RefusesWhatIsNoAngle) {
   for (const char* const text :
-       {"", "N", "45:60", "45:0:60", "45:-30", "45:30:36:1", "45x", "-45S", "nan", "1e2", "45::"}) {
+       {"", "N", "45:60", "45:0:60", "45:-30", "45:30:36:1", "45x", "-45S", "nan", "1e2",
+        "45::", "45.5.5", "45.5:30", "45d30s", "12s", "45:30.5:0"}) {
     EXPECT_EQ(parse_dms(text), std::nullopt) << text;
   }
 }
@@ -64,6 +65,7 @@ TEST(AppendNumber, WritesTheShortestTextThatReadsBack) {
   EXPECT_EQ(number_text(-0.0), "-0");
   EXPECT_EQ(number_text(6378000.0), "6378000");
   EXPECT_EQ(number_text(3.141592652589793), "3.141592652589793");
+  EXPECT_EQ(number_text(-std::numeric_limits<double>::quiet_NaN()), "nan");
   EXPECT_EQ(number_text(-std::numeric_limits<double>::infinity()), "-inf");
 }
 
@@ -72,6 +74,7 @@ TEST(AppendDms, CarriesSoThatNoFieldShowsSixty) {
   EXPECT_EQ(dms_text(-0.5), "-0:30:00.00000");
   EXPECT_EQ(dms_text(59.9999999999), "60:00:00.00000");
   EXPECT_EQ(dms_text(-1e-12), "0:00:00.00000");
+  EXPECT_EQ(dms_text(359.9999999999), "0:00:00.00000");
   EXPECT_EQ(dms_text(std::numeric_limits<double>::quiet_NaN()), "nan");
 }
 

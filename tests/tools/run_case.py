@@ -5,7 +5,7 @@ A case is a text file of lines:
   # what it shows
   $ arguments of kzgis, as in a shell; DATA and TMP stand for directories
   < a line of standard input
-  > a line of standard output, whole; without any, output is not compared
+  > a line of standard output, whole; without > and ~ lines it must be silent
   ! a line of standard error, whole; without any, it must be silent
   ~ a regular expression that standard output must match somewhere
   file NAME: a line that file NAME in TMP holds, whole, in order
@@ -57,7 +57,7 @@ def main():
         problems = []
         if run.returncode != code:
             problems.append(f"exit code {run.returncode}, not {code}")
-        if stdout and run.stdout.splitlines() != stdout:
+        if (stdout or not patterns) and run.stdout.splitlines() != stdout:
             problems.append("standard output differs")
         if run.stderr.splitlines() != stderr:
             problems.append("standard error differs")

@@ -1,11 +1,13 @@
 #include "tools/info/info_command.h"
 
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "tools/support/command_error.h"
 #include "tools/support/progress.h"
+#include "tools/support/report.h"
 #include "tools/support/shape_records.h"
 
 namespace kzgis::tools {
@@ -38,7 +40,7 @@ void print_record(kz_long n, kz_long type, const ShapeRecord& record) {
 /// Reads every record, printing a line for each when asked to.
 Totals walk(ShapeRecords& shapes, bool print) {
   Totals totals;
-  Progress progress("reading", static_cast<std::uint64_t>(shapes.count()));
+  Progress progress("reading", static_cast<std::uint64_t>(shapes.count()), print);
   ShapeRecord record;
   for (kz_long n = 1; n <= shapes.count(); ++n) {
     switch (shapes.read(n, record)) {
@@ -54,8 +56,7 @@ Totals walk(ShapeRecords& shapes, bool print) {
         break;
       case RecordState::failed:
         ++totals.failures;
-        std::cerr << "kzgis: " << shapes.name() << ": record " << n << ": " << shapes.failure()
-                  << '\n';
+        report(shapes.name() + ": record " + std::to_string(n) + ": " + shapes.failure());
         break;
     }
     progress.update(static_cast<std::uint64_t>(n));
@@ -72,7 +73,7 @@ int run(const Options& options) {
   std::cout << "Shape file header: " << status_text(shape_verdict) << '\n'
             << "Index file header: " << status_text(index_verdict) << '\n';
   if (shapes.index_is_cut()) {
-    std::cerr << "kzgis: " << shapes.name() << ": the index is shorter than its header says\n";
+    report(shapes.name() + ": the index is shorter than its header says");
   }
   const Totals totals = walk(shapes, options.records);
   std::cout << "Records: " << shapes.count();

@@ -5,11 +5,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <span>
 #include <sstream>
-#include <system_error>
 #include <vector>
 
 #include "kzgis/shape.h"
@@ -67,17 +65,6 @@ void check_degrees(const std::string& file, kz_long number, const Parts& parts) 
   }
 }
 
-/// How many points a file of that size can hold: what more its index claims is the same
-/// bytes again.
-std::uintmax_t points_in_file(const std::string& name) {
-  constexpr std::uintmax_t kPointBytes = 16;
-  const std::string path = name.ends_with(".shp") ? name : name + ".shp";
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  // A name with path variables: the readers' own limit has to do.
-  return error ? UINTMAX_MAX : size / kPointBytes;
-}
-
 LayerKind kind_of(kz_long type) {
   if (type == shape_type::polygon) return LayerKind::polygons;
   return type == shape_type::arc ? LayerKind::lines : LayerKind::points;
@@ -92,11 +79,13 @@ Layer read_layer(const std::string& file, const Complain& complain) {
   if (valid != status::success && valid != status::bad_bounding_box) {
     throw CommandError(file + ": no shapefile that can be drawn: " + tools::status_text(valid));
   }
-  if (records.index_is_cut()) complain(file + ": the index claims more records than it holds");
+  if (records.index_is_cut()) complain(file + ": the index is shorter than its header says");
 
   Layer layer;
   layer.kind = kind_of(records.type());
-  std::uintmax_t points_left = points_in_file(file);
+  // More points than the file has room for are the same bytes again.
+  constexpr std::uintmax_t kPointBytes = 16;
+  std::uintmax_t points_left = records.shape_bytes() / kPointBytes;
   int failures = 0;
   const auto fail = [&](kz_long number, const std::string& why) {
     if (++failures <= kMostComplaints) {

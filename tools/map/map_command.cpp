@@ -3,7 +3,7 @@
 #include "tools/map/map_command.h"
 
 #include <charconv>
-#include <iostream>
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -21,6 +21,7 @@
 #include "tools/support/number_text.h"
 #include "tools/support/output_file.h"
 #include "tools/support/projection_options.h"
+#include "tools/support/report.h"
 
 namespace kzgis::map {
 namespace {
@@ -63,7 +64,8 @@ above earlier ones.
 
 The longitude of --base is the middle of every map.  Its latitude is the centre
 of gnomonic, stereographic, orthographic, postel, lambert azimuthal and globe,
-shapes bonne and werner, and changes nothing on the others.
+shapes bonne and werner, and changes nothing on the others.  The conics have standard
+parallels of 20 and 60 unless --parallels says otherwise.
 
 Coordinates must be degrees.  Null and empty records are skipped.  A record that
 cannot be read is reported, the picture shows the others, the exit code is 1.
@@ -95,7 +97,7 @@ std::optional<int> parse_side(std::string_view text) {
   return side;
 }
 
-/// Null text when the size is right, else what is wrong with it: a CLI11 check.
+/// Empty when the size is right, else what is wrong with it: a CLI11 check.
 std::string check_size(const std::string& text) {
   const std::size_t x = text.find('x');
   if (x != std::string::npos) {
@@ -103,7 +105,8 @@ std::string check_size(const std::string& text) {
     const auto height = parse_side(std::string_view(text).substr(x + 1));
     if (width && height && static_cast<double>(*width) * *height <= kMostPixels) return {};
   }
-  return "'" + text + "' is no size; one looks like 1600x900, each side 16 to 20000";
+  return "'" + text +
+         "' is no size; one looks like 1600x900, each side 16 to 20000, 200 million pixels at most";
 }
 
 Window parse_box(const std::string& text) {
@@ -164,7 +167,7 @@ std::vector<StyledLayer> read_layers(const MapOptions& options, int& exit_code) 
                                               std::to_string(options.files.size()) + " files");
   }
   const auto complain = [&exit_code](const std::string& line) {
-    std::cerr << line << '\n';
+    tools::report(line);
     exit_code = 1;
   };
   std::vector<StyledLayer> layers;

@@ -39,8 +39,9 @@ SurfacePtr make_surface(std::ostream& out, Format format, double width, double h
   return {surface, cairo_surface_destroy};
 }
 
+/// A write that failed is the output file's to report: it knows its name.
 void check(cairo_status_t result) {
-  if (result != CAIRO_STATUS_SUCCESS) {
+  if (result != CAIRO_STATUS_SUCCESS && result != CAIRO_STATUS_WRITE_ERROR) {
     throw tools::CommandError(std::string("the picture could not be made: ") +
                               cairo_status_to_string(result));
   }

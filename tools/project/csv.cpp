@@ -33,9 +33,13 @@ bool CsvReader::next(CsvRecord& record) {
 void CsvReader::read_block() {
   std::array<char, kBlockBytes> block{};
   input_.read(block.data(), block.size());
-  const auto got = static_cast<std::size_t>(input_.gcount());
+  std::string_view text(block.data(), static_cast<std::size_t>(input_.gcount()));
+  const std::size_t got = text.size();
+  // Spreadsheets put a byte order mark in front of UTF-8.
+  if (bytes_read_ == 0 && text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
   bytes_read_ += got;
-  if (csv_parse(&parser_, block.data(), got, on_field, on_end_of_record, this) != got) {
+  if (csv_parse(&parser_, text.data(), text.size(), on_field, on_end_of_record, this) !=
+      text.size()) {
     throw CommandError(std::string("line ") + std::to_string(line_) + ": " +
                        csv_strerror(csv_error(&parser_)));
   }
@@ -45,7 +49,11 @@ void CsvReader::read_block() {
   }
   if (got == 0) {
     at_end_ = true;
-    csv_fini(&parser_, on_field, on_end_of_record, this);
+    // Strict only now: a stray quote inside a field is let pass, an open one is not.
+    csv_set_opts(&parser_, CSV_REPALL_NL | CSV_STRICT | CSV_STRICT_FINI);
+    if (csv_fini(&parser_, on_field, on_end_of_record, this) != 0) {
+      throw CommandError("line " + std::to_string(line_) + ": a quote is not closed");
+    }
   }
 }
 

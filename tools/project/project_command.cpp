@@ -6,12 +6,14 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -21,6 +23,7 @@
 #include "tools/support/output_file.h"
 #include "tools/support/progress.h"
 #include "tools/support/projection_options.h"
+#include "tools/support/report.h"
 
 namespace kzgis::tools {
 
@@ -29,7 +32,7 @@ namespace {
 struct Options {
   ProjectionOptions projection;
   std::optional<double> radius;
-  std::vector<std::string> columns;
+  std::vector<std::string> columns;  ///< names or positions, two or three
   bool inverse = false;
   bool dms = false;
   std::string input = "-";
@@ -44,8 +47,6 @@ struct Columns {
 
 using Triple = std::array<double, 3>;
 
-std::string lower_case(const std::string& text) { return UtString(text).lower().str(); }
-
 /// The names by which a header's columns are known, in the order of the input numbers.
 const std::array<std::vector<std::string>, 3>& known_names(bool inverse) {
   static const std::array<std::vector<std::string>, 3> kGeographic{
@@ -57,7 +58,8 @@ const std::array<std::vector<std::string>, 3>& known_names(bool inverse) {
 std::optional<std::size_t> find_column(const std::vector<std::string>& header,
                                        const std::vector<std::string>& names) {
   for (std::size_t i = 0; i < header.size(); ++i) {
-    if (std::find(names.begin(), names.end(), lower_case(header[i])) != names.end()) return i;
+    if (std::find(names.begin(), names.end(), UtString(header[i]).lower().str()) != names.end())
+      return i;
   }
   return std::nullopt;
 }
@@ -87,21 +89,22 @@ class RecordProjector {
   }
 
   /// Settles the columns by the first record; true when that record is a header: when
-  /// columns are asked for by name, or no field of it is a number.
+  /// columns are asked for by name, or none of its fields, two at least, is a number.
   bool read_header(const std::vector<std::string>& fields) {
     const bool by_name = std::any_of(options_.columns.begin(), options_.columns.end(),
                                      [](const auto& name) { return !parse_position(name); });
     const auto is_number = [this](const std::string& text) {
       return parse_angle(text).has_value();
     };
-    const bool header = by_name || std::none_of(fields.begin(), fields.end(), is_number);
+    const bool header =
+        by_name || (fields.size() > 1 && std::none_of(fields.begin(), fields.end(), is_number));
     if (!options_.columns.empty()) {
       columns_.count = options_.columns.size();
       for (std::size_t i = 0; i < columns_.count; ++i) {
         const std::string& column = options_.columns[i];
         const auto position = parse_position(column);
-        const auto named = find_column(fields, {lower_case(column)});
-        if (!position && !named) throw CommandError("no column is named '" + column + "'");
+        const auto named = find_column(fields, {UtString(column).lower().str()});
+        if (!position && !named) throw CommandError("no column is named " + in_quotes(column));
         columns_.at.at(i) = position ? *position - 1 : *named;
       }
       return header;
@@ -133,17 +136,27 @@ class RecordProjector {
       const bool angle = !options_.inverse && i < 2;
       const auto number = angle ? parse_angle(fields[column]) : parse_number(fields[column]);
       if (!number) {
-        reason = "'" + fields[column] + "' is not " + (angle ? "an angle" : "a number");
+        reason = in_quotes(fields[column]) + " is not " + (angle ? "an angle" : "a number");
         return std::nullopt;
       }
       input.at(i) = *number;
     }
-    if (options_.inverse) return to_geographic(input);
+    if (options_.inverse) {
+      const LatLon* const point = projection_.FromTo(input.data());
+      return Triple{point->fetchLat(), point->fetchLon(), point->fetchAltitude()};
+    }
     if (input[0] < -90.0 || input[0] > 90.0) {
-      reason = "latitude " + fields[columns_.at[0]] + " is not between -90 and 90";
+      reason = "latitude " + in_quotes(fields[columns_.at[0]]) + " is not between -90 and 90";
       return std::nullopt;
     }
-    return to_world(input);
+    double* world = world_.release();
+    const int result = projection_.FromTo(LatLon(input[0], input[1]), input[2], &world);
+    world_.reset(world);
+    if (result < 0) {
+      reason = "the projection refuses it";
+      return std::nullopt;
+    }
+    return Triple{world[0], world[1], world[2]};
   }
 
  private:
@@ -151,23 +164,24 @@ class RecordProjector {
     return options_.dms && !options_.inverse ? parse_dms(text) : parse_number(text);
   }
 
-  Triple to_world(const Triple& geographic) {
-    double* world = world_.release();
-    projection_.FromTo(LatLon(geographic[0], geographic[1]), geographic[2], &world);
-    world_.reset(world);
-    return {world[0], world[1], world[2]};
-  }
-
-  Triple to_geographic(Triple world) {
-    const LatLon* const point = projection_.FromTo(world.data());
-    return {point->fetchLat(), point->fetchLon(), point->fetchAltitude()};
-  }
-
   const Options& options_;
   Projection projection_;
   std::unique_ptr<double[]> world_;
   Columns columns_;
 };
+
+std::vector<std::string> parse_columns(const std::string& text) {
+  std::vector<std::string> columns;
+  std::istringstream names(text);
+  for (std::string name; std::getline(names, name, ',');) columns.push_back(name);
+  const auto unusable = [](const std::string& name) { return name.empty() || name == "0"; };
+  if (columns.size() < 2 || columns.size() > 3 || text.back() == ',' ||
+      std::any_of(columns.begin(), columns.end(), unusable)) {
+    throw CLI::ValidationError("--columns",
+                               in_quotes(text) + " does not name two or three columns");
+  }
+  return columns;
+}
 
 bool has_inverse(projType type) { return Projection(type).FromTo(0.0, 0.0, 0.0) != nullptr; }
 
@@ -183,7 +197,8 @@ void check_options(const Options& options) {
       options.projection.parallels->first == options.projection.parallels->second;
   const bool needs_base = type == BonneProj || (type == AlbersProj && !equal_parallels) ||
                           (type == LambertConicProj && equal_parallels);
-  if (needs_base && options.projection.base.value_or(NumberPair{}).first == 0.0) {
+  constexpr double kEquator_deg = 1e-6;
+  if (needs_base && std::abs(options.projection.base.value_or(NumberPair{}).first) < kEquator_deg) {
     throw CommandError(name + " needs a base latitude other than 0: --base LAT,LON");
   }
   if (options.inverse && !has_inverse(type)) {
@@ -226,7 +241,7 @@ int run(const Options& options) {
   CsvReader reader(input);
   CsvRecord record;
   RecordProjector projector(options);
-  Progress progress("projecting", total);
+  Progress progress("projecting", total, options.output == "-");
   std::uint64_t skipped = 0;
   std::string line;
   try {
@@ -245,7 +260,7 @@ int run(const Options& options) {
       const auto result = projector.convert(record.fields, reason);
       if (!result) {
         ++skipped;
-        std::cerr << "kzgis: " << input_name << ": line " << record.line << ": " << reason << '\n';
+        report(input_name + ": line " + std::to_string(record.line) + ": " + reason);
         continue;
       }
       append_result(line, *result, options.dms && options.inverse);
@@ -260,27 +275,30 @@ int run(const Options& options) {
   if (input.bad()) throw CommandError(input_name + ": cannot be read");
   output.commit();
   if (skipped > 0) {
-    std::cerr << "kzgis: " << input_name << ": " << skipped
-              << (skipped == 1 ? " line was skipped" : " lines were skipped") << '\n';
+    report(input_name + ": " + std::to_string(skipped) +
+           (skipped == 1 ? " line was skipped" : " lines were skipped"));
     return 1;
   }
   return 0;
 }
 
-constexpr const char* kExamples =
-    "Lines are comma-separated values: latitude and longitude in degrees, and an altitude if\n"
-    "there is one; with --inverse x and y, and z.  A header names the columns (lat, lon, alt; x,\n"
-    "y, z); without one they are the first, the second and, where it holds a number, the third.\n"
-    "Each line comes out as it went in with the result behind it.  World coordinates have the "
-    "unit\n"
-    "of the radius, metres by default.  Longitudes run from 0 to 360 eastwards, and differences "
-    "to\n"
-    "the base longitude are taken as they stand: 10 W of base 0 lies 350 degrees to the east.\n"
-    "\n"
-    "Examples:\n"
-    "  echo 48.2,16.37 | kzgis project --to mercator\n"
-    "  kzgis project --to orthographic --base 45,10 --columns Latitude,Longitude towns.csv\n"
-    "  kzgis project --to globe --inverse --dms points.csv -o places.csv\n";
+constexpr const char* kExamples = R"(
+Records are comma-separated values: latitude and longitude in degrees, and an
+altitude if there is one; with --inverse x and y, and z.  A header names the
+columns (lat, lon, alt; x, y, z); without one they are the first, the second
+and, where it holds a number, the third.  Each record comes out as it went in,
+with the result behind it.  One that cannot be read is reported with its line
+and skipped, and the exit code is 1.
+
+World coordinates have the unit of the radius, metres by default.  Longitudes
+run from 0 to 360 eastwards, and differences to the base longitude are taken
+as they stand: 10 W of base 0 lies 350 degrees to the east.
+
+Examples:
+  echo 48.2,16.37 | kzgis project --to mercator
+  kzgis project --to orthographic --base 45,10 --columns Latitude,Longitude towns.csv
+  kzgis project --to globe --inverse --dms points.csv -o places.csv
+)";
 
 }  // namespace
 
@@ -292,16 +310,20 @@ void add_project_command(CLI::App& app, int& exit_code) {
   command.get_option("--to")->required();
   command.add_option("--radius", options->radius, "Radius of the globe, in any unit (6378000)")
       ->type_name("R")
-      ->check(CLI::NonNegativeNumber);
+      ->check([](const std::string& text) {
+        return parse_number(text).value_or(-1.0) >= 0.0
+                   ? std::string()
+                   : in_quotes(text) + " is no radius; one is a number, 0 or more";
+      });
   command.add_flag("--inverse", options->inverse, "World coordinates to latitudes and longitudes");
   command.add_flag("--dms", options->dms,
                    "Angles are degrees:minutes:seconds, read as 45:30:00, 45d30m0s or 45d30'0\"S");
   command
-      .add_option("--columns", options->columns,
-                  "Names or positions (from 1) of the input columns, in the order above")
-      ->type_name("A,B[,C]")
-      ->delimiter(',')
-      ->expected(2, 3);
+      .add_option_function<std::string>(
+          "--columns",
+          [options](const std::string& text) { options->columns = parse_columns(text); },
+          "Names or positions (from 1) of latitude, longitude and altitude (of x, y and z)")
+      ->type_name("A,B[,C]");
   command.add_option("FILE", options->input, "CSV file; standard input without one");
   command.add_option("-o,--output", options->output, "File to write; standard output without one")
       ->type_name("OUT");

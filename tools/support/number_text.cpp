@@ -30,17 +30,19 @@ std::optional<double> take_number(std::string_view& text) {
 }
 
 /// Takes what may stand behind the number of the given place (0 degrees, 1 minutes, 2
-/// seconds) away from the start of `text`.
-void take_unit(std::string_view& text, int place) {
+/// seconds) away from the start of `text`; false when nothing does.
+bool take_unit(std::string_view& text, int place) {
   static constexpr std::array<std::array<std::string_view, 3>, 3> kUnits{
       {{"d", "\u00B0", ":"}, {"m", "'", ":"}, {"s", "\"", "''"}}};
+  const std::size_t before = text.size();
   text = trim(text);
   for (const std::string_view unit : kUnits.at(static_cast<std::size_t>(place))) {
     if (text.substr(0, unit.size()) == unit) {
       text = trim(text.substr(unit.size()));
-      return;
+      break;
     }
   }
+  return text.size() != before;
 }
 
 }  // namespace
@@ -62,22 +64,20 @@ std::optional<double> parse_dms(std::string_view text) {
   if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
     negative = text.front() == '-';
     text = trim(text.substr(1));
-  } else if (!text.empty() && std::string_view("NSEWnsew").find(text.back()) != text.npos) {
-    // A closing 's' behind a digit is the unit of seconds only where minutes came before.
-    const char letter = text.back();
-    const bool unit_of_seconds = letter == 's' && text.find_first_of("m':") != text.npos;
-    if (!unit_of_seconds) {
-      negative = std::string_view("SWsw").find(letter) != std::string_view::npos;
-      text = trim(text.substr(0, text.size() - 1));
-    }
+  } else if (!text.empty() && std::string_view("NSEW").find(text.back()) != text.npos) {
+    negative = text.back() == 'S' || text.back() == 'W';
+    text = trim(text.substr(0, text.size() - 1));
   }
   std::array<double, 3> parts{};
-  for (int place = 0; place < 3; ++place) {
-    if (place > 0 && text.empty()) break;
+  bool whole = true;
+  bool parted = true;
+  for (std::size_t place = 0; place < 3 && (place == 0 || !text.empty()); ++place) {
     const auto part = take_number(text);
-    if (!part || (place > 0 && *part >= 60.0)) return std::nullopt;
-    parts.at(static_cast<std::size_t>(place)) = *part;
-    take_unit(text, place);
+    // What a smaller unit follows is a whole number, and something stands between the two.
+    if (!part || !whole || !parted || (place > 0 && *part >= 60.0)) return std::nullopt;
+    parts.at(place) = *part;
+    whole = std::trunc(*part) == *part;
+    parted = take_unit(text, static_cast<int>(place));
   }
   if (!text.empty()) return std::nullopt;
   const double angle = parts[0] + (parts[1] * 60.0 + parts[2]) / 3600.0;
@@ -85,6 +85,10 @@ std::optional<double> parse_dms(std::string_view text) {
 }
 
 void append_number(std::string& line, double value) {
+  if (std::isnan(value)) {
+    line += "nan";  // whatever its sign
+    return;
+  }
   std::array<char, 32> text{};
   const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value);
   line.append(text.data(), end);
@@ -97,7 +101,8 @@ void append_dms(std::string& line, double angle_deg) {
   }
   // Rounded as a whole first, so that no field ever shows 60.
   constexpr double kPartsPerSecond = 1e5;
-  const auto parts = std::llround(std::abs(angle_deg) * 3600.0 * kPartsPerSecond);
+  constexpr long long kPartsPerTurn = 360LL * 3600 * 100000;
+  const auto parts = std::llround(std::abs(angle_deg) * 3600.0 * kPartsPerSecond) % kPartsPerTurn;
   const auto whole_sec = parts / static_cast<long long>(kPartsPerSecond);
   std::array<char, 64> text{};
   std::snprintf(text.data(), text.size(), "%s%lld:%02lld:%02lld.%05lld",

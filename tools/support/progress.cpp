@@ -16,11 +16,11 @@ constexpr int kBarColumns = 30;
 
 }  // namespace
 
-Progress::Progress(std::string label, std::uint64_t total)
+Progress::Progress(std::string label, std::uint64_t total, bool prints)
     : label_(std::move(label)),
       total_(total),
       next_draw_(std::chrono::steady_clock::now() + kPatience),
-      terminal_(::isatty(STDERR_FILENO) == 1) {}
+      terminal_(::isatty(STDERR_FILENO) == 1 && !(prints && ::isatty(STDOUT_FILENO) == 1)) {}
 
 Progress::~Progress() {
   if (drawn_) std::fputs("\r\033[K", stderr);

@@ -10,12 +10,14 @@
 namespace kzgis::tools {
 
 /// Draws a bar on standard error once work has taken half a second, and wipes it at the
-/// end.  Where standard error is no terminal it stays silent.
+/// end.  Where standard error is no terminal it stays silent, and where the results go to
+/// the same terminal too.
 class Progress {
  public:
   /// @param label  what is going on
   /// @param total  the amount of work, in any unit; 0 when unknown: amounts are shown
-  Progress(std::string label, std::uint64_t total);
+  /// @param prints  the results go to standard output meanwhile
+  Progress(std::string label, std::uint64_t total, bool prints = false);
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;

@@ -1,11 +1,10 @@
 #include "tools/support/projection_options.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <string_view>
 
 #include "tools/support/number_text.h"
+#include "tools/support/report.h"
 
 namespace kzgis::tools {
 
@@ -13,15 +12,9 @@ namespace {
 
 constexpr int kProjectionCount = 15;
 
-std::string lower_case(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
-
 /// The accepted name of a type is its display name in lower case.
 std::string accepted_name(int type) {
-  return lower_case(Projection(static_cast<projType>(type)).fetchProjectionName().c_str());
+  return Projection(static_cast<projType>(type)).fetchProjectionName().lower().str();
 }
 
 /// The type of that name, or nothing.  A hyphen or an underscore stands for a blank, so
@@ -31,7 +24,7 @@ std::optional<projType> find_type(const std::string& name) {
     for (char& c : text) {
       if (c == '-' || c == '_') c = ' ';
     }
-    return lower_case(std::move(text));
+    return UtString(text).lower().str();
   };
   for (int type = 0; type < kProjectionCount; ++type) {
     if (plain(accepted_name(type)) == plain(name)) return static_cast<projType>(type);
@@ -46,7 +39,7 @@ NumberPair parse_pair(const std::string& option, const std::string& text) {
     const auto second = parse_number(std::string_view(text).substr(comma + 1));
     if (first && second) return {*first, *second};
   }
-  throw CLI::ValidationError(option, "'" + text + "' is not two numbers with a comma between");
+  throw CLI::ValidationError(option, in_quotes(text) + " is not two numbers with a comma between");
 }
 
 }  // namespace
@@ -67,8 +60,9 @@ void add_projection_options(CLI::App& command, ProjectionOptions& options) {
   command.add_option("--to", options.name, "Projection, one of: " + projection_names())
       ->type_name("NAME")
       ->check([](const std::string& name) {
-        return find_type(name) ? std::string()
-                               : "'" + name + "' is no projection; there are " + projection_names();
+        return find_type(name)
+                   ? std::string()
+                   : in_quotes(name) + " is no projection; there are " + projection_names();
       });
   command
       .add_option_function<std::string>(

@@ -109,6 +109,10 @@ ShapeRecords::ShapeRecords(std::string name) : name_(std::move(name)), file_(nul
   const std::string base = without_extension(expanded(name_));
   const std::string shape_path = base + ".shp";
   const std::string index_path = base + ".shx";
+  std::error_code unknown;
+  if (base == expanded(name_) && std::filesystem::is_regular_file(base, unknown)) {
+    throw CommandError(name_ + ": not the name of a shapefile, which ends in .shp");
+  }
   for (const std::string& path : {shape_path, index_path}) {
     if (const std::string why = why_not_usable(path); !why.empty()) throw CommandError(why);
   }
@@ -123,8 +127,7 @@ ShapeRecords::ShapeRecords(std::string name) : name_(std::move(name)), file_(nul
       index_size < kHeaderBytes ? 0 : (index_size - kHeaderBytes) / kIndexEntryBytes;
   index_is_cut_ = claimed > room;
   count_ = static_cast<kz_long>(std::min<std::uintmax_t>({claimed, room, 0x7FFFFFFF}));
-  shape_file_is_whole_ = static_cast<std::intmax_t>(size_of(shape_path)) >=
-                         static_cast<std::intmax_t>(file_.ShapeHeader().FileLength());
+  shape_bytes_ = size_of(shape_path);
 }
 
 RecordState ShapeRecords::read(kz_long n, ShapeRecord& record) {
@@ -140,8 +143,9 @@ RecordState ShapeRecords::read(kz_long n, ShapeRecord& record) {
   file_.FileName(name_.c_str());
   // The library looks at the next record to pass a null one; behind the last there is
   // none, which reads like the end of the file.
-  const bool null_at_end =
-      status == status::end_of_file && n == count_ && !index_is_cut_ && shape_file_is_whole_;
+  const bool whole = static_cast<std::intmax_t>(shape_bytes_) >=
+                     static_cast<std::intmax_t>(file_.ShapeHeader().FileLength());
+  const bool null_at_end = status == status::end_of_file && n == count_ && !index_is_cut_ && whole;
   if (null_at_end) return RecordState::null;
   failure_ = status_text(status);
   return RecordState::failed;

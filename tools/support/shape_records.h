@@ -47,6 +47,8 @@ class ShapeRecords {
 
   /// How many records the index holds; never more than its file has room for.
   kz_long count() const { return count_; }
+  /// Size of the shape file.
+  std::uintmax_t shape_bytes() const { return shape_bytes_; }
   /// True when the index's header claims more records than its file holds.
   bool index_is_cut() const { return index_is_cut_; }
 
@@ -75,7 +77,7 @@ class ShapeRecords {
   KZ_GIS_ESRI_Shape_c file_;
   kz_long count_ = 0;
   bool index_is_cut_ = false;
-  bool shape_file_is_whole_ = false;
+  std::uintmax_t shape_bytes_ = 0;
   std::string failure_;
   Block<kz_long> parts_;
   kz_long parts_capacity_ = 0;

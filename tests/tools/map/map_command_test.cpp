@@ -150,8 +150,9 @@ TEST_F(MapCommand, AnUnreadableRecordIsReportedAndTheOthersAreDrawn) {
   const Outcome outcome = run({damaged + ".shp", "-o", path("a.png")});
   EXPECT_EQ(outcome.exit_code, 1);
   EXPECT_EQ(outcome.failure, "");
-  EXPECT_EQ(outcome.standard_error,
-            damaged + ".shp: record 1 cannot be read: its parts do not follow each other\n");
+  EXPECT_EQ(
+      outcome.standard_error,
+      "kzgis: " + damaged + ".shp: record 1 cannot be read: its parts do not follow each other\n");
   EXPECT_TRUE(exists(path("a.png")));
 }
 

@@ -1,0 +1,34 @@
+#include "tools/support/report.h"
+
+#include <array>
+#include <cstdio>
+#include <iostream>
+
+namespace kzgis::tools {
+
+void report(const std::string& message) {
+  std::string line = "kzgis: ";
+  for (const char c : message) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '\n') {
+      line += "\\n";
+    } else if (c == '\t') {
+      line += "\\t";
+    } else if (byte < 0x20 || byte == 0x7F) {
+      std::array<char, 5> code{};
+      std::snprintf(code.data(), code.size(), "\\x%02x", static_cast<unsigned>(byte));
+      line += code.data();
+    } else {
+      line += c;
+    }
+  }
+  std::cerr << line << '\n';
+}
+
+std::string in_quotes(std::string_view text) {
+  constexpr std::size_t kLongest = 60;
+  if (text.size() <= kLongest) return "'" + std::string(text) + "'";
+  return "'" + std::string(text.substr(0, kLongest)) + "...'";
+}
+
+}  // namespace kzgis::tools
