@@ -1,0 +1,328 @@
+#ifndef KZGIS_TRIANGULATE_H
+#define KZGIS_TRIANGULATE_H
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "kzgis/export.h"
+#include "kzgis/types.h"
+
+/// Cuts a polygon with holes into triangles, without new vertices.
+///
+/// The method is R. Seidel's, "A simple and fast incremental randomized algorithm for
+/// computing trapezoidal decompositions and for triangulating polygons", Computational
+/// Geometry: Theory and Applications 1 (1991): the edges are inserted one by one, in
+/// random order, into a map of trapezoids; the trapezoids inside the polygon give the
+/// diagonals that cut it into y-monotone pieces; each piece is cut by one sweep.
+///
+/// The plain functions at the top work on tables of the whole process, exported too, so
+/// only one triangulation may run at a time.  The same algorithm without that state is
+/// `kzgis::triangulation::Workspace`, at the end.
+namespace kzgis::triangulation {
+
+struct Point {
+  double x, y;
+};
+
+/// One edge.  Segment i starts at vertex i; a segment number used as a vertex number
+/// means that vertex.
+struct Segment {
+  Point start;
+  Point end;           ///< the next vertex of the same contour
+  kz_long inserted;    ///< 1 once the segment is part of the map of trapezoids
+  kz_long start_root;  ///< query node from which a search for `start` begins
+  kz_long end_root;    ///< the same for `end`
+  kz_long next_seg;    ///< the next segment of the contour
+  kz_long prev_seg;    ///< the one before it
+};
+
+/// One node of the search structure, a directed acyclic graph rooted in node 1.
+struct QueryNode {
+  kz_long kind;         ///< 1 X node, split by a segment; 2 Y node, by a height; 3 sink
+  kz_long seg_no;       ///< X node: the splitting segment
+  Point y_key;          ///< Y node: the splitting point
+  kz_long trap_no;      ///< sink: its trapezoid
+  kz_long parent;       ///< the node above; the latest, where there are several
+  kz_long left_child;   ///< X node: the left side; Y node: below
+  kz_long right_child;  ///< X node: the right side; Y node: above
+};
+
+/// One trapezoid, bounded above and below by the heights of two points.
+struct Trapezoid {
+  kz_long left_seg;   ///< segment on its left; below 1: none, unbounded
+  kz_long right_seg;  ///< segment on its right, likewise
+  Point top;
+  Point bottom;
+  kz_long above0, above1;  ///< neighbours above, from left to right; below 1: none
+  kz_long below0, below1;  ///< neighbours below, likewise
+  kz_long sink_node;
+  kz_long above_save;  ///< a third neighbour above, while a segment passes through
+  kz_long above_side;  ///< 1: that neighbour belongs to the right of the two, 2: to the left
+  kz_long status;      ///< 1 valid, 2 merged into another
+};
+
+/// One link of the circular chain around a monotone piece.
+struct ChainLink {
+  kz_long vertex_no;
+  kz_long next_link;  ///< positions in `mchain`
+  kz_long prev_link;
+  kz_long marked;  ///< 1 once its piece has been looked at
+};
+
+/// The chains through one vertex: its contour's, and one more for every diagonal.
+struct VertexChain {
+  Point point;
+  kz_long next_vertex[4];  ///< the next vertex along each chain
+  kz_long chain_pos[4];    ///< this vertex's position in `mchain` on each chain
+  kz_long free_slot;       ///< how many of the four are taken
+};
+
+}  // namespace kzgis::triangulation
+
+// The tables of the process.  Index 0 is unused.  They are allocated by `initilize` and
+// live until the next `initilize` (or `triangulate_polygon`) or until `release_tables`,
+// after which the pointers keep their stale values.  The pointers and sizes show where
+// the tables are; writing another value into them changes nothing.
+
+extern KZGIS_EXPORT kzgis::triangulation::Segment* seg;       ///< SEGSIZE records
+extern KZGIS_EXPORT kzgis::triangulation::QueryNode* qs;      ///< QSIZE records
+extern KZGIS_EXPORT kzgis::triangulation::Trapezoid* tr;      ///< TRSIZE records
+extern KZGIS_EXPORT kz_long* permute;                         ///< SEGSIZE: the insertion order
+extern KZGIS_EXPORT kzgis::triangulation::ChainLink* mchain;  ///< TRSIZE records
+extern KZGIS_EXPORT kzgis::triangulation::VertexChain* vert;  ///< SEGSIZE records
+/// For each monotone piece, counted from 0, one position in `mchain` that lies on it.  It
+/// holds 2 * SEGSIZE numbers: cuts and joins together can exceed the vertices.
+extern KZGIS_EXPORT kz_long* mon;
+extern KZGIS_EXPORT kz_long* visited;  ///< TRSIZE marks
+
+extern KZGIS_EXPORT kz_long SEGSIZE;  ///< vertices + 1
+extern KZGIS_EXPORT kz_long QSIZE;    ///< 10 * SEGSIZE
+extern KZGIS_EXPORT kz_long TRSIZE;   ///< 6 * SEGSIZE
+
+// Entry points.
+
+/// Cuts a polygon with holes into N + 2 (ncontours - 1) - 2 triangles, N being the number
+/// of vertices.
+///
+/// The first contour is the outer boundary, counter-clockwise; the others are holes,
+/// clockwise, so that the inside lies to the left of every edge.  Rings are simple, do
+/// not cross or touch, have at least 3 vertices and do not repeat the first one at the
+/// end; no two vertices are closer than 1e-7 in both x and y.  Nothing of this is
+/// checked.  Input that breaks it, a table that overflows or memory that runs out leave
+/// the triangles written so far, never more than the number above, and go unreported but
+/// for a line on standard error.
+///
+/// The insertion order is seeded from the clock in seconds, by `std::srand`: the same
+/// polygon may give other, equally valid triangles in a later second.
+///
+/// @param ncontours  number of contours
+/// @param cntr       number of vertices of each
+/// @param vertices   x and y of every vertex, contour after contour, from `vertices[1]`;
+///                   `vertices[0]` is not read
+/// @param triangles  room for the number above; each takes three vertex numbers, counted
+///                   from 1, counter-clockwise
+/// @return 0, always
+KZGIS_EXPORT kz_long triangulate_polygon(kz_long ncontours, const kz_long* cntr,
+                                         const double (*vertices)[2], kz_long (*triangles)[3]);
+
+/// 1 when the point (x, y) lies inside the polygon triangulated last, else 0.
+///
+/// Points on the boundary get no consistent answer.  With no tables, before the first
+/// triangulation or after `release_tables`, every point is outside.
+KZGIS_EXPORT kz_long is_point_inside_polygon(const double* vertex);
+
+// Tables and order.
+
+/// Allocates all tables, zeroed, for `size` segment records, unused record 0 included,
+/// and releases those of the last call.
+///
+/// @return 0; 1 when a table cannot be allocated: its name goes to standard error and
+///         the tables before it stay allocated
+KZGIS_EXPORT kz_long initilize(kz_long size);
+
+/// Releases the tables; a second call does nothing.
+/// @return 0
+KZGIS_EXPORT kz_long release_tables();
+
+/// Fills entries 1 to n of `permute` with the numbers 1 to n in random order and starts
+/// `choose_segment` at the first.  Seeds `std::rand` from the clock.
+///
+/// @return 0; 1, with `permute` as it was and one line on standard error, when the scratch
+///         array cannot be allocated
+KZGIS_EXPORT kz_long generate_random_ordering(kz_long n);
+
+/// The next segment of the random order; 0 past the end of the table.
+KZGIS_EXPORT kz_long choose_segment();
+
+/// Where phase h of the insertion ends, for n segments: n divided by the h times
+/// repeated binary exponent of n, rounded up.  -2147483648 when no 32-bit number is that
+/// quotient, as when the exponent has come down to 0.
+KZGIS_EXPORT kz_long math_N(kz_long n, kz_long h);
+
+/// Number of phases for n segments: how often the binary exponent can be taken before the
+/// value falls below 1, less one; -1 when n < 1.
+KZGIS_EXPORT kz_long math_logstar_n(kz_long n);
+
+/// Formatted print, as by `std::printf`, to standard error.
+/// @return number of characters written
+[[gnu::format(printf, 1, 2)]] KZGIS_EXPORT kz_long print_error(const char* format, ...);
+
+// Order of points: by y, and by x where the two heights are no more than 1e-7 apart.
+// Each answers 1 or 0.  Callers know these names, reserved or not.
+// NOLINTBEGIN(bugprone-reserved-identifier)
+
+/// Whether a and b lie within 1e-7 of each other in x and in y.
+KZGIS_EXPORT kz_long _equal_to(const kzgis::triangulation::Point* a,
+                               const kzgis::triangulation::Point* b);
+/// Whether a lies above b, or level and to its right.
+KZGIS_EXPORT kz_long _greater_than(const kzgis::triangulation::Point* a,
+                                   const kzgis::triangulation::Point* b);
+/// The same, or level with equal x.
+KZGIS_EXPORT kz_long _greater_than_equal_to(const kzgis::triangulation::Point* a,
+                                            const kzgis::triangulation::Point* b);
+/// Whether a lies below b, or level and to its left.
+KZGIS_EXPORT kz_long _less_than(const kzgis::triangulation::Point* a,
+                                const kzgis::triangulation::Point* b);
+// NOLINTEND(bugprone-reserved-identifier)
+
+// The map of trapezoids.  A number outside its table is refused: nothing changes, and the
+// result is 0.
+
+/// Builds the map of segments 1 to n, which `seg` and `permute` must hold.
+/// @return 0
+KZGIS_EXPORT kz_long construct_trapezoids(kz_long n);
+
+/// Starts the map anew with one segment: four trapezoids, seven query nodes.
+/// @return the root node, 1
+KZGIS_EXPORT kz_long create_initial_structure(kz_long s);
+
+/// Adds a segment to the map.
+/// @return 0
+KZGIS_EXPORT kz_long add_segment(kz_long s);
+
+/// The trapezoid that holds `v`, searched from query node `r` downwards.
+///
+/// A vertex touches several trapezoids; `vo`, the other end of the segment, decides.
+///
+/// @return trapezoid number.  Where the search meets a node of no known kind, "Haggu !!!!!"
+///         goes to standard error and the result is the 12 characters written
+KZGIS_EXPORT kz_long locate_endpoint(const kzgis::triangulation::Point* v,
+                                     const kzgis::triangulation::Point* vo, kz_long r);
+
+/// The next free query node; when the table is full one that merging has orphaned; -1,
+/// with one line on standard error, when there is none either.
+KZGIS_EXPORT kz_long newnode();
+
+/// The next free trapezoid, valid and unbounded; -1, with one line on standard error, when
+/// the table is full.
+KZGIS_EXPORT kz_long newtrap();
+
+/// 1 when v lies strictly to the left of segment s, seen upwards, else 0.
+KZGIS_EXPORT kz_long is_left_of_segment(kz_long s, const kzgis::triangulation::Point* v);
+
+/// Joins the trapezoids from `first` down to `last`, along one side of segment s, that
+/// have come to lie between the same two segments.
+/// @param side  1 left of s, 2 right of it
+/// @return 0
+KZGIS_EXPORT kz_long merge_trapezoid_run(kz_long s, kz_long first, kz_long last, kz_long side);
+
+/// Moves the two search roots of a segment that is not yet inserted down to the sinks that
+/// hold its endpoints now.
+KZGIS_EXPORT void refresh_segment_roots(kz_long s);
+
+// Monotone pieces and triangles.
+
+/// Cuts the polygon of segments 1 to n, whose trapezoids are built, into y-monotone pieces.
+/// @return number of pieces
+KZGIS_EXPORT kz_long monotonate_trapezoids(kz_long n);
+
+/// Walks the trapezoids that can be reached from `t` and draws their diagonals.
+/// @param m     piece the walk is in
+/// @param from  trapezoid the walk comes from
+/// @param dir   1 when `from` lies above, 2 below
+/// @return 0
+KZGIS_EXPORT kz_long traverse_trapezoids(kz_long m, kz_long t, kz_long from, kz_long dir);
+
+/// Draws the diagonal from vertex a to vertex b.
+/// @return number of the new piece; -1, and nothing changed, when a and b are not two
+///         vertices, one of them has four chains already or a table is full
+KZGIS_EXPORT kz_long split_monotone_polygon(kz_long m, kz_long a, kz_long b);
+
+/// Which of the chains through a, and which of those through b, the diagonal between them
+/// belongs to.
+/// @return 0
+KZGIS_EXPORT kz_long vertex_chain_positions(kz_long a, kz_long b, kz_long* slot_a, kz_long* slot_b);
+
+/// Orders directions around p: 1 where r lies in the direction of q, falling to -1 opposite
+/// to it and to -3 on, counter-clockwise.
+KZGIS_EXPORT double angle_measure(const kzgis::triangulation::Point* p,
+                                  const kzgis::triangulation::Point* q,
+                                  const kzgis::triangulation::Point* r);
+
+/// Cuts every monotone piece into triangles, written from `triangles[0]` on.
+/// @return number of triangles, at most n + 2 (contours - 1) - 2
+KZGIS_EXPORT kz_long triangulate_monotone_polygons(kz_long n, kz_long pieces,
+                                                   kz_long (*triangles)[3]);
+
+/// Cuts one piece of at least four vertices, writing after the triangles there are.
+/// @param pos   position in `mchain` of its highest vertex
+/// @param side  1 when the vertex after that is the lowest, else 2
+/// @return 0; 1 when the scratch stack cannot be allocated: one line goes to standard error
+KZGIS_EXPORT kz_long triangulate_monotone_piece(kz_long n, kz_long pos, kz_long side,
+                                                kz_long (*triangles)[3]);
+
+namespace kzgis::triangulation {
+
+/// How `Workspace::run` ended.
+enum class Outcome {
+  complete,       ///< all triangles are there, and proved right
+  bad_input,      ///< sizes that do not fit each other, a ring below 3 vertices, no number
+  not_completed,  ///< no polygon, or none that this tolerance and insertion order can do
+  out_of_memory,
+};
+
+struct Result {
+  Outcome outcome;
+  kz_long triangles;  ///< number written; 0 unless complete
+};
+
+/// The same triangulator on tables of its own.
+///
+/// Workspaces are independent of each other and of the process-wide tables: as many threads
+/// may triangulate at once as there are workspaces.  One used again keeps most of its
+/// memory.  At its peak a run takes some 500 bytes per vertex, out of an address space of 1100.
+class KZGIS_EXPORT Workspace {
+ public:
+  Workspace();
+  ~Workspace();
+  Workspace(Workspace&& other) noexcept;
+  Workspace& operator=(Workspace&& other) noexcept;
+
+  /// Triangulates one outer boundary with its holes; prints nothing and does not throw.
+  ///
+  /// The input is that of `triangulate_polygon`, except that vertices and their numbers
+  /// count from 0.  What is `complete` has been checked, exactly: the number of triangles,
+  /// that each runs counter-clockwise, and that every edge is shared by two of them or is one
+  /// of the polygon's.  They cover every point as often as the contours wind around it; only
+  /// contours that overlap could make that more than once.
+  ///
+  /// @param contours   number of vertices of each contour
+  /// @param vertices   all of them, contour after contour
+  /// @param tolerance  vertices whose heights differ by no more are ordered by x; >= 0.
+  ///                   With 0 every decision is exact: a polygon that meets the
+  ///                   requirements, at any scale, is `complete` with any seed, but for
+  ///                   one whose query nodes outgrow ten per vertex: none known
+  /// @param seed       chooses the insertion order: the same input gives the same triangles
+  /// @param out        takes three numbers per triangle, N + 2 (contours - 1) - 2 triangles
+  Result run(std::span<const kz_long> contours, std::span<const Point> vertices, double tolerance,
+             std::uint64_t seed, std::span<kz_long> out);
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace kzgis::triangulation
+
+#endif

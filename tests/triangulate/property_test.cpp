@@ -1,0 +1,143 @@
+// Every family, in every size, scale and direction: the triangles tile the polygon.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "kzgis/triangulate.h"
+#include "support/capture.h"
+#include "triangulate/tiling.h"
+
+namespace {
+
+using kzgis::triangulation::Outcome;
+using kzgis::triangulation::Result;
+using kzgis::triangulation::Workspace;
+
+#if defined(__SANITIZE_ADDRESS__)
+#define KZGIS_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KZGIS_SANITIZED
+#endif
+#endif
+#ifdef KZGIS_SANITIZED
+constexpr bool kSlow = true;
+#else
+constexpr bool kSlow = false;
+#endif
+
+/// As it is, turned by a quarter, turned by 45 degrees, and sheared into slivers.
+IntPolygon placed(const IntPolygon& polygon, int way) {
+  switch (way % 4) {
+    case 1:
+      return transformed(polygon, 0, -1, 1, 0);
+    case 2:
+      return transformed(polygon, 1, -1, 1, 1);
+    case 3:
+      return transformed(polygon, 1000, 999, 1001, 1000);
+    default:
+      return polygon;
+  }
+}
+
+std::string flaw_in_workspace(Workspace& workspace, const IntPolygon& polygon, double scale,
+                              double tolerance, std::uint64_t seed) {
+  Triangles triangles(static_cast<std::size_t>(polygon.triangle_count()));
+  const Result result = workspace.run(polygon.vertex_counts(), polygon.points(scale), tolerance,
+                                      seed, {triangles.front().data(), 3 * triangles.size()});
+  if (result.outcome != Outcome::complete) return "not complete";
+  return flaw_of(polygon, triangles, 0);
+}
+
+std::string flaw_in_classic(const IntPolygon& polygon) {
+  std::vector<double> xy(2);
+  for (const auto& p : polygon.points()) xy.insert(xy.end(), {p.x, p.y});
+  const std::vector<kz_long> counts = polygon.vertex_counts();
+  Triangles triangles(static_cast<std::size_t>(polygon.triangle_count()));
+  triangulate_polygon(static_cast<kz_long>(counts.size()), counts.data(),
+                      reinterpret_cast<const double(*)[2]>(xy.data()),
+                      reinterpret_cast<kz_long(*)[3]>(triangles.front().data()));
+  return flaw_of(polygon, triangles, 1);
+}
+
+class Tiling : public testing::TestWithParam<Family> {};
+
+TEST_P(Tiling, OfSmallPolygonsAtEveryScale) {
+  Workspace workspace;
+  for (int round = 0; round < (kSlow ? 500 : 2000); ++round) {
+    std::mt19937_64 random(static_cast<std::uint64_t>(round));
+    const int n = 3 + static_cast<int>(random() % 60);
+    const IntPolygon polygon = placed(GetParam().make(n, random), round);
+    const double scale = std::ldexp(1.0, 10 * (round % 7) - 40);
+    for (std::uint64_t seed = 0; seed < 4; ++seed) {
+      ASSERT_EQ(flaw_in_workspace(workspace, polygon, scale, 0.0, seed), "")
+          << polygon.label << ", round " << round << ", seed " << seed;
+    }
+  }
+}
+
+TEST_P(Tiling, OfSmallPolygonsByTheClassicEntry) {
+  StderrCapture err;
+  for (int round = 0; round < (kSlow ? 500 : 2000); ++round) {
+    std::mt19937_64 random(static_cast<std::uint64_t>(round) + 1'000'000);
+    const int n = 3 + static_cast<int>(random() % 60);
+    const IntPolygon polygon = placed(GetParam().make(n, random), round);
+    ASSERT_EQ(flaw_in_classic(polygon), "") << polygon.label << ", round " << round;
+  }
+  release_tables();
+  EXPECT_EQ(err.text(), "");
+}
+
+TEST_P(Tiling, OfLargerPolygons) {
+  Workspace workspace;
+  StderrCapture err;
+  for (const int n : {100, 1000, 10'000}) {
+    for (int way = 0; way < 4; ++way) {
+      std::mt19937_64 random(static_cast<std::uint64_t>(n + way));
+      const IntPolygon polygon = placed(GetParam().make(n, random), way);
+      for (std::uint64_t seed = 0; seed < 3; ++seed) {
+        ASSERT_EQ(flaw_in_workspace(workspace, polygon, 1.0, 0.0, seed), "")
+            << polygon.label << ", way " << way << ", seed " << seed;
+      }
+      ASSERT_EQ(flaw_in_workspace(workspace, polygon, 1.0, 1e-7, 1), "")
+          << polygon.label << ", way " << way;
+      ASSERT_EQ(flaw_in_classic(polygon), "") << polygon.label << ", way " << way;
+    }
+  }
+  release_tables();
+  EXPECT_EQ(err.text(), "");
+}
+
+#ifndef KZGIS_SANITIZED  // too slow under sanitizers
+TEST_P(Tiling, OfAHundredThousandVertices) {
+  std::mt19937_64 random(1);
+  const IntPolygon polygon = GetParam().make(100'000, random);
+  Workspace workspace;
+  EXPECT_EQ(flaw_in_workspace(workspace, polygon, 1.0, 0.0, 1), "") << polygon.label;
+}
+
+#endif
+
+INSTANTIATE_TEST_SUITE_P(Families, Tiling, testing::ValuesIn(families()),
+                         [](const auto& family) { return std::string(family.param.name); });
+
+#ifndef KZGIS_SANITIZED
+TEST(Tiling, OfAMillionVertices) {
+  std::mt19937_64 random(1);
+  Workspace workspace;
+  EXPECT_EQ(flaw_in_workspace(workspace, spiral(1'000'000, random), 1.0, 0.0, 1), "");
+}
+
+TEST(Tiling, OfAMillionVerticesByTheClassicEntry) {
+  std::mt19937_64 random(1);
+  StderrCapture err;
+  EXPECT_EQ(flaw_in_classic(star(1'000'000, random)), "");
+  EXPECT_EQ(err.text(), "");
+  release_tables();
+}
+#endif
+
+}  // namespace
