@@ -1,0 +1,29 @@
+#ifndef KZGIS_ERROR_H
+#define KZGIS_ERROR_H
+
+#include <string>
+
+namespace kzgis {
+
+/// What kind of failure an operation met.
+enum class ErrorKind {
+  none,          ///< it did not fail
+  bad_argument,  ///< arguments that do not fit each other
+  bad_data,      ///< the data is not what the operation works on
+  too_fine,      ///< details smaller than double precision can part
+  out_of_memory,
+};
+
+/// The failure of an operation of namespace kzgis: what kind, and one sentence, without a
+/// line end, that a user can act on.  Nothing in kzgis throws an exception of its own.
+struct Error {
+  ErrorKind kind = ErrorKind::none;
+  std::string message;
+
+  /// True when the operation failed.
+  explicit operator bool() const { return kind != ErrorKind::none; }
+};
+
+}  // namespace kzgis
+
+#endif

@@ -1,0 +1,140 @@
+#include "polytree/faces.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <numeric>
+
+#include "polytree/exact.h"
+
+namespace kzgis::polytree {
+
+namespace {
+
+class Tracer {
+ public:
+  explicit Tracer(const Arrangement& arrangement) : a_(arrangement) {}
+
+  std::vector<Face> run() {
+    link();
+    trace();
+    return assemble();
+  }
+
+ private:
+  // Every edge is gone along once, with the inside on the left.
+  std::uint32_t from(std::uint32_t e) const {
+    return a_.edges[e].inside_above ? a_.edges[e].left : a_.edges[e].right;
+  }
+  std::uint32_t to(std::uint32_t e) const {
+    return a_.edges[e].inside_above ? a_.edges[e].right : a_.edges[e].left;
+  }
+
+  int turn(std::uint32_t p, std::uint32_t q, std::uint32_t r) const {
+    const Site& u = a_.sites[p];
+    const Site& v = a_.sites[q];
+    const Site& w = a_.sites[r];
+    return exact::orientation(u.x, u.y, v.x, v.y, w.x, w.y);
+  }
+
+  std::uint32_t far_end(std::uint32_t e, std::uint32_t site) const {
+    return a_.edges[e].left == site ? a_.edges[e].right : a_.edges[e].left;
+  }
+
+  /// Finds for each edge the one to go on with: behind the corner that it makes with it,
+  /// no other edge enters the inside.
+  void link() {
+    const std::size_t n = a_.edges.size();
+    std::vector<std::uint32_t> first(a_.sites.size() + 1, 0);
+    for (const Edge& edge : a_.edges) {
+      ++first[edge.left + 1];
+      ++first[edge.right + 1];
+    }
+    std::partial_sum(first.begin(), first.end(), first.begin());
+    std::vector<std::uint32_t> around(2 * n);
+    std::vector<std::uint32_t> filled(first.begin(), first.end() - 1);
+    for (std::uint32_t e = 0; e < n; ++e) {
+      around[filled[a_.edges[e].left]++] = e;
+      around[filled[a_.edges[e].right]++] = e;
+    }
+    next_.assign(n, kNone);
+    for (std::uint32_t site = 0; site < a_.sites.size(); ++site) {
+      const auto begin = around.begin() + first[site];
+      const auto end = around.begin() + first[site + 1];
+      // Counter-clockwise, beginning with what points to the right.
+      std::sort(begin, end, [this, site](std::uint32_t p, std::uint32_t q) {
+        const std::uint32_t u = far_end(p, site);
+        const std::uint32_t v = far_end(q, site);
+        if ((u > site) != (v > site)) return u > site;
+        return turn(site, u, v) > 0;
+      });
+      for (auto e = begin; e != end; ++e) {
+        // Clockwise from an edge that comes in lies the inside, up to an edge that goes out.
+        if (to(*e) == site) next_[*e] = e == begin ? *(end - 1) : *(e - 1);
+      }
+    }
+  }
+
+  struct Cycle {
+    std::uint32_t smallest;  // site
+    bool hole;
+    Contour sites;
+  };
+
+  void trace() {
+    cycle_of_.assign(a_.edges.size(), kNone);
+    for (std::uint32_t start = 0; start < a_.edges.size(); ++start) {
+      if (cycle_of_[start] != kNone) continue;
+      Cycle cycle{kNone, false, {}};
+      for (std::uint32_t e = start; cycle_of_[e] == kNone; e = next_[e]) {
+        cycle_of_[e] = static_cast<std::uint32_t>(cycles_.size());
+        cycle.sites.push_back(from(e));
+        cycle.smallest = std::min(cycle.smallest, from(e));
+      }
+      // Both edges of a corner at the smallest site point to the right.  The inside of an
+      // outer contour lies between them; that of a hole lies all round, at one corner.
+      const std::size_t n = cycle.sites.size();
+      for (std::size_t i = 0; i < n; ++i) {
+        if (cycle.sites[i] == cycle.smallest &&
+            turn(cycle.sites[(i + n - 1) % n], cycle.sites[i], cycle.sites[(i + 1) % n]) < 0) {
+          cycle.hole = true;
+        }
+      }
+      cycles_.push_back(std::move(cycle));
+    }
+  }
+
+  std::vector<Face> assemble() {
+    std::vector<std::uint32_t> order(cycles_.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::sort(order.begin(), order.end(), [this](std::uint32_t p, std::uint32_t q) {
+      return cycles_[p].smallest != cycles_[q].smallest ? cycles_[p].smallest < cycles_[q].smallest
+                                                        : p < q;
+    });
+    std::vector<Face> faces;
+    std::vector<std::uint32_t> face_of(cycles_.size(), kNone);
+    for (const std::uint32_t number : order) {
+      Cycle& cycle = cycles_[number];
+      if (cycle.hole) {
+        // The edge below a hole's smallest site has this face above it, and began further
+        // to the left.
+        face_of[number] = face_of[cycle_of_[a_.sites[cycle.smallest].below]];
+      } else {
+        face_of[number] = static_cast<std::uint32_t>(faces.size());
+        faces.emplace_back();
+      }
+      faces[face_of[number]].push_back(std::move(cycle.sites));
+    }
+    return faces;
+  }
+
+  const Arrangement& a_;
+  std::vector<std::uint32_t> next_;      // of each edge
+  std::vector<std::uint32_t> cycle_of_;  // of each edge
+  std::vector<Cycle> cycles_;
+};
+
+}  // namespace
+
+std::vector<Face> take_faces(const Arrangement& arrangement) { return Tracer(arrangement).run(); }
+
+}  // namespace kzgis::polytree
