@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "polytree/exact.h"
 
@@ -31,6 +32,7 @@ struct Bundle {
   std::uint32_t edge;   // its boundary edge; kNone where an even number cancels
   std::uint32_t kept;   // the nearest boundary edge, its own or below it
   bool inside_above;
+  std::uint32_t innermost;  // ring around what lies just above; kNone outside all
 };
 
 class Sweep {
@@ -73,10 +75,10 @@ class Sweep {
   struct RingState {
     std::size_t first_side = 0;  // of its segments, which follow each other
     std::size_t sides = 0;
-    std::uint32_t smallest = kNone;  // site
-    double area = 0.0;               // roughly; decides only between rings that share an edge
-    bool counter_clockwise = false;
+    double area = 0.0;  // twice, and about
     kz_ulong depth = 0;
+    bool apart = false;     // somewhere it runs without its parent
+    std::size_t count = 0;  // of its segments in the bundle at hand
   };
 
   int turn(std::uint32_t a, std::uint32_t b, std::uint32_t c) const {
@@ -204,7 +206,6 @@ class Sweep {
     state.sides = n;
     const Site& origin = result_.sites[site_of_[path[0]]];
     for (std::size_t i = 0; i < n; ++i) {
-      const std::uint32_t before = site_of_[path[(i + n - 1) % n]];
       const std::uint32_t here = site_of_[path[i]];
       const std::uint32_t after = site_of_[path[(i + 1) % n]];
       const bool rightward = here < after;
@@ -213,10 +214,6 @@ class Sweep {
       const Site& p = result_.sites[here];
       const Site& q = result_.sites[after];
       state.area += (p.x - origin.x) * (q.y - origin.y) - (q.x - origin.x) * (p.y - origin.y);
-      if (here <= state.smallest) {
-        state.smallest = here;
-        state.counter_clockwise = turn(before, here, after) > 0;
-      }
     }
     state.area = std::fabs(state.area);
   }
@@ -235,12 +232,10 @@ class Sweep {
            ++next_segment) {
         starting_.push_back(*next_segment);
       }
-      const bool begins_here = !starting_.empty();
       pass(site);
       if (result_.flaw) return;
-      if (begins_here) nest_rings(site);
-      if (result_.flaw) return;
     }
+    refuse_repetitions();
   }
 
   /// Moves the sweep line over a site: what comes in from the left ends there, and goes on
@@ -298,7 +293,7 @@ class Sweep {
           free_.push_back(static_cast<std::uint32_t>(bundles_.size()));
           bundles_.emplace_back();
         }
-        bundles_[free_.back()] = {site, segment.right, kNone, kNone, kNone, false};
+        bundles_[free_.back()] = {site, segment.right, kNone, kNone, kNone, false, kNone};
         group_.push_back(free_.back());
         free_.pop_back();
       }
@@ -309,7 +304,8 @@ class Sweep {
     }
   }
 
-  /// Finds on which side of a new bundle the inside lies, from what is next below it.
+  /// Finds on which side of a new bundle the inside lies, and in which ring, from what is
+  /// next below it.
   void settle_bundle(std::uint32_t number, std::uint32_t under) {
     Bundle& bundle = bundles_[number];
     bool odd = false;
@@ -322,6 +318,7 @@ class Sweep {
       bundle.kept = bundle.edge;
       result_.edges.push_back({bundle.left, kNone, bundle.inside_above});
     }
+    nest(bundle, under != kNone ? bundles_[under].innermost : kNone);
   }
 
   /// Refuses the rings when two neighbours on the sweep line will cross.
@@ -351,77 +348,105 @@ class Sweep {
     return segments_[s];
   }
 
-  bool inside_is_above(const Segment& segment) const {
-    return segment.rightward == states_[segment.ring].counter_clockwise;
-  }
-
-  /// Finds the parents of the rings whose smallest site this is; their bundles are group_.
-  void nest_rings(std::uint32_t site) {
-    for (const std::uint32_t bundle : group_) {
-      waiting_.clear();
-      for (std::uint32_t s = bundles_[bundle].first; s != kNone; s = segments_[s].next) {
-        const std::uint32_t ring = segments_[s].ring;
-        const bool listed = std::find(waiting_.begin(), waiting_.end(), ring) != waiting_.end();
-        if (states_[ring].smallest == site && states_[ring].depth == 0 && !listed) {
-          waiting_.push_back(ring);
-        }
-      }
-      std::sort(waiting_.begin(), waiting_.end(), [this](std::uint32_t a, std::uint32_t b) {
-        return states_[a].area != states_[b].area ? states_[a].area > states_[b].area : a < b;
-      });
-      for (std::size_t i = 0; i < waiting_.size(); ++i) {
-        const std::uint32_t ring = waiting_[i];
-        if (i > 0 && repeats(waiting_[i - 1], ring)) {
-          refuse(
-              ErrorKind::bad_data,
-              "ring " + std::to_string(ring) + " repeats ring " + std::to_string(waiting_[i - 1]),
-              static_cast<kz_long>(ring), rings_.starts[ring]);
-          return;
-        }
-        const std::uint32_t parent = parent_above(bundle);
-        result_.parents[ring] = parent;
-        states_[ring].depth = parent == kNone ? 1 : states_[parent].depth + 1;
-      }
+  /// Goes up across a bundle: out of the rings that are left there, from the innermost on,
+  /// and into those that are entered.  A ring entered for the first time gets its parent;
+  /// one that is entered within another parent overlaps it.
+  void nest(Bundle& bundle, std::uint32_t inside) {
+    crossed_.clear();
+    for (std::uint32_t s = bundle.first; s != kNone; s = segments_[s].next) {
+      if (states_[segments_[s].ring].count++ == 0) crossed_.push_back(segments_[s].ring);
     }
-  }
-
-  /// Whether two rings have the same sides, whichever way they run.
-  bool repeats(std::uint32_t a, std::uint32_t b) const {
-    const RingState& p = states_[a];
-    const RingState& q = states_[b];
-    if (p.area != q.area || p.sides != q.sides) return false;
-    const auto sorted_sides = [this](const RingState& state) {
-      std::vector<std::pair<std::uint32_t, std::uint32_t>> sides;
-      sides.reserve(state.sides);
-      for (std::size_t i = 0; i < state.sides; ++i) {
-        const Segment& side = segments_[state.first_side + i];
-        sides.emplace_back(side.left, side.right);
-      }
-      std::sort(sides.begin(), sides.end());
-      return sides;
+    // A ring that runs back and forth here is not crossed.
+    const auto crossed = [this](std::uint32_t ring) {
+      return ring != kNone && states_[ring].count % 2 != 0;
     };
-    return sorted_sides(p) == sorted_sides(q);
+    for (const std::uint32_t ring : crossed_) {
+      const bool known = states_[ring].depth != 0;
+      if (known && crossed(ring) && !crossed(result_.parents[ring])) states_[ring].apart = true;
+    }
+    for (; crossed(inside); inside = result_.parents[inside]) states_[inside].count = 0;
+
+    std::sort(crossed_.begin(), crossed_.end(), [this](std::uint32_t a, std::uint32_t b) {
+      const RingState& p = states_[a];
+      const RingState& q = states_[b];
+      // What was entered before began further to the left, and lies around the others.
+      if ((p.depth == 0) != (q.depth == 0)) return q.depth == 0;
+      if (p.depth != q.depth) return p.depth < q.depth;
+      return p.depth == 0 ? larger(a, b) : a < b;
+    });
+    bool entered = false;
+    for (const std::uint32_t ring : crossed_) {
+      RingState& state = states_[ring];
+      if (crossed(ring)) {
+        if (state.depth == 0) {
+          result_.parents[ring] = inside;
+          state.depth = inside == kNone ? 1 : states_[inside].depth + 1;
+          state.apart = !entered;
+        } else if (result_.parents[ring] != inside && !result_.flaw) {
+          // Outside its parent it overlaps that, inside a ring within its parent this one.
+          std::uint32_t around = inside;
+          while (around != kNone && around != result_.parents[ring]) {
+            around = result_.parents[around];
+          }
+          const std::uint32_t other =
+              around == result_.parents[ring] ? inside : result_.parents[ring];
+          const kz_ulong vertex = segments_[state.first_side].vertex;
+          refuse(ErrorKind::bad_data,
+                 "ring " + std::to_string(ring) + " overlaps ring " + std::to_string(other),
+                 static_cast<kz_long>(ring), static_cast<kz_long>(vertex));
+        }
+        inside = ring;
+        entered = true;
+      }
+      state.count = 0;
+    }
+    bundle.innermost = inside;
   }
 
-  /// The innermost ring around the place just above a bundle.
-  std::uint32_t parent_above(std::uint32_t bundle) const {
-    for (auto place = status_.find(bundle);; --place) {
-      std::uint32_t innermost = kNone;
-      std::uint32_t outermost = kNone;
-      for (std::uint32_t s = bundles_[*place].first; s != kNone; s = segments_[s].next) {
-        const std::uint32_t ring = segments_[s].ring;
-        const kz_ulong depth = states_[ring].depth;
-        if (depth == 0) continue;  // it waits for its own parent
-        if (inside_is_above(segments_[s])) {
-          if (innermost == kNone || depth > states_[innermost].depth) innermost = ring;
-        } else if (outermost == kNone || depth < states_[outermost].depth) {
-          outermost = ring;
-        }
-      }
-      if (innermost != kNone) return innermost;
-      if (outermost != kNone) return result_.parents[outermost];
-      if (place == status_.begin()) return kNone;
+  /// Refuses a ring that has no side where its parent has none: it is the same ring.
+  void refuse_repetitions() {
+    for (std::size_t ring = 0; ring < states_.size(); ++ring) {
+      const std::uint32_t parent = result_.parents[ring];
+      if (!result_.has_inside[ring] || parent == kNone || states_[ring].apart) continue;
+      const auto [first, second] = std::minmax(static_cast<std::uint32_t>(ring), parent);
+      refuse(ErrorKind::bad_data,
+             "ring " + std::to_string(second) + " repeats ring " + std::to_string(first),
+             static_cast<kz_long>(second), rings_.starts[second]);
+      return;
     }
+  }
+
+  /// Whether a ring encloses more than another one, exactly; the lower number of two equal
+  /// ones counts as larger.
+  bool larger(std::uint32_t a, std::uint32_t b) const {
+    const double p = states_[a].area;
+    const double q = states_[b].area;
+    if (std::fabs(p - q) > 1e-6 * (p + q)) return p > q;
+    const int difference = compare_exactly(a, b);
+    return difference != 0 ? difference > 0 : a < b;
+  }
+
+  /// The sign of the difference of two areas.
+  int compare_exactly(std::uint32_t a, std::uint32_t b) const {
+    exact::LongSum difference;
+    const auto add_area = [&](std::uint32_t ring, double factor) {
+      const RingState& state = states_[ring];
+      exact::LongSum area;
+      const auto add_sides_to = [&](exact::LongSum& sum, double times) {
+        for (std::size_t i = 0; i < state.sides; ++i) {
+          const Segment& side = segments_[state.first_side + i];
+          const Site& p = result_.sites[side.rightward ? side.left : side.right];
+          const Site& q = result_.sites[side.rightward ? side.right : side.left];
+          sum.add_product(times * p.x, q.y);
+          sum.add_product(-times * q.x, p.y);
+        }
+      };
+      add_sides_to(area, 1.0);
+      add_sides_to(difference, factor * area.sign());
+    };
+    add_area(a, 1.0);
+    add_area(b, -1.0);
+    return difference.sign();
   }
 
   const Rings& rings_;
@@ -435,7 +460,7 @@ class Sweep {
   // Kept between sites for their memory.
   std::vector<std::uint32_t> starting_;
   std::vector<std::uint32_t> group_;
-  std::vector<std::uint32_t> waiting_;
+  std::vector<std::uint32_t> crossed_;
 };
 
 }  // namespace

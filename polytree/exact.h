@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <vector>
 
 namespace kzgis::exact {
 
@@ -58,6 +59,35 @@ class Expansion {
  private:
   std::array<double, capacity> components_{};
   std::size_t size_ = 0;
+};
+
+/// A sum of any number of doubles and products without error; see `Expansion`.
+class LongSum {
+ public:
+  void add(double term) {
+    std::size_t kept = 0;
+    for (const double component : components_) {
+      const Rounded s = sum(term, component);
+      if (s.error != 0.0) components_[kept++] = s.error;
+      term = s.value;
+    }
+    components_.resize(kept);
+    if (term != 0.0) components_.push_back(term);
+  }
+  void add_product(double a, double b) {
+    const Rounded r = product(a, b);
+    add(r.error);
+    add(r.value);
+  }
+
+  /// -1, 0 or 1.
+  int sign() const {
+    if (components_.empty()) return 0;
+    return components_.back() > 0.0 ? 1 : -1;
+  }
+
+ private:
+  std::vector<double> components_;
 };
 
 /// Whether a coordinate lies where no step below can overflow or lose bits to underflow:

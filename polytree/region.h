@@ -19,8 +19,8 @@ std::int64_t triangle_count(const KZ_GIS_PolygonNode_c& boundary);
 ///
 /// What comes back from a triangulator is believed once it is proved to tile the region.
 /// Otherwise the contours are handed over again from other first vertices, which changes
-/// the order in which edges are inserted even where the random numbers stay the same, and
-/// at last to a triangulator that decides everything exactly.
+/// the order in which edges are inserted even where the random numbers stay the same, then
+/// to a triangulator that decides everything exactly, and at last as rings that may touch.
 ///
 /// Before: `triangle_count` is not negative.
 ///

@@ -45,6 +45,11 @@ tri::TriangleArray output(kz_long n, kz_long (*triangles)[3]) {
   return {triangles == nullptr ? nullptr : &triangles[0][0], tri::triangles_in(process, n)};
 }
 
+void clear_map() {
+  process.tr.clear(process.tr_size);
+  process.qs.clear(process.qs_size);
+}
+
 }  // namespace
 
 kz_long initilize(kz_long size) {
@@ -112,12 +117,16 @@ kz_long _less_than(const tri::Point* a, const tri::Point* b) {
   return tri::less_than(*a, *b, tri::kClassicTolerance) ? 1 : 0;
 }
 
+// The tables are open to callers, who may have left anything in them: a stage that starts
+// from cleared tables clears them whole.
 kz_long construct_trapezoids(kz_long n) {
+  clear_map();
   tri::construct_trapezoids(process, n);
   return 0;
 }
 
 kz_long create_initial_structure(kz_long s) {
+  clear_map();
   return tri::create_initial_structure(process, s) ? 1 : 0;
 }
 
@@ -152,6 +161,7 @@ void refresh_segment_roots(kz_long s) {
 // The walk's list of visits grows on the standard heap, and no exception may pass from here.
 
 kz_long monotonate_trapezoids(kz_long n) {
+  process.mchain.clear(process.tr_size);
   try {
     return tri::monotonate_trapezoids(process, n);
   } catch (const std::bad_alloc&) {

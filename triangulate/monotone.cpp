@@ -325,8 +325,13 @@ ChainSlots vertex_chain_positions(const Tables& t, kz_long a, kz_long b) {
 kz_long triangulate_monotone_polygons(Tables& t, kz_long n, kz_long pieces,
                                       const TriangleArray& out) {
   t.tri_count = 0;
-  for (kz_long k = 0; k < pieces && k <= t.piece_count && t.mon.holds(k); ++k) {
+  // The tables are open to callers: a chain is followed as far as it stays inside them.
+  const auto sound = [&t](kz_long pos) {
+    return t.mchain.holds(pos) && t.vert.holds(t.mchain[pos].vertex_no);
+  };
+  for (kz_long k = 0; k < pieces && t.mon.holds(k); ++k) {
     const kz_long start = t.mon[k];
+    if (!sound(start)) break;
     if (t.mchain[start].marked != 0) continue;  // two numbers may have come to name one piece
     t.mchain[start].marked = 1;
 
@@ -336,7 +341,7 @@ kz_long triangulate_monotone_polygons(Tables& t, kz_long n, kz_long pieces,
     kz_long count = 1;
     kz_long pos = t.mchain[start].next_link;
     bool done_before = false;
-    for (; t.mchain[pos].vertex_no != first_vertex; pos = t.mchain[pos].next_link) {
+    for (; sound(pos) && t.mchain[pos].vertex_no != first_vertex; pos = t.mchain[pos].next_link) {
       if (t.mchain[pos].marked != 0) {
         done_before = true;
         break;
@@ -349,7 +354,10 @@ kz_long triangulate_monotone_polygons(Tables& t, kz_long n, kz_long pieces,
       if (less_than(point, t.vert[t.mchain[lowest].vertex_no].point, t.tolerance)) lowest = pos;
     }
     if (done_before) continue;
-    if (count < 3) break;
+    if (count < 3 || !sound(pos) || !sound(t.mchain[pos].prev_link) ||
+        !sound(t.mchain[highest].prev_link)) {
+      break;
+    }
 
     if (count == 3) {
       const ChainLink& link = t.mchain[pos];

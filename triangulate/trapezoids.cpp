@@ -412,10 +412,10 @@ bool is_left_of_segment(const Tables& t, kz_long s, const Point& v) {
 
 kz_long locate(const Tables& t, const Point& v, const Point& toward, kz_long node) {
   // No way down is longer than the number of nodes, unless a damaged map leads in circles.
-  for (kz_long steps = 0; steps < t.qs_next && node > 0 && t.qs.holds(node); ++steps) {
+  for (kz_long steps = 0; steps < t.qs_size && node > 0 && t.qs.holds(node); ++steps) {
     const QueryNode& here = t.qs[node];
     bool right = false;
-    if (here.kind == kSink && t.is_trapezoid(here.trap_no)) {
+    if (here.kind == kSink && here.trap_no >= 1 && t.tr.holds(here.trap_no)) {
       return here.trap_no;
     } else if (here.kind == kYNode) {
       right = higher(t, v, here.y_key) || (same(t, v, here.y_key) && higher(t, toward, here.y_key));

@@ -17,8 +17,9 @@ namespace kzgis {
 ///
 /// Ring r runs from `starts[r]` up to the start of the next, the last one to the end of the
 /// coordinates.  Rings may run either way, repeat their first vertex at the end or not, and
-/// come in any order.  A point is inside the polygon when an odd number of rings wind round
-/// it: holes and islands need no marking.
+/// come in any order.  A point is inside the polygon when a ray from it crosses an odd number
+/// of sides: holes and islands need no marking.  Coordinates are 0 or have magnitudes from
+/// 2^-480 to 2^500.
 struct Rings {
   std::span<const double> x;
   std::span<const double> y;        ///< as many as x; any unit
@@ -52,8 +53,10 @@ struct Nesting {
 /// Cuts a polygon into triangles, without adding vertices.
 ///
 /// Rings may touch themselves and each other, in a vertex or along edges, and have repeated
-/// vertices, spikes without area and runs of vertices on one line.  They may not cross, nor
-/// repeat one another.  The same input gives the same triangles.
+/// vertices, spikes without area and runs of vertices on one line.  They may not cross or
+/// overlap, nor repeat one another.  Where a touch lies within a few units in the last place
+/// of another vertex or side, doubles may not suffice to part the corners: that is refused as
+/// `ErrorKind::too_fine`, never guessed.  The same input gives the same triangles.
 ///
 /// The plane sweep is that of M. I. Shamos and D. Hoey, "Geometric intersection problems"
 /// (1976), in exact arithmetic; the triangles are those of R. Seidel (1991).

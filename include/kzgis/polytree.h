@@ -225,20 +225,24 @@ class KZGIS_EXPORT KZ_GIS_PolygonTree_c {
 
   /// Cuts every boundary, less its holes, into triangles without new vertices.
   ///
-  /// Triangles are counter-clockwise, or flat where three vertices lie on a line.  A
+  /// Triangles are counter-clockwise, or flat where three vertices lie on a line.  Where a
+  /// ring touches itself or another, fewer are needed than were announced: flat ones that
+  /// name a vertex twice make up the number.  A
   /// boundary's triangles stand behind those of the islands in its holes; otherwise in the
   /// order of the tree.  Each boundary's triangles are checked, exactly, to tile it.  They
   /// come from `triangulate_polygon`, on the tables of the process, so that only one
   /// triangulation may run at a time; where that fails, from
-  /// `kzgis::triangulation::Workspace`.
+  /// `kzgis::triangulation::Workspace`, and at last from `kzgis::triangulate`, which takes
+  /// rings that touch.
   ///
   /// @param count        number of indices written
   /// @param connections  takes three indices into the coordinate arrays per triangle; has
   ///                     room for as many as `NumberOfConnections` gives, and no more are
   ///                     written
-  /// @return 1; 2 when a boundary could not be triangulated: its rings cross, touch or run
-  ///         the wrong way; 14 without memory.  After a failure `*count` and `connections`
-  ///         hold the boundaries before that one, complete.  An empty tree leaves both alone
+  /// @return 1; 2 when a boundary could not be triangulated: its rings cross or run
+  ///         the wrong way, or touch too closely; 14 without memory.  After a failure `*count` and
+  ///         `connections` hold the boundaries before that one, complete.  An empty tree leaves
+  ///         both alone
   kz_ulong Triangulate(kz_ulong* count, kz_ulong* connections) const;
 
  private:

@@ -311,8 +311,8 @@ class KZGIS_EXPORT Workspace {
   /// @param vertices   all of them, contour after contour
   /// @param tolerance  vertices whose heights differ by no more are ordered by x; >= 0.
   ///                   With 0 every decision is exact: a polygon that meets the
-  ///                   requirements, at any scale, is `complete` with any seed, but for
-  ///                   one whose query nodes outgrow ten per vertex: none known
+  ///                   requirements, with magnitudes from 1e-140 to 1e150, is `complete` with any
+  ///                   seed, but for one whose query nodes outgrow ten per vertex: none known
   /// @param seed       chooses the insertion order: the same input gives the same triangles
   /// @param out        takes three numbers per triangle, N + 2 (contours - 1) - 2 triangles
   Result run(std::span<const kz_long> contours, std::span<const Point> vertices, double tolerance,

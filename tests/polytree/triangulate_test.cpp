@@ -169,6 +169,11 @@ TEST(TriangulateRefuses, AHoleThatReachesOut) {
   expect_refused({boundary(0.0, 0.0, 9.0, 9.0), hole(3.0, 3.0, 12.0, 6.0)});
 }
 
+TEST(TriangulateRefuses, ASmallHoleThatReachesOutThroughVertices) {
+  expect_refused({{{0, 0}, {0, 1e6}, {1e6, 1e6}, {1e6, 500001}, {1e6, 500000}, {1e6, 0}},
+                  {{1e6, 500000}, {1e6 + 1, 500000.5}, {1e6, 500001}, {999999, 500000.5}}});
+}
+
 TEST(TriangulateRefuses, HolesThatOverlap) {
   // The second's first vertex lies outside the first, so that both are holes.
   expect_refused({boundary(0.0, 0.0, 19.0, 19.0),

@@ -323,4 +323,27 @@ TEST_F(TriangulateMonotonePolygons, AConvexChainIsOnePiece) {
   EXPECT_EQ(flaw_of(polygon, as_list(triangles, 48), 1), "");
 }
 
+TEST_F(TriangulateMonotonePolygons, TakesPiecesMadeByHand) {
+  // Two triangles, each a chain of three links of its own.
+  ASSERT_EQ(initilize(7), 0);
+  const double x[] = {0.0, 1.0, 0.0, 5.0, 6.0, 5.0};
+  const double y[] = {0.0, 0.0, 1.0, 0.0, 0.0, 1.0};
+  for (kz_long v = 1; v <= 6; ++v) {
+    const kz_long first = v <= 3 ? 1 : 4;
+    vert[v].point = {x[v - 1], y[v - 1]};
+    mchain[v].vertex_no = v;
+    mchain[v].next_link = first + (v - first + 1) % 3;
+    mchain[v].prev_link = first + (v - first + 2) % 3;
+  }
+  mon[0] = 1;
+  mon[1] = 4;
+  kz_long triangles[4][3] = {};
+  EXPECT_EQ(triangulate_monotone_polygons(6, 2, triangles), 2);
+  // A chain that leaves the tables ends the cutting.
+  for (kz_long v = 1; v <= 6; ++v) mchain[v].marked = 0;
+  mchain[2].next_link = 1000000;
+  EXPECT_EQ(triangulate_monotone_polygons(6, 2, triangles), 0);
+  release_tables();
+}
+
 }  // namespace

@@ -471,4 +471,31 @@ TEST_F(ConstructTrapezoids, OfNothingDoesNothing) {
   EXPECT_EQ(err.text(), "");
 }
 
+// The tables are open: what a caller puts there by hand is found.
+TEST_F(LocateEndpoint, SearchesAMapMadeByHand) {
+  ASSERT_EQ(initilize(5), 0);
+  qs[1].kind = 2;
+  qs[1].y_key = {0.0, 1.0};
+  qs[1].left_child = 2;
+  qs[1].right_child = 3;
+  qs[2].kind = qs[3].kind = 3;
+  qs[2].trap_no = 7;
+  qs[3].trap_no = 9;
+  const Point low{0.0, 0.0};
+  const Point high{0.0, 2.0};
+  EXPECT_EQ(locate_endpoint(&high, &high, 1), 9);
+  EXPECT_EQ(locate_endpoint(&low, &low, 1), 7);
+  release_tables();
+}
+
+TEST_F(CreateInitialStructure, ClearsTheWholeTables) {
+  make_contour({{0.0, 0.0}, {2.0, 1.0}, {1.0, 3.0}});
+  tr[TRSIZE - 1].status = 99;
+  qs[QSIZE - 1].kind = 9;
+  EXPECT_EQ(create_initial_structure(1), 1);
+  EXPECT_EQ(tr[TRSIZE - 1].status, 0);
+  EXPECT_EQ(qs[QSIZE - 1].kind, 0);
+  release_tables();
+}
+
 }  // namespace
