@@ -10,6 +10,7 @@
 #include "tools/map/map_command.h"
 #include "tools/project/project_command.h"
 #include "tools/support/report.h"
+#include "tools/triangulate/triangulate_command.h"
 
 namespace {
 
@@ -20,11 +21,14 @@ constexpr const char* kExamples =
     "Start with:\n"
     "  kzgis info countries.shp\n"
     "  kzgis map countries.shp -o world.png --to orthographic --base 45,10\n"
+    "  kzgis triangulate countries.shp -o countries.obj\n"
     "  echo 48.2,16.37 | kzgis project --to mercator\n";
 
 int run(int argc, char** argv) {
-  CLI::App app("Geographic utilities: look into geodata files, project coordinates, draw maps.",
-               "kzgis");
+  CLI::App app(
+      "Geographic utilities: look into geodata files, project coordinates, turn polygons "
+      "into triangles, draw maps.",
+      "kzgis");
   app.set_version_flag("--version", KZGIS_VERSION);
   app.require_subcommand(0, 1);
   app.footer(kExamples);
@@ -32,6 +36,7 @@ int run(int argc, char** argv) {
   kzgis::tools::add_info_command(app, exit_code);
   kzgis::tools::add_project_command(app, exit_code);
   kzgis::tools::add_map_command(app, exit_code);
+  kzgis::tools::add_triangulate_command(app, exit_code);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -40,7 +45,8 @@ int run(int argc, char** argv) {
     return kMisused;
   }
   if (app.get_subcommands().empty()) {
-    kzgis::tools::report("a subcommand is missing: info, project or map (see kzgis --help)");
+    kzgis::tools::report(
+        "a subcommand is missing: info, project, map or triangulate (see kzgis --help)");
     return kMisused;
   }
   return exit_code;

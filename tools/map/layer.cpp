@@ -5,9 +5,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 #include "kzgis/shape.h"
@@ -20,13 +20,8 @@ namespace kzgis::map {
 namespace {
 
 using tools::CommandError;
-using tools::RecordState;
 using tools::ShapeRecord;
 using tools::ShapeRecords;
-
-// A file that is damaged all through is not worth a line for every record.
-constexpr int kMostComplaints = 20;
-constexpr int kMostFailures = 1000;
 
 GeoLine join(std::span<const double> x, std::span<const double> y) {
   GeoLine line;
@@ -35,12 +30,12 @@ GeoLine join(std::span<const double> x, std::span<const double> y) {
   return line;
 }
 
-std::optional<Parts> parts_of(const ShapeRecord& record, LayerKind kind) {
+Parts parts_of(const ShapeRecord& record, LayerKind kind) {
   if (kind == LayerKind::points) return Parts{join(record.x, record.y)};
   const auto x = ShapeRecords::split(record, record.x);
   const auto y = ShapeRecords::split(record, record.y);
-  if (!x || !y) return std::nullopt;
   Parts parts;
+  if (!x || !y) return parts;
   for (std::size_t i = 0; i < x->size(); ++i) parts.push_back(join((*x)[i], (*y)[i]));
   return parts;
 }
@@ -72,56 +67,24 @@ LayerKind kind_of(kz_long type) {
 
 }  // namespace
 
-Layer read_layer(const std::string& file, const Complain& complain) {
+Layer read_layer(const std::string& file, const tools::Complain& complain) {
   ShapeRecords records(file);
   const kz_ulong valid = records.file().ShapeHeader().ValidateFileHeader();
   // A box without extent, of a single point say, is no reason to refuse the file.
   if (valid != status::success && valid != status::bad_bounding_box) {
     throw CommandError(file + ": no shapefile that can be drawn: " + tools::status_text(valid));
   }
-  if (records.index_is_cut()) complain(file + ": the index is shorter than its header says");
-
   Layer layer;
   layer.kind = kind_of(records.type());
-  // More points than the file has room for are the same bytes again.
-  constexpr std::uintmax_t kPointBytes = 16;
-  std::uintmax_t points_left = records.shape_bytes() / kPointBytes;
-  int failures = 0;
-  const auto fail = [&](kz_long number, const std::string& why) {
-    if (++failures <= kMostComplaints) {
-      complain(file + ": record " + std::to_string(number) + " cannot be read: " + why);
-    }
-  };
-
   tools::Progress progress("reading " + file, static_cast<std::uint64_t>(records.count()));
-  for (kz_long n = 1; n <= records.count() && failures < kMostFailures; ++n) {
-    progress.update(static_cast<std::uint64_t>(n));
-    ShapeRecord record;
-    const RecordState state = records.read(n, record);
-    if (state == RecordState::null) continue;
-    if (state == RecordState::failed) {
-      fail(n, records.failure());
-      continue;
-    }
-    std::optional<Parts> parts = parts_of(record, layer.kind);
-    if (!parts) {
-      fail(n, "its parts do not follow each other");
-      continue;
-    }
-    const std::size_t points = count_points(*parts);
-    if (points > points_left) {
-      fail(n, "the records together hold more points than the file");
-      break;
-    }
-    points_left -= points;
-    check_degrees(file, n, *parts);
-    if (points > 0) layer.records.push_back(std::move(*parts));
-  }
-  if (failures > kMostComplaints) {
-    complain(file + ": " + std::to_string(failures - kMostComplaints) +
-             (failures == kMostFailures ? " more records cannot be read; the rest is left out"
-                                        : " more records cannot be read"));
-  }
+  tools::walk_records(records, {1, records.count()}, progress, complain,
+                      [&](kz_long number, const ShapeRecord& record) {
+                        Parts parts = parts_of(record, layer.kind);
+                        check_degrees(file, number, parts);
+                        if (count_points(parts) == 0) return;
+                        layer.records.push_back(std::move(parts));
+                        layer.numbers.push_back(number);
+                      });
   return layer;
 }
 

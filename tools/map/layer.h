@@ -1,11 +1,12 @@
 #ifndef KZGIS_TOOLS_MAP_LAYER_H
 #define KZGIS_TOOLS_MAP_LAYER_H
 
-#include <functional>
 #include <string>
 #include <vector>
 
+#include "kzgis/types.h"
 #include "tools/map/geo.h"
+#include "tools/support/record_walk.h"
 
 namespace kzgis::map {
 
@@ -16,17 +17,15 @@ using Parts = std::vector<GeoLine>;
 
 struct Layer {
   LayerKind kind = LayerKind::points;
-  std::vector<Parts> records;  ///< null and empty records are left out
+  std::vector<Parts> records;         ///< null and empty records are left out
+  std::vector<kz_long> numbers = {};  ///< of each of them in the file, counted from 1
 };
-
-/// Receives one line, without a line end, on each record that could not be read.
-using Complain = std::function<void(const std::string&)>;
 
 /// Reads a whole shapefile.
 ///
 /// A record that cannot be read is complained of and skipped.  Throws `tools::CommandError`
 /// when the file is no shapefile or its coordinates are not degrees.
-Layer read_layer(const std::string& file, const Complain& complain);
+Layer read_layer(const std::string& file, const tools::Complain& complain);
 
 }  // namespace kzgis::map
 

@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/map/layer.h"
@@ -17,9 +18,11 @@
 #include "tools/map/plane.h"
 #include "tools/map/render.h"
 #include "tools/map/style.h"
+#include "tools/map/triangle_sides.h"
 #include "tools/support/command_error.h"
 #include "tools/support/number_text.h"
 #include "tools/support/output_file.h"
+#include "tools/support/progress.h"
 #include "tools/support/projection_options.h"
 #include "tools/support/report.h"
 
@@ -39,6 +42,7 @@ struct MapOptions {
   std::string size;
   double graticule_deg = 15.0;
   std::string title;
+  bool mesh = false;
 };
 
 constexpr const char* kExamples = R"(
@@ -51,6 +55,8 @@ Examples:
   Europe on a cone, for a printer:
     kzgis map countries.shp --style countries --to albers --parallels 43,62 \
         --box 34,-12,71,42 -o europe.pdf
+  The countries as a mesh of triangles:
+    kzgis map countries.shp --style countries --mesh -o mesh.png
   The Arctic, within 40 degrees of the pole, to a pipe:
     kzgis map land.shp --to stereographic --base 90,0 --horizon 40 \
         -o - --format png | display
@@ -76,10 +82,7 @@ Format choose_format(const MapOptions& options) {
   if (options.output == "-") {
     throw CLI::ValidationError("--output", "standard output needs --format png, svg or pdf");
   }
-  const std::size_t dot = options.output.find_last_of("./");
-  if (dot != std::string::npos && options.output[dot] == '.') {
-    if (const auto format = format_named(options.output.substr(dot + 1))) return *format;
-  }
+  if (const auto format = format_named(tools::ending_of(options.output))) return *format;
   throw CLI::ValidationError(
       "--output",
       "'" + options.output + "' does not end in .png, .svg or .pdf, and no --format says which");
@@ -161,6 +164,21 @@ const char* kind_name(LayerKind kind) {
   }
 }
 
+/// A record that cannot be triangulated is complained of and drawn without triangles.
+void add_mesh(const std::string& file, StyledLayer& styled, const tools::Complain& complain) {
+  const Layer& layer = styled.layer;
+  if (layer.kind != LayerKind::polygons) return;
+  tools::Progress progress("triangulating " + file, layer.records.size());
+  for (std::size_t i = 0; i < layer.records.size(); ++i) {
+    progress.update(i);
+    TriangleSides sides = triangle_sides(layer.records[i]);
+    if (sides.flaw) {
+      complain(file + ": record " + std::to_string(layer.numbers[i]) + ": " + sides.flaw.message);
+    }
+    styled.mesh.push_back(std::move(sides.lines));
+  }
+}
+
 std::vector<StyledLayer> read_layers(const MapOptions& options, int& exit_code) {
   if (options.styles.size() > options.files.size()) {
     throw CLI::ValidationError("--style", std::to_string(options.styles.size()) + " styles for " +
@@ -181,7 +199,9 @@ std::vector<StyledLayer> read_layers(const MapOptions& options, int& exit_code) 
                            ", which cannot be drawn as " + role_name(role));
       }
     }
-    layers.push_back({std::move(layer), role});
+    StyledLayer styled{std::move(layer), role};
+    if (options.mesh) add_mesh(options.files[i], styled, complain);
+    layers.push_back(std::move(styled));
   }
   return layers;
 }
@@ -267,6 +287,7 @@ void add_map_command(CLI::App& app, int& exit_code) {
         return map::format_named(name) ? std::string() : "'" + name + "' is none of png, svg, pdf";
       });
   command->add_option("--title", options->title, "A line of text above the map")->type_name("TEXT");
+  command->add_flag("--mesh", options->mesh, "Draw the triangles that polygons are made of");
   command->footer(map::kExamples);
   command->callback([options, &exit_code] { map::run(*options, exit_code); });
 }

@@ -80,6 +80,7 @@ class Painter {
       cairo_fill(cairo_);
     }
     stroke(stroke_path(page_, mosaic.borders), colours::border, 1.0);
+    mesh(styled);
     const Colour shore = styled.role == Role::water ? colours::river : colours::coast;
     for (const Shape& shape : shapes) stroke(stroke_path(page_, shape.outlines), shore, 0.85);
   }
@@ -94,6 +95,15 @@ class Painter {
                                     ? prepare_polygon(record, base_lon()).outlines
                                     : prepare_lines(record, base_lon())),
              colour, width);
+    }
+    mesh(styled);
+  }
+
+  // A side is straight in degrees, however long: none is taken the short way round the globe.
+  void mesh(const StyledLayer& styled) {
+    for (std::vector<GeoLine> sides : styled.mesh) {
+      shift_longitudes(sides, base_lon());
+      stroke(stroke_path(page_, sides), colours::mesh, 0.5);
     }
   }
 

@@ -16,6 +16,9 @@ namespace kzgis::map {
 struct StyledLayer {
   Layer layer;
   Role role = Role::land;
+  /// Of each record the sides between its triangles, in degrees as the file has them; empty
+  /// when they are not to be drawn.
+  std::vector<std::vector<GeoLine>> mesh = {};
 };
 
 /// What a picture looks like apart from its layers.

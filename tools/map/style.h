@@ -38,6 +38,7 @@ inline constexpr Colour border{0.996, 0.992, 0.980};       // between tinted cou
 inline constexpr Colour border_line{0.620, 0.525, 0.545};  // a layer of its own
 inline constexpr Colour graticule{0.302, 0.443, 0.541};
 inline constexpr Colour frame{0.290, 0.369, 0.427};
+inline constexpr Colour mesh{0.502, 0.565, 0.604};
 inline constexpr Colour places{0.690, 0.263, 0.204};
 inline constexpr Colour text{0.220, 0.259, 0.290};
 }  // namespace colours

@@ -58,13 +58,13 @@ void add_line(std::vector<GeoLine>& lines, const Geo& a, const Geo& b, bool cont
   }
 }
 
+}  // namespace
+
 void shift_longitudes(std::vector<GeoLine>& lines, double base_lon) {
   for (GeoLine& line : lines) {
     for (Geo& p : line) p.lon -= base_lon;
   }
 }
-
-}  // namespace
 
 GeoLine unwrap_line(const GeoLine& line) {
   GeoLine out = finite_points(line);

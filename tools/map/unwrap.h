@@ -39,6 +39,9 @@ struct Shape {
 /// Prepares a polygon record; longitudes come out relative to `base_lon`.
 Shape prepare_polygon(const std::vector<GeoLine>& parts, double base_lon);
 
+/// Makes longitudes relative to `base_lon`.
+void shift_longitudes(std::vector<GeoLine>& lines, double base_lon);
+
 /// Prepares an arc record; longitudes come out relative to `base_lon`.
 std::vector<GeoLine> prepare_lines(const std::vector<GeoLine>& parts, double base_lon);
 

@@ -31,7 +31,6 @@ namespace {
 
 struct Options {
   ProjectionOptions projection;
-  std::optional<double> radius;
   std::vector<std::string> columns;  ///< names or positions, two or three
   bool inverse = false;
   bool dms = false;
@@ -78,15 +77,8 @@ class RecordProjector {
  public:
   explicit RecordProjector(const Options& options)
       : options_(options),
-        projection_(options.projection.type(),
-                    options.radius.value_or(Projection().fetchGlobeRadius()),
-                    options.projection.base.value_or(NumberPair{}).first,
-                    options.projection.base.value_or(NumberPair{}).second) {
-    if (options.projection.parallels) {
-      projection_.setFirstPar(options.projection.parallels->first);
-      projection_.setSecondPar(options.projection.parallels->second);
-    }
-  }
+        projection_(
+            make_projection(options.projection, options.projection.base.value_or(NumberPair{}))) {}
 
   /// Settles the columns by the first record; true when that record is a header: when
   /// columns are asked for by name, or none of its fields, two at least, is a number.
@@ -186,23 +178,9 @@ std::vector<std::string> parse_columns(const std::string& text) {
 bool has_inverse(projType type) { return Projection(type).FromTo(0.0, 0.0, 0.0) != nullptr; }
 
 void check_options(const Options& options) {
-  const projType type = options.projection.type();
-  const std::string name = options.projection.name;
-  if (needs_parallels(type) && !options.projection.parallels) {
-    throw CommandError(name + " needs two standard parallels: --parallels P1,P2");
-  }
-  // These are drawn about the base latitude's parallel, and the equator's has no centre.
-  const bool equal_parallels =
-      options.projection.parallels &&
-      options.projection.parallels->first == options.projection.parallels->second;
-  const bool needs_base = type == BonneProj || (type == AlbersProj && !equal_parallels) ||
-                          (type == LambertConicProj && equal_parallels);
-  constexpr double kEquator_deg = 1e-6;
-  if (needs_base && std::abs(options.projection.base.value_or(NumberPair{}).first) < kEquator_deg) {
-    throw CommandError(name + " needs a base latitude other than 0: --base LAT,LON");
-  }
-  if (options.inverse && !has_inverse(type)) {
-    throw CommandError(name + " has no inverse");
+  check_projection(options.projection);
+  if (options.inverse && !has_inverse(options.projection.type())) {
+    throw CommandError(options.projection.name + " has no inverse");
   }
 }
 
@@ -308,13 +286,7 @@ void add_project_command(CLI::App& app, int& exit_code) {
       *app.add_subcommand("project", "Turn coordinates into world coordinates, or back");
   add_projection_options(command, options->projection);
   command.get_option("--to")->required();
-  command.add_option("--radius", options->radius, "Radius of the globe, in any unit (6378000)")
-      ->type_name("R")
-      ->check([](const std::string& text) {
-        return parse_number(text).value_or(-1.0) >= 0.0
-                   ? std::string()
-                   : in_quotes(text) + " is no radius; one is a number, 0 or more";
-      });
+  add_radius_option(command, options->projection);
   command.add_flag("--inverse", options->inverse, "World coordinates to latitudes and longitudes");
   command.add_flag("--dms", options->dms,
                    "Angles are degrees:minutes:seconds, read as 45:30:00, 45d30m0s or 45d30'0\"S");

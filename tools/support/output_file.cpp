@@ -13,6 +13,11 @@
 
 namespace kzgis::tools {
 
+std::string ending_of(const std::string& path) {
+  const std::size_t dot = path.find_last_of("./");
+  return dot != std::string::npos && path[dot] == '.' ? path.substr(dot + 1) : std::string();
+}
+
 OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
   if (path_ == "-") return;
   // A device or a pipe cannot be replaced by a rename: it is written as it stands.

@@ -9,6 +9,9 @@
 
 namespace kzgis::tools {
 
+/// What stands behind the last dot of a file's name: "png"; empty without one.
+std::string ending_of(const std::string& path);
+
 /// A file written under a temporary name beside its own and renamed when complete, so
 /// that a half-written one is never taken for the result; or standard output.
 class OutputFile {

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "tools/support/command_error.h"
 #include "tools/support/number_text.h"
 #include "tools/support/report.h"
 
@@ -56,8 +57,9 @@ std::string projection_names() {
   return names;
 }
 
-void add_projection_options(CLI::App& command, ProjectionOptions& options) {
-  command.add_option("--to", options.name, "Projection, one of: " + projection_names())
+void add_projection_options(CLI::App& command, ProjectionOptions& options,
+                            const std::string& name_option) {
+  command.add_option(name_option, options.name, "Projection, one of: " + projection_names())
       ->type_name("NAME")
       ->check([](const std::string& name) {
         return find_type(name)
@@ -91,6 +93,42 @@ void add_projection_options(CLI::App& command, ProjectionOptions& options) {
           },
           "Standard parallels of the two conics (and true scale of mercator, the first)")
       ->type_name("P1,P2");
+}
+
+void add_radius_option(CLI::App& command, ProjectionOptions& options) {
+  command.add_option("--radius", options.radius, "Radius of the globe, in any unit (6378000)")
+      ->type_name("R")
+      ->check([](const std::string& text) {
+        return parse_number(text).value_or(-1.0) >= 0.0
+                   ? std::string()
+                   : in_quotes(text) + " is no radius; one is a number, 0 or more";
+      });
+}
+
+void check_projection(const ProjectionOptions& options) {
+  const projType type = options.type();
+  if (needs_parallels(type) && !options.parallels) {
+    throw CommandError(options.name + " needs two standard parallels: --parallels P1,P2");
+  }
+  // These are drawn about the base latitude's parallel, and the equator's has no centre.
+  const bool equal_parallels =
+      options.parallels && options.parallels->first == options.parallels->second;
+  const bool needs_base = type == BonneProj || (type == AlbersProj && !equal_parallels) ||
+                          (type == LambertConicProj && equal_parallels);
+  constexpr double kEquator_deg = 1e-6;
+  if (needs_base && std::abs(options.base.value_or(NumberPair{}).first) < kEquator_deg) {
+    throw CommandError(options.name + " needs a base latitude other than 0: --base LAT,LON");
+  }
+}
+
+Projection make_projection(const ProjectionOptions& options, const NumberPair& base) {
+  Projection projection(options.type(), options.radius.value_or(Projection().fetchGlobeRadius()),
+                        base.first, base.second);
+  if (options.parallels) {
+    projection.setFirstPar(options.parallels->first);
+    projection.setSecondPar(options.parallels->second);
+  }
+  return projection;
 }
 
 }  // namespace kzgis::tools

@@ -15,12 +15,13 @@ namespace kzgis::tools {
 /// A pair given as "A,B".
 using NumberPair = std::pair<double, double>;
 
-/// What --to, --base and --parallels say.  The library takes an unknown name for
+/// What --to, --base, --parallels and --radius say.  The library takes an unknown name for
 /// Cartesian, silently; people are told.
 struct ProjectionOptions {
   std::string name = "cartesian";
   std::optional<NumberPair> base;       ///< latitude, longitude in degrees
   std::optional<NumberPair> parallels;  ///< standard parallels in degrees, above 0 to 90
+  std::optional<double> radius;         ///< of the globe, in any unit
 
   /// The type that `name` stands for.
   projType type() const;
@@ -29,8 +30,19 @@ struct ProjectionOptions {
 /// True for the two projections that need two standard parallels.
 bool needs_parallels(projType type);
 
-/// Adds --to, --base and --parallels, each checked as it is read.
-void add_projection_options(CLI::App& command, ProjectionOptions& options);
+/// Adds --base, --parallels and the option that names the projection, each checked as it is
+/// read.
+void add_projection_options(CLI::App& command, ProjectionOptions& options,
+                            const std::string& name_option = "--to");
+
+/// Adds --radius.
+void add_radius_option(CLI::App& command, ProjectionOptions& options);
+
+/// Throws `CommandError` when the projection needs more than the options give it.
+void check_projection(const ProjectionOptions& options);
+
+/// The projection that the options describe, about the given base point.
+Projection make_projection(const ProjectionOptions& options, const NumberPair& base);
 
 /// The fifteen names, separated by ", ".
 std::string projection_names();

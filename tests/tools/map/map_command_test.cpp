@@ -156,6 +156,33 @@ TEST_F(MapCommand, AnUnreadableRecordIsReportedAndTheOthersAreDrawn) {
   EXPECT_TRUE(exists(path("a.png")));
 }
 
+TEST_F(MapCommand, MeshDrawsTheSidesBetweenTriangles) {
+  const auto strokes = [this](const char* name) {
+    std::ifstream in(path(name));
+    std::stringstream text;
+    text << in.rdbuf();
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = text.str().find("stroke-width", at)) != std::string::npos; ++at)
+      ++count;
+    return count;
+  };
+  run({land_, route_, "--graticule", "0", "-o", path("a.svg")});
+  const Outcome outcome = run({land_, route_, "--graticule", "0", "--mesh", "-o", path("b.svg")});
+  EXPECT_EQ(outcome.failure + outcome.usage_error + outcome.standard_error, "");
+  EXPECT_EQ(strokes("b.svg"), strokes("a.svg") + 1);  // the square's diagonal
+}
+
+TEST_F(MapCommand, MeshNamesARecordThatIsNoPolygonAndDrawsItWithout) {
+  const std::vector<Point> bow{{0, 0}, {20, 20}, {20, 0}, {0, 20}, {0, 0}};
+  const std::string file =
+      write(ShapefileWriter(5).add(null_content()).add(arc_content({0}, bow, 5)), "bow") + ".shp";
+  const Outcome outcome = run({file, "--mesh", "-o", path("a.png")});
+  EXPECT_EQ(outcome.exit_code, 1);
+  EXPECT_EQ(outcome.standard_error,
+            "kzgis: " + file + ": record 2: ring 0 crosses itself (sides from vertices 0 and 2)\n");
+  EXPECT_TRUE(exists(path("a.png")));
+}
+
 TEST_F(MapCommand, DrawsEveryProjectionOnStripsOfPaperToo) {
   for (const char* name :
        {"cartesian", "mercator", "lambert cylindrical", "gnomonic", "stereographic", "orthographic",

@@ -1,0 +1,30 @@
+#include "tools/map/triangle_sides.h"
+
+#include <utility>
+
+#include "kzgis/types.h"
+#include "tools/support/mesh_edges.h"
+
+namespace kzgis::map {
+
+TriangleSides triangle_sides(const Parts& rings) {
+  std::vector<double> x;
+  std::vector<double> y;
+  std::vector<kz_long> starts;
+  for (const GeoLine& ring : rings) {
+    starts.push_back(static_cast<kz_long>(x.size()));
+    for (const Geo& p : ring) {
+      x.push_back(p.lon);
+      y.push_back(p.lat);
+    }
+  }
+  Mesh mesh = triangulate({x, y, starts});
+  TriangleSides sides;
+  sides.flaw = std::move(mesh.flaw);
+  for (const auto& [from, to] : tools::mesh_edges(mesh.triangles).inner) {
+    sides.lines.push_back({{x[from], y[from]}, {x[to], y[to]}});
+  }
+  return sides;
+}
+
+}  // namespace kzgis::map

@@ -1,0 +1,28 @@
+// The edges of a triangle mesh, for drawing.
+
+#ifndef KZGIS_TOOLS_SUPPORT_MESH_EDGES_H
+#define KZGIS_TOOLS_SUPPORT_MESH_EDGES_H
+
+#include <kzgis/types.h>
+
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace kzgis::tools {
+
+/// Two vertex numbers, the smaller one first.
+using MeshEdge = std::pair<kz_ulong, kz_ulong>;
+
+/// Every edge once, in ascending order.
+struct MeshEdges {
+  std::vector<MeshEdge> inner;   ///< between two triangles
+  std::vector<MeshEdge> border;  ///< of one triangle
+};
+
+/// @param triangles  three vertex numbers each
+MeshEdges mesh_edges(std::span<const kz_ulong> triangles);
+
+}  // namespace kzgis::tools
+
+#endif

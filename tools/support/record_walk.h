@@ -1,0 +1,42 @@
+// Going through the records of a shapefile, damaged ones and hostile files included.
+
+#ifndef KZGIS_TOOLS_SUPPORT_RECORD_WALK_H
+#define KZGIS_TOOLS_SUPPORT_RECORD_WALK_H
+
+#include <functional>
+#include <string>
+
+#include "tools/support/progress.h"
+#include "tools/support/shape_records.h"
+
+namespace kzgis::tools {
+
+/// Receives one line, without a line end, on each record that could not be read.
+using Complain = std::function<void(const std::string&)>;
+
+/// Records of a file, counted from 1, both ends included.
+struct RecordRange {
+  kz_long first = 1;
+  kz_long last = 1;
+};
+
+/// How many records of a walk were not handed on.
+struct RecordTally {
+  kz_long null = 0;
+  kz_long failed = 0;
+};
+
+/// Hands the records of the range to `use`, one after another, with their numbers.
+///
+/// Their parts follow each other within the points.  A record that cannot be read is
+/// complained of and passed over; after a thousand of them the walk ends, and so it does
+/// when the records hold more points than the file has room for.
+///
+/// @param range  within the file's records
+RecordTally walk_records(ShapeRecords& records, RecordRange range, Progress& progress,
+                         const Complain& complain,
+                         const std::function<void(kz_long, const ShapeRecord&)>& use);
+
+}  // namespace kzgis::tools
+
+#endif

@@ -1,0 +1,200 @@
+#include "tools/triangulate/mesh_projector.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <numbers>
+#include <vector>
+
+#include "tools/support/number_text.h"
+
+namespace kzgis::tools {
+
+namespace {
+
+constexpr double kDegree = std::numbers::pi / 180.0;
+// Files cut at the antimeridian miss it by this much at most.
+constexpr double kSeamTolerance_deg = 1e-6;
+
+/// The projections about a point have no meridian where they are torn.
+bool is_torn(projType type) {
+  const bool azimuthal = type >= GnomonicProj && type <= LambertAzimuthalProj;
+  return !azimuthal && type != GlobeProj;
+}
+
+// With the base on meridian 180 longitudes from -180 to 180 about it become 0 to 360, which
+// the library leaves as they are.  Cartesian wraps differences and clamps latitude ones: it
+// gets its base in the corner, and the origin is moved afterwards.
+NumberPair library_base(projType type, const NumberPair& base) {
+  if (type == CartesianProj) return {0.0, 0.0};
+  return {base.first, is_torn(type) ? 180.0 : base.second};
+}
+
+std::size_t end_of(const Rings& rings, std::size_t ring) {
+  return ring + 1 < rings.starts.size() ? static_cast<std::size_t>(rings.starts[ring + 1])
+                                        : rings.x.size();
+}
+
+/// Where the rings go once round the globe: those that begin at their western end, and what
+/// lies in them.  Else none.
+std::vector<bool> rings_at_west_end(const Rings& rings) {
+  const std::size_t count = rings.starts.size();
+  std::vector<bool> chosen(count, false);
+  if (rings.x.empty()) return chosen;
+  const auto [west, east] = std::ranges::minmax(rings.x);
+  if (east - west < 360.0 - kSeamTolerance_deg) return chosen;
+  std::vector<bool> begins_there(count, false);
+  for (std::size_t r = 0; r < count; ++r) {
+    for (auto v = static_cast<std::size_t>(rings.starts[r]); v < end_of(rings, r); ++v) {
+      if (rings.x[v] <= west + kSeamTolerance_deg) begins_there[r] = true;
+    }
+  }
+  std::vector<kz_long> parent = nest(rings).parent;
+  const auto up = [&parent](std::size_t r) { return static_cast<std::size_t>(parent[r]); };
+  for (std::size_t r = 0; r < parent.size(); ++r) {
+    std::size_t outermost = r;
+    for (; parent[outermost] >= 0; outermost = up(outermost)) {
+      // Halving the way for those who come later keeps deep nesting cheap.
+      if (parent[up(outermost)] >= 0) parent[outermost] = parent[up(outermost)];
+    }
+    chosen[r] = begins_there[outermost];
+  }
+  return chosen;
+}
+
+/// The mesh of some of the rings, with the vertex numbers of all; on a flaw, the ring's number
+/// is right and the vertex's is not.
+Mesh triangulate_some(const Rings& rings, const std::vector<bool>& chosen) {
+  std::vector<double> x;
+  std::vector<double> y;
+  std::vector<kz_long> starts;
+  std::vector<kz_ulong> number;
+  for (std::size_t r = 0; r < rings.starts.size(); ++r) {
+    starts.push_back(static_cast<kz_long>(x.size()));
+    if (!chosen[r]) continue;  // an empty ring
+    for (auto v = static_cast<std::size_t>(rings.starts[r]); v < end_of(rings, r); ++v) {
+      x.push_back(rings.x[v]);
+      y.push_back(rings.y[v]);
+      number.push_back(static_cast<kz_ulong>(v));
+    }
+  }
+  Mesh mesh = triangulate({x, y, starts});
+  for (kz_ulong& vertex : mesh.triangles) vertex = number[vertex];
+  return mesh;
+}
+
+/// Twice the signed area of a ring.
+double twice_area(const Rings& rings, std::size_t ring) {
+  const auto start = static_cast<std::size_t>(rings.starts[ring]);
+  double sum = 0.0;
+  for (std::size_t v = start + 2; v < end_of(rings, ring); ++v) {
+    sum += (rings.x[v - 1] - rings.x[start]) * (rings.y[v] - rings.y[start]) -
+           (rings.y[v - 1] - rings.y[start]) * (rings.x[v] - rings.x[start]);
+  }
+  return sum;
+}
+
+std::string pair_text(double lon, double lat) {
+  std::string text;
+  append_number(text, lon);
+  text += ", ";
+  append_number(text, lat);
+  return text;
+}
+
+}  // namespace
+
+MeshProjector::MeshProjector(const ProjectionOptions& options)
+    : type_(options.type()),
+      base_(options.base.value_or(NumberPair{})),
+      projection_(make_projection(options, library_base(type_, base_))) {
+  if (type_ != CartesianProj) return;
+  WorldPoint base_point{};
+  project_point(0.0, base_.first, base_point);
+  origin_ = base_point;
+}
+
+std::string MeshProjector::project(const Rings& rings, Mesh& mesh,
+                                   std::vector<WorldPoint>& points) {
+  points.assign(rings.x.size(), {});
+  for (std::size_t r = 0; r < rings.starts.size(); ++r) {
+    std::string reason = project_ring(rings, r, points);
+    if (!reason.empty()) return reason;
+  }
+  if (type_ == GlobeProj) return {};
+
+  std::vector<double> x;
+  std::vector<double> y;
+  for (const WorldPoint& point : points) {
+    x.push_back(point.x);
+    y.push_back(point.y);
+  }
+  const Rings flat{x, y, rings.starts};
+  for (std::size_t r = 0; r < rings.starts.size(); ++r) {
+    // A ring about the point opposite to the base comes out with its outside inside.
+    if (twice_area(rings, r) * twice_area(flat, r) < 0.0) {
+      return "ring " + std::to_string(r) + " is turned inside out by the projection";
+    }
+  }
+  // Where a file cuts shapes at the antimeridian the halves meet again, and rounding makes
+  // them overlap: each side is a polygon of its own.
+  mesh = {};
+  std::vector<bool> chosen = rings_at_west_end(rings);
+  for (int side = 0; side < 2; ++side, chosen.flip()) {
+    const Mesh part = triangulate_some(flat, chosen);
+    if (part.flaw.kind == ErrorKind::bad_data) {
+      return "once projected, ring " + std::to_string(part.flaw.ring) +
+             " crosses itself or another";
+    }
+    if (part.flaw) return part.flaw.message;
+    mesh.triangles.insert(mesh.triangles.end(), part.triangles.begin(), part.triangles.end());
+  }
+  return {};
+}
+
+std::string MeshProjector::project_ring(const Rings& rings, std::size_t ring,
+                                        std::vector<WorldPoint>& points) {
+  const auto start = static_cast<std::size_t>(rings.starts[ring]);
+  const std::size_t end = end_of(rings, ring);
+  if (start == end) return {};
+  for (std::size_t v = start; v < end; ++v) {
+    if (std::abs(rings.x[v]) > 720.0 || std::abs(rings.y[v]) > 90.0) {
+      return "coordinates are not degrees: " + pair_text(rings.x[v], rings.y[v]);
+    }
+  }
+  // The turn that takes a ring between -180 and 180 takes a hole in it there too.
+  const auto [west, east] = std::ranges::minmax(rings.x.subspan(start, end - start));
+  const double turns = std::round((0.5 * (west + east) - base_.second) / 360.0);
+  const double shift = -base_.second - 360.0 * turns;
+  constexpr double kLimit = 180.0 + kSeamTolerance_deg;
+  if (is_torn(type_) && (west + shift < -kLimit || east + shift > kLimit)) {
+    return "it lies across the meridian opposite to --base, where the projection is torn";
+  }
+  for (std::size_t v = start; v < end; ++v) {
+    if (!project_point(rings.x[v] + shift, rings.y[v], points[v])) {
+      return "the projection has no place for " + pair_text(rings.x[v], rings.y[v]);
+    }
+  }
+  return {};
+}
+
+/// @param lon  from the base meridian
+/// @return false when the projection has no place for it
+bool MeshProjector::project_point(double lon, double lat, WorldPoint& point) {
+  // Gnomonic shows half the globe, and mirrors the other half onto it; so does Orthographic.
+  const double towards_base =
+      std::sin(lat * kDegree) * std::sin(base_.first * kDegree) +
+      std::cos(lat * kDegree) * std::cos(base_.first * kDegree) * std::cos(lon * kDegree);
+  if ((type_ == GnomonicProj || type_ == OrthographicProj) && towards_base <= 0.0) return false;
+  constexpr double kJustBelow360 = 360.0 - 1e-9;
+  const double library_lon =
+      is_torn(type_) ? std::clamp(lon + 180.0, 0.0, kJustBelow360) : lon + base_.second;
+  double* world = world_.release();
+  const int result = projection_.FromTo(LatLon(lat, library_lon), &world);
+  world_.reset(world);
+  if (result < 0) return false;
+  point = {world[0] - origin_.x, world[1] - origin_.y, world[2] - origin_.z};
+  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+}
+
+}  // namespace kzgis::tools

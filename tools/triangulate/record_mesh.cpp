@@ -1,0 +1,36 @@
+#include "tools/triangulate/record_mesh.h"
+
+#include <limits>
+
+namespace kzgis::tools {
+
+RecordMesh make_record_mesh(kz_long record, std::span<const WorldPoint> points,
+                            std::span<const kz_ulong> triangles) {
+  constexpr kz_ulong kUnused = std::numeric_limits<kz_ulong>::max();
+  std::vector<kz_ulong> renumbered(points.size(), kUnused);
+  for (const kz_ulong vertex : triangles) renumbered[vertex] = 0;
+  RecordMesh mesh;
+  mesh.record = record;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    if (renumbered[i] == kUnused) continue;
+    renumbered[i] = static_cast<kz_ulong>(mesh.vertices.size());
+    mesh.vertices.push_back(points[i]);
+  }
+  mesh.triangles.reserve(triangles.size());
+  for (const kz_ulong vertex : triangles) mesh.triangles.push_back(renumbered[vertex]);
+  return mesh;
+}
+
+double twice_area(const WorldPoint& a, const WorldPoint& b, const WorldPoint& c) {
+  return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+}
+
+double area(std::span<const WorldPoint> points, std::span<const kz_ulong> triangles) {
+  double twice = 0.0;
+  for (std::size_t i = 0; i + 2 < triangles.size(); i += 3) {
+    twice += twice_area(points[triangles[i]], points[triangles[i + 1]], points[triangles[i + 2]]);
+  }
+  return 0.5 * twice;
+}
+
+}  // namespace kzgis::tools

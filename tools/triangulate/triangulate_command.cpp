@@ -1,0 +1,275 @@
+// kzgis triangulate: from the records of a shapefile to a mesh file, one after another.
+
+#include "tools/triangulate/triangulate_command.h"
+
+#include <kzgis/mesh.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/support/command_error.h"
+#include "tools/support/output_file.h"
+#include "tools/support/progress.h"
+#include "tools/support/projection_options.h"
+#include "tools/support/record_walk.h"
+#include "tools/support/report.h"
+#include "tools/support/shape_records.h"
+#include "tools/triangulate/mesh_projector.h"
+#include "tools/triangulate/mesh_writer.h"
+#include "tools/triangulate/record_mesh.h"
+
+namespace kzgis::tools {
+
+namespace {
+
+struct Options {
+  std::string input;
+  std::string output;  ///< empty: none
+  std::string format;
+  bool check = false;
+  bool projected = false;
+  ProjectionOptions projection;
+  std::optional<kz_long> first;
+  std::optional<kz_long> last;
+};
+
+/// What the summary says of the records that became triangles, and of the others.
+struct Totals {
+  kz_long records = 0;
+  std::uint64_t rings = 0;
+  std::uint64_t triangles = 0;
+  double area = 0.0;
+  kz_long refused = 0;
+  kz_long null = 0;
+};
+
+std::optional<kz_long> parse_record_number(std::string_view text) {
+  kz_long number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc{} || stop != end || number < 1) return std::nullopt;
+  return number;
+}
+
+/// "A:B", "A:", ":B", or a single "A".
+void parse_records(const std::string& text, Options& options) {
+  const std::size_t colon = text.find(':');
+  const std::string first = text.substr(0, colon);
+  const std::string last = colon == std::string::npos ? first : text.substr(colon + 1);
+  options.first = parse_record_number(first);
+  options.last = parse_record_number(last);
+  if ((!options.first && !first.empty()) || (!options.last && !last.empty()) ||
+      (!options.first && !options.last) || options.last.value_or(0x7FFFFFFF) < options.first) {
+    throw CLI::ValidationError(
+        "--records", in_quotes(text) + " are no records; A:B stands for A to B, from 1 on");
+  }
+}
+
+/// Throws CLI's error when the options do not say what to do.
+std::optional<MeshFormat> choose_format(const Options& options) {
+  if (options.check) return std::nullopt;
+  if (options.output.empty()) {
+    throw CLI::ValidationError("--output", "a file to write is missing, or --check");
+  }
+  if (!options.format.empty()) return mesh_format_named(options.format);
+  if (options.output == "-") {
+    throw CLI::ValidationError("--output",
+                               "standard output needs --format obj, ply, geojson, svg or png");
+  }
+  const auto format = mesh_format_named(ending_of(options.output));
+  if (!format) {
+    throw CLI::ValidationError(
+        "--output", in_quotes(options.output) +
+                        " does not end in .obj, .ply, .geojson, .svg or .png, and no --format "
+                        "says which");
+  }
+  return format;
+}
+
+bool is_spatial(const Options& options) {
+  return options.projected && options.projection.type() == GlobeProj;
+}
+
+/// Throws `CommandError` when the file holds no polygons or not the first record asked for.
+RecordRange choose_records(const ShapeRecords& records, const Options& options) {
+  const std::string& file = records.name();
+  const kz_ulong valid = records.file().ShapeHeader().ValidateFileHeader();
+  // A box without extent, of a single point say, is no reason to refuse the file.
+  if (valid != status::success && valid != status::bad_bounding_box) {
+    throw CommandError(file + ": not a valid shapefile: " + status_text(valid));
+  }
+  if (records.type() != shape_type::polygon) {
+    throw CommandError(file + ": its shape type is " + shape_type_name(records.type()) +
+                       "; only polygons can be triangulated");
+  }
+  const RecordRange range{options.first.value_or(1),
+                          std::min(options.last.value_or(records.count()), records.count())};
+  if (options.first && range.first > records.count()) {
+    throw CommandError(file + ": there is no record " + std::to_string(range.first) +
+                       "; the number of records is " + std::to_string(records.count()));
+  }
+  return range;
+}
+
+std::string summary(const Totals& totals) {
+  const auto count = [](std::uint64_t number, const char* thing) {
+    return std::to_string(number) + ' ' + thing + (number == 1 ? "" : "s");
+  };
+  // Ten digits are what sums of this length are good for.
+  std::array<char, 32> area_text{};
+  std::snprintf(area_text.data(), area_text.size(), "%.10g", totals.area);
+  return count(static_cast<std::uint64_t>(totals.records), "record") + ", " +
+         count(totals.rings, "ring") + ", " + count(totals.triangles, "triangle") + ", area " +
+         area_text.data() + "; " + std::to_string(totals.refused) + " refused, " +
+         std::to_string(totals.null) + " null";
+}
+
+/// Returns the exit code: 0 when every record became triangles.
+int run(const Options& options) {
+  const std::optional<MeshFormat> format = choose_format(options);
+  const bool picture = format == MeshFormat::svg || format == MeshFormat::png;
+  if (picture && is_spatial(options)) {
+    throw CLI::ValidationError("--project",
+                               "a globe does not lie flat in a picture; orthographic does");
+  }
+  if (options.projected) check_projection(options.projection);
+  ShapeRecords records(options.input);
+  const RecordRange range = choose_records(records, options);
+
+  std::optional<OutputFile> output;
+  std::unique_ptr<MeshWriter> writer;
+  if (format) {
+    output.emplace(options.output);
+    writer = make_mesh_writer(*format, output->stream(), is_spatial(options));
+  }
+  std::optional<MeshProjector> projector;
+  if (options.projected) projector.emplace(options.projection);
+
+  Totals totals;
+  bool complained = false;
+  const auto complain = [&complained](const std::string& line) {
+    report(line);
+    complained = true;
+  };
+  const bool prints = options.output == "-";
+  {
+    Progress progress("triangulating " + options.input,
+                      static_cast<std::uint64_t>(range.last - range.first + 1), prints);
+    const auto use = [&](kz_long number, const ShapeRecord& record) {
+      const Rings rings{record.x, record.y, record.parts};
+      std::vector<WorldPoint> points;
+      Mesh mesh = triangulate(rings);
+      std::string reason = mesh.flaw ? mesh.flaw.message : std::string();
+      for (std::size_t v = 0; v < record.x.size(); ++v) {
+        points.push_back({record.x[v], record.y[v], 0.0});
+      }
+      const double layer_area = area(points, mesh.triangles);
+      if (reason.empty() && projector) reason = projector->project(rings, mesh, points);
+      if (!reason.empty()) {
+        ++totals.refused;
+        complain(options.input + ": record " + std::to_string(number) + ": " + reason);
+        return;
+      }
+      ++totals.records;
+      totals.rings += record.parts.size();
+      totals.triangles += mesh.triangles.size() / 3;
+      totals.area += layer_area;
+      if (writer) writer->add(make_record_mesh(number, points, mesh.triangles));
+    };
+    const RecordTally tally = walk_records(records, range, progress, complain, use);
+    totals.refused += tally.failed;
+    totals.null = tally.null;
+  }
+  if (writer) {
+    writer->finish();
+    output->commit();
+  }
+  (prints ? std::cerr : std::cout) << summary(totals) << std::endl;
+  return complained ? 1 : 0;
+}
+
+constexpr const char* kExamples = R"(
+The triangles of a record tile its polygon exactly, without new vertices, and run
+counter-clockwise.  Rings may come in any order and winding, touch each other, and
+lie in each other to any depth.  A record that is no polygon, because its rings
+cross say, is named with its reason and left out; the exit code is then 1.
+
+The summary counts the records that became triangles and gives their area in the
+square of the layer's own unit.  It goes to standard output, or to standard error
+when the mesh goes there.
+
+  .obj      an object record_N for each record; x, y, z (0 unless projected)
+  .ply      ASCII, with the record as a property of each face
+  .geojson  a MultiPolygon of triangles for each record, which is a property
+  .svg .png a picture, x to the right and y up
+
+With --project, coordinates are degrees and come out as world coordinates in the
+unit of the radius, counted from the base point; a globe comes out as x, y and z
+from its centre.  Longitudes are taken from the base, west and east of it alike,
+so that nothing tears at its meridian.  A record across the opposite meridian is
+named and left out, like one that the projection has no place for, or turns inside
+out, or makes cross itself.  Sides run straight between the projected vertices: on
+the globe a long one cuts below the surface.
+
+Examples:
+  kzgis triangulate countries.shp -o countries.obj
+  kzgis triangulate lakes.shp --check
+  kzgis triangulate countries.shp --project globe --radius 1 -o globe.ply
+  kzgis triangulate lakes.shp --records 3:5 -o - --format geojson
+)";
+
+}  // namespace
+
+void add_triangulate_command(CLI::App& app, int& exit_code) {
+  const auto options = std::make_shared<Options>();
+  CLI::App& command = *app.add_subcommand(
+      "triangulate", "Turn the polygons of a shapefile into triangles that tile them");
+  command.add_option("FILE", options->input, "A shapefile of polygons")
+      ->required()
+      ->type_name(".shp");
+  CLI::Option* const output =
+      command
+          .add_option("-o,--output", options->output,
+                      "The mesh: .obj, .ply, .geojson, .svg or .png; - for standard output")
+          ->type_name("MESH");
+  command
+      .add_option("--format", options->format,
+                  "obj, ply, geojson, svg or png, whatever the name says")
+      ->type_name("FORMAT")
+      ->needs(output)
+      ->check([](const std::string& name) {
+        return mesh_format_named(name)
+                   ? std::string()
+                   : in_quotes(name) + " is none of obj, ply, geojson, svg, png";
+      });
+  command.add_flag("--check", options->check, "Verify every record and write nothing")
+      ->excludes(output);
+  command
+      .add_option_function<std::string>(
+          "--records", [options](const std::string& text) { parse_records(text, *options); },
+          "These records alone, counted from 1; either end may be missing")
+      ->type_name("A:B");
+  add_projection_options(command, options->projection, "--project");
+  add_radius_option(command, options->projection);
+  CLI::Option* const project = command.get_option("--project");
+  for (const char* const name : {"--base", "--parallels", "--radius"}) {
+    command.get_option(name)->needs(project);
+  }
+  command.footer(kExamples);
+  command.callback([options, project, &exit_code] {
+    options->projected = project->count() > 0;
+    exit_code = run(*options);
+  });
+}
+
+}  // namespace kzgis::tools
