@@ -16,8 +16,8 @@ inline constexpr std::uint32_t kNone = 0xFFFFFFFF;
 /// A place of one or several vertices of the rings.  Sites are numbered from the left to
 /// the right and, at the same x, from below.
 struct Site {
-  double x, y;
-  kz_ulong vertex;  ///< the first of its vertices in the caller's numbering
+  double x = 0.0, y = 0.0;
+  kz_ulong vertex = 0;  ///< the first of its vertices in the caller's numbering
   /// The boundary edge next below the site, where no boundary edge comes in from the left;
   /// kNone when there is none.
   std::uint32_t below = kNone;
