@@ -408,7 +408,8 @@ class Sweep {
     for (std::size_t ring = 0; ring < states_.size(); ++ring) {
       const std::uint32_t parent = result_.parents[ring];
       if (!result_.has_inside[ring] || parent == kNone || states_[ring].apart) continue;
-      const auto [first, second] = std::minmax(static_cast<std::uint32_t>(ring), parent);
+      const std::uint32_t first = std::min(static_cast<std::uint32_t>(ring), parent);
+      const std::uint32_t second = std::max(static_cast<std::uint32_t>(ring), parent);
       refuse(ErrorKind::bad_data,
              "ring " + std::to_string(second) + " repeats ring " + std::to_string(first),
              static_cast<kz_long>(second), rings_.starts[second]);
