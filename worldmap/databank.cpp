@@ -1,0 +1,82 @@
+#include "worldmap/databank.h"
+
+#include <cstring>
+#include <utility>
+
+namespace kzgis::databank {
+
+File::File(std::FILE* stream) : stream_(stream) {
+  // The window is the buffer; without one of its own the stream reads into it directly.
+  std::setvbuf(stream, nullptr, _IONBF, 0);
+  // A pipe or a terminal has no size, and reading it could wait for ever.
+  long end = 0;
+  if (std::fseek(stream, 0, SEEK_END) != 0 || (end = std::ftell(stream)) < 0 ||
+      std::fseek(stream, 0, SEEK_SET) != 0) {
+    ended_ = true;
+    return;
+  }
+  size_ = static_cast<std::uint64_t>(end);
+}
+
+int File::seek(kz_ulong offset) {
+  if (offset >= window_start_ && offset - window_start_ <= filled_) {
+    next_ = static_cast<std::size_t>(offset - window_start_);
+    return 1;
+  }
+  if (!std::in_range<long>(offset) ||
+      std::fseek(stream_, static_cast<long>(offset), SEEK_SET) != 0) {
+    return 0;
+  }
+  window_start_ = offset;
+  next_ = 0;
+  filled_ = 0;
+  ended_ = false;
+  return 1;
+}
+
+bool File::refill(std::size_t count) {
+  const std::size_t kept = filled_ - next_;
+  if (!ended_) {
+    std::memmove(window_, window_ + next_, kept);
+    window_start_ += next_;
+    next_ = 0;
+    const std::size_t room = kWindowBytes - kept;
+    const std::size_t got = std::fread(window_ + kept, 1, room, stream_);
+    filled_ = kept + got;
+    ended_ = got < room;
+    if (filled_ >= count) return true;
+  }
+  next_ = filled_;
+  return false;
+}
+
+void File::read(Header& header) {
+  readMap(&header.magic);
+  readMap(&header.dictionary_offset);
+  readMap(&header.count);
+}
+
+bool File::read(Entry& entry) {
+  kz_ulong identifier = 0;
+  std::uint16_t unused = 0;
+  if (readMap(&identifier) == 0 || readMap(&entry.max_lat) == 0 || readMap(&entry.min_lat) == 0 ||
+      readMap(&entry.max_lon) == 0 || readMap(&entry.min_lon) == 0 || readMap(&entry.offset) == 0 ||
+      readMap(&unused) == 0 || readMap(&entry.level) == 0) {
+    return false;
+  }
+  entry.max_lon = wrap_negative(entry.max_lon);
+  entry.min_lon = wrap_negative(entry.min_lon);
+  return true;
+}
+
+void File::read(SegmentHeader& header) {
+  kz_ulong unused_long = 0;
+  std::uint16_t unused_word = 0;
+  if (readMap(&header.lon) != 0) header.lon = wrap_negative(header.lon);
+  readMap(&header.lat);
+  readMap(&unused_long);
+  readMap(&header.count);
+  readMap(&unused_word);
+}
+
+}  // namespace kzgis::databank

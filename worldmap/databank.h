@@ -1,0 +1,185 @@
+// A World DataBank II file (".cbd") as a run of fields: reading and decoding them, without
+// judging what they say.
+//
+// All integers are little-endian.  A "long" is 32 bits, signed, in ones' complement.
+//
+// Header:
+//    0  uint32  magic number 0x20770002
+//    4  uint32  offset of the dictionary, in bytes from the start of the file
+//    8  uint32  number of segments
+//   12  uint32  not used
+//   16  uint32  not used
+// Dictionary, one entry of 28 bytes per segment:
+//    0  uint32  segment identifier, not used
+//    4  long    maximum latitude, arc-seconds
+//    8  long    minimum latitude
+//   12  long    maximum longitude; a negative one is meant modulo 1296000
+//   16  long    minimum longitude, likewise
+//   20  uint32  offset of the segment, in bytes from the start of the file
+//   24  uint16  not used
+//   26  uint16  information level
+// Segment:
+//    0  long    longitude of the first point, arc-seconds, likewise modulo 1296000
+//    4  long    latitude of the first point
+//    8  uint32  not used
+//   12  uint32  number of points N
+//   16  uint16  not used
+//   18  N - 1 deltas
+// Delta, of one word when bit 14 of it is set, else of four:
+//    0  uint16  low byte: latitude delta, -128 to 127; high byte: longitude delta, as 64 to
+//               127 for 0 to 63, as 192 to 255 for -64 to -1
+// or
+//    0  uint16  longitude delta, high part, whose sign bit stands in bit 15 alone
+//    2  uint16  longitude delta, low part
+//    4  uint16  latitude delta, high part, likewise
+//    6  uint16  latitude delta, low part
+
+#ifndef KZGIS_WORLDMAP_DATABANK_H
+#define KZGIS_WORLDMAP_DATABANK_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+#include "kzgis/types.h"
+
+namespace kzgis::databank {
+
+constexpr kz_ulong kMagic = 0x20770002;
+constexpr kz_long kTurn_arcsec = 1296000;  // all the way round
+
+struct Header {
+  kz_ulong magic = 0;
+  kz_ulong dictionary_offset = 0;
+  kz_ulong count = 0;
+};
+
+struct Entry {
+  kz_long max_lat, min_lat, max_lon, min_lon;
+  kz_ulong offset;
+  std::uint16_t level;
+};
+constexpr std::uint64_t kEntryBytes = 28;
+
+struct SegmentHeader {
+  kz_long lon = 0;
+  kz_long lat = 0;
+  kz_ulong count = 0;
+};
+
+/// A longitude of less than zero, wrapped into [0, 1296000); any other as it is.
+constexpr kz_long wrap_negative(kz_long lon) {
+  return lon < 0 ? kTurn_arcsec - 1 + (lon + 1) % kTurn_arcsec : lon;
+}
+
+/// A long as files hold it: ones' complement, where -1 is kept as 0xFFFFFFFE.
+constexpr kz_long from_ones_complement(kz_ulong bits) {
+  const auto value = static_cast<kz_long>(bits);
+  return value < 0 ? value + 1 : value;
+}
+
+/// Reads a file through a window in memory: a segment costs a few large reads, and a
+/// count or an offset costs nothing until there are bytes behind it.
+///
+/// The end of the file is no failure.  A field that is not wholly there is not read, nor
+/// is any after it until the next `seek`: their targets keep the values they had.
+class File {
+ public:
+  /// Borrows a stream, which must be at its start and is read by nobody else.  A stream
+  /// that cannot tell its size counts as empty.
+  explicit File(std::FILE* stream);
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+
+  std::uint64_t size() const { return size_; }
+
+  /// Moves to an offset from the start; past the end, every field is missing.
+  /// @return 1; 0 when the stream refused
+  int seek(kz_ulong offset);
+
+  /// Reads one field.
+  /// @return 1; 0 at the end of the file, with the target as it was
+  int readMap(std::uint16_t* target) {
+    const unsigned char* const bytes = take(2);
+    if (bytes == nullptr) return 0;
+    *target = word_at(bytes);
+    return 1;
+  }
+  int readMap(kz_ulong* target) {
+    const unsigned char* const bytes = take(4);
+    if (bytes == nullptr) return 0;
+    *target = word_at(bytes) | static_cast<kz_ulong>(word_at(bytes + 2)) << 16;
+    return 1;
+  }
+  int readMap(kz_long* target) {
+    kz_ulong bits = 0;
+    if (readMap(&bits) == 0) return 0;
+    *target = from_ones_complement(bits);
+    return 1;
+  }
+
+  /// Reads what follows, part by part.
+  void read(Header& header);
+  /// @return whether the whole entry was there
+  bool read(Entry& entry);
+  void read(SegmentHeader& header);
+
+  /// Decodes one delta.  For a word that the file no longer has, the last word decoded
+  /// stands in once more.  A delta with a part beyond +-1296000 becomes (0, 0).
+  void nextPoint(kz_long* dlon, kz_long* dlat) {
+    const std::uint16_t first = next_word();
+    if ((first & 0x4000) != 0) {
+      const int high = first >> 8;
+      *dlon = high >= 0x80 ? high - 0x100 : high - 0x40;
+      *dlat = static_cast<std::int8_t>(first & 0xFF);
+      return;
+    }
+    *dlon = long_delta(first);
+    *dlat = long_delta(next_word());
+    if (*dlon < -kTurn_arcsec || *dlon > kTurn_arcsec || *dlat < -kTurn_arcsec ||
+        *dlat > kTurn_arcsec) {
+      *dlon = 0;
+      *dlat = 0;
+    }
+  }
+
+ private:
+  static constexpr std::size_t kWindowBytes = std::size_t{1} << 14;
+
+  static std::uint16_t word_at(const unsigned char* bytes) {
+    return static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);
+  }
+
+  /// The next `count` bytes, which are then behind; null, with all behind, when the file
+  /// has fewer.
+  const unsigned char* take(std::size_t count) {
+    if (filled_ - next_ < count && !refill(count)) return nullptr;
+    const unsigned char* const bytes = window_ + next_;
+    next_ += count;
+    return bytes;
+  }
+  bool refill(std::size_t count);
+
+  std::uint16_t next_word() {
+    readMap(&word_);
+    return word_;
+  }
+  /// Bit 15 of `high` is the sign, and stands for bit 14 too, which tells the forms apart.
+  kz_long long_delta(std::uint16_t high) {
+    const kz_ulong extended = high >= 0x8000 ? high | 0xFFFF4000U : high;
+    return static_cast<kz_long>(extended << 16 | next_word());
+  }
+
+  std::FILE* stream_;
+  std::uint64_t size_ = 0;
+  std::uint64_t window_start_ = 0;  // what is in the window, in bytes of the file
+  std::size_t next_ = 0;
+  std::size_t filled_ = 0;
+  bool ended_ = false;  // nothing follows the window
+  std::uint16_t word_ = 0;
+  unsigned char window_[kWindowBytes];
+};
+
+}  // namespace kzgis::databank
+
+#endif

@@ -1,0 +1,4 @@
+#include "kzgis/utvector.h"
+
+template class UtVector<LatLon*>;
+template class UtVector<UtVector<LatLon*>*>;
