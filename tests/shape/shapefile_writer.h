@@ -6,7 +6,6 @@
 #define KZGIS_TESTS_SHAPE_SHAPEFILE_WRITER_H
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <bit>
 #include <cstdint>
@@ -15,6 +14,8 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "support/temporary_directory.h"
 
 /// Bytes of a file in the making.
 class Bytes {
@@ -177,17 +178,7 @@ inline void write_file(const std::string& path, const std::string& bytes) {
 /// A test with an empty directory of its own, removed afterwards.
 class ShapefileTest : public testing::Test {
  protected:
-  ShapefileTest() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "kzgis_shape_XXXXXX").string();
-    if (mkdtemp(pattern.data()) != nullptr) directory_ = pattern;
-  }
-  ~ShapefileTest() override {
-    std::error_code ignored;
-    std::filesystem::remove_all(directory_, ignored);
-  }
-  void SetUp() override { ASSERT_FALSE(directory_.empty()); }
-
-  std::string path(const std::string& name) const { return (directory_ / name).string(); }
+  std::string path(const std::string& name) const { return (directory_.path() / name).string(); }
   /// Writes both files and gives the base name that opens them.
   std::string write(const std::string& shp, const std::string& shx,
                     const std::string& name = "layer") const {
@@ -200,7 +191,7 @@ class ShapefileTest : public testing::Test {
   }
 
  private:
-  std::filesystem::path directory_;
+  TemporaryDirectory directory_;
 };
 
 #endif
