@@ -8,6 +8,7 @@
 
 #include "tools/info/info_command.h"
 #include "tools/map/map_command.h"
+#include "tools/pack/pack_command.h"
 #include "tools/project/project_command.h"
 #include "tools/support/report.h"
 #include "tools/triangulate/triangulate_command.h"
@@ -27,7 +28,7 @@ constexpr const char* kExamples =
 int run(int argc, char** argv) {
   CLI::App app(
       "Geographic utilities: look into geodata files, project coordinates, turn polygons "
-      "into triangles, draw maps.",
+      "into triangles, draw maps, pack outlines.",
       "kzgis");
   app.set_version_flag("--version", KZGIS_VERSION);
   app.require_subcommand(0, 1);
@@ -37,6 +38,7 @@ int run(int argc, char** argv) {
   kzgis::tools::add_project_command(app, exit_code);
   kzgis::tools::add_map_command(app, exit_code);
   kzgis::tools::add_triangulate_command(app, exit_code);
+  kzgis::tools::add_pack_command(app, exit_code);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -46,7 +48,7 @@ int run(int argc, char** argv) {
   }
   if (app.get_subcommands().empty()) {
     kzgis::tools::report(
-        "a subcommand is missing: info, project, map or triangulate (see kzgis --help)");
+        "a subcommand is missing: info, project, map, triangulate or pack (see kzgis --help)");
     return kMisused;
   }
   return exit_code;

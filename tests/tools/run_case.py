@@ -3,7 +3,8 @@
 
 A case is a text file of lines:
   # what it shows
-  $ arguments of kzgis, as in a shell; DATA and TMP stand for directories
+  $ arguments of kzgis, as in a shell; DATA and TMP stand for directories; of several such
+    lines the last is the case, the others prepare it and must succeed
   < a line of standard input
   > a line of standard output, whole; without > and ~ lines it must be silent
   ! a line of standard error, whole; without any, it must be silent
@@ -21,7 +22,7 @@ import tempfile
 
 def main():
     kzgis, case, data = sys.argv[1], pathlib.Path(sys.argv[2]), sys.argv[3]
-    arguments, stdin, stdout, stderr, patterns, files, code = None, [], [], [], [], {}, 0
+    commands, stdin, stdout, stderr, patterns, files, code = [], [], [], [], [], {}, 0
     with tempfile.TemporaryDirectory() as tmp:
 
         def fill(text):
@@ -30,7 +31,7 @@ def main():
         for line in case.read_text(encoding="utf-8").splitlines():
             mark, _, rest = line.partition(" ")
             if mark == "$":
-                arguments = shlex.split(fill(rest))
+                commands.append(shlex.split(fill(rest)))
             elif mark == "<":
                 stdin.append(rest)
             elif mark == ">":
@@ -46,8 +47,10 @@ def main():
                 code = int(rest)
             elif mark != "#" and line:
                 sys.exit(f"{case}: cannot read '{line}'")
+        for arguments in commands[:-1]:
+            subprocess.run([kzgis, *arguments], stdout=subprocess.DEVNULL, timeout=120, check=True)
         run = subprocess.run(
-            [kzgis, *arguments],
+            [kzgis, *commands[-1]],
             input="".join(line + "\n" for line in stdin),
             capture_output=True,
             encoding="utf-8",

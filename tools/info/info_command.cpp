@@ -1,14 +1,12 @@
 #include "tools/info/info_command.h"
 
-#include <cstdint>
-#include <iostream>
+#include <filesystem>
 #include <memory>
 #include <string>
 
-#include "tools/support/command_error.h"
-#include "tools/support/progress.h"
-#include "tools/support/report.h"
-#include "tools/support/shape_records.h"
+#include "tools/info/bank_info.h"
+#include "tools/info/shape_info.h"
+#include "tools/support/input_file.h"
 
 namespace kzgis::tools {
 
@@ -19,76 +17,13 @@ struct Options {
   bool records = false;
 };
 
-struct Totals {
-  std::uint64_t null_records = 0;
-  std::uint64_t parts = 0;
-  std::uint64_t points = 0;
-  std::uint64_t failures = 0;
-};
-
-void print_record(kz_long n, kz_long type, const ShapeRecord& record) {
-  std::cout << n << ": " << shape_type_name(type);
-  if (type == shape_type::point) {
-    std::cout << " at " << record.x[0] << ' ' << record.y[0] << '\n';
-    return;
-  }
-  if (type != shape_type::multi_point) std::cout << ", " << record.parts.size() << " parts";
-  std::cout << ", " << record.x.size() << " points, x " << record.x_min << " to " << record.x_max
-            << ", y " << record.y_min << " to " << record.y_max << '\n';
-}
-
-/// Reads every record, printing a line for each when asked to.
-Totals walk(ShapeRecords& shapes, bool print) {
-  Totals totals;
-  Progress progress("reading", static_cast<std::uint64_t>(shapes.count()), print);
-  ShapeRecord record;
-  for (kz_long n = 1; n <= shapes.count(); ++n) {
-    switch (shapes.read(n, record)) {
-      case RecordState::read:
-        // A multi-point counts as one part, as a point does.
-        totals.parts += record.parts.empty() && !record.x.empty() ? 1 : record.parts.size();
-        totals.points += record.x.size();
-        if (print) print_record(n, shapes.type(), record);
-        break;
-      case RecordState::null:
-        ++totals.null_records;
-        if (print) std::cout << n << ": null\n";
-        break;
-      case RecordState::failed:
-        ++totals.failures;
-        report(shapes.name() + ": record " + std::to_string(n) + ": " + shapes.failure());
-        break;
-    }
-    progress.update(static_cast<std::uint64_t>(n));
-  }
-  return totals;
-}
-
 int run(const Options& options) {
-  ShapeRecords shapes(options.file);
-  const KZ_GIS_ESRI_ShapeHeader_c& header = shapes.file().ShapeHeader();
-  header.PrintFileHeader(std::cout);
-  const kz_ulong shape_verdict = header.ValidateFileHeader();
-  const kz_ulong index_verdict = shapes.file().IndexHeader().ValidateFileHeader();
-  std::cout << "Shape file header: " << status_text(shape_verdict) << '\n'
-            << "Index file header: " << status_text(index_verdict) << '\n';
-  if (shapes.index_is_cut()) {
-    report(shapes.name() + ": the index is shorter than its header says");
+  if (options.file.ends_with(".cbd")) return print_bank_file_info(options.file, options.records);
+  std::error_code unknown;
+  if (std::filesystem::is_directory(expanded(options.file), unknown)) {
+    return print_bank_info(expanded(options.file));
   }
-  const Totals totals = walk(shapes, options.records);
-  std::cout << "Records: " << shapes.count();
-  if (totals.null_records > 0) std::cout << " (" << totals.null_records << " null)";
-  std::cout << "\nParts:   " << totals.parts << "\nPoints:  " << totals.points << '\n';
-  std::cout.flush();
-  if (!std::cout) throw CommandError("standard output: could not be written whole");
-  // The box of a single point or of no record at all is rightly called empty: that says
-  // nothing against the file.
-  const auto sound_header = [](kz_ulong verdict) {
-    return verdict == status::success || verdict == status::bad_bounding_box;
-  };
-  const bool sound = sound_header(shape_verdict) && sound_header(index_verdict) &&
-                     !shapes.index_is_cut() && totals.failures == 0;
-  return sound ? 0 : 1;
+  return print_shape_info(options.file, options.records);
 }
 
 }  // namespace
@@ -96,16 +31,22 @@ int run(const Options& options) {
 void add_info_command(CLI::App& app, int& exit_code) {
   const auto options = std::make_shared<Options>();
   CLI::App& command = *app.add_subcommand("info", "Say what a file holds, and whether it is sound");
-  command.add_option("FILE", options->file, "Shapefile: .shp, .shx, or their name without ending")
+  command
+      .add_option("FILE", options->file,
+                  "A shapefile (.shp, .shx, or their name without ending), an outline file "
+                  "(.cbd), or the directory of a data bank")
       ->required();
-  command.add_flag("--records", options->records, "A line for every record");
+  command.add_flag("--records", options->records, "A line for every record or segment");
   command.footer(
-      "Prints the header report, the verdict on both headers, and how many records, parts and\n"
-      "points the file holds.  The exit code is 0 when the file is sound.\n"
+      "Of a shapefile it prints the header report, the verdict on both headers, and how many\n"
+      "records, parts and points the file holds; of an outline file its header, its extent, and\n"
+      "the segments and points of each level; of a data bank its report, and the polylines and\n"
+      "points of each theme's levels.  The exit code is 0 when everything is sound.\n"
       "\n"
       "Examples:\n"
       "  kzgis info data/ne/ne_110m_countries.shp\n"
-      "  kzgis info --records rivers.shp\n");
+      "  kzgis info --records rivers.shp\n"
+      "  kzgis info bank/africa.Map/cil.cbd\n");
   command.callback([options, &exit_code] { exit_code = run(*options); });
 }
 

@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "tools/databank/load.h"
+#include "tools/map/bank_layer.h"
 #include "tools/map/layer.h"
 #include "tools/map/painter.h"
 #include "tools/map/plane.h"
@@ -20,6 +22,7 @@
 #include "tools/map/style.h"
 #include "tools/map/triangle_sides.h"
 #include "tools/support/command_error.h"
+#include "tools/support/input_file.h"
 #include "tools/support/number_text.h"
 #include "tools/support/output_file.h"
 #include "tools/support/progress.h"
@@ -43,6 +46,9 @@ struct MapOptions {
   double graticule_deg = 15.0;
   std::string title;
   bool mesh = false;
+  std::string bank;
+  std::vector<BankTheme> bank_themes;
+  kz_long precision_arcsec = 0;
 };
 
 constexpr const char* kExamples = R"(
@@ -61,10 +67,18 @@ Examples:
     kzgis map land.shp --to stereographic --base 90,0 --horizon 40 \
         -o - --format png | display
 
+  Coasts and great rivers around the North Sea, from a bank that kzgis pack made:
+    kzgis map --bank bank --theme coastal:1-3 --theme river:1 --to albers \
+        --parallels 45,62 --box 47,-12,64,16 -o north_sea.svg
+
 Styles, one per FILE and in their order:
-  polygons  land (the usual), countries, water; as outlines coast, river, border
-  lines     coast (the usual), river, border
+  polygons  land (the usual), countries, water; as outlines coast, river, border,
+            province
+  lines     coast (the usual), river, border, province
   points    places
+The lines of a data bank come above all files: coastal as coast, river as river,
+geographic as border, political as province.
+
 Filled layers lie under the graticule, lines and points above it, later files
 above earlier ones.
 
@@ -129,6 +143,14 @@ Window parse_box(const std::string& text) {
   return {sides[1], sides[3], sides[0], sides[2]};
 }
 
+BankTheme parse_theme_option(const std::string& text) {
+  try {
+    return parse_bank_theme(text);
+  } catch (const std::invalid_argument& refused) {
+    throw CLI::ValidationError("--theme", refused.what());
+  }
+}
+
 std::vector<Role> parse_styles(const std::string& text) {
   std::vector<Role> styles;
   std::istringstream names(text);
@@ -179,6 +201,16 @@ void add_mesh(const std::string& file, StyledLayer& styled, const tools::Complai
   }
 }
 
+void add_bank_layers(const MapOptions& options, std::vector<StyledLayer>& layers) {
+  const std::string directory = tools::expanded(options.bank);
+  databank::check_is_bank(directory);
+  for (const BankTheme& theme :
+       options.bank_themes.empty() ? all_bank_themes() : options.bank_themes) {
+    layers.push_back(
+        {read_bank_layer(directory, theme, options.precision_arcsec), bank_role(theme.theme)});
+  }
+}
+
 std::vector<StyledLayer> read_layers(const MapOptions& options, int& exit_code) {
   if (options.styles.size() > options.files.size()) {
     throw CLI::ValidationError("--style", std::to_string(options.styles.size()) + " styles for " +
@@ -203,6 +235,7 @@ std::vector<StyledLayer> read_layers(const MapOptions& options, int& exit_code) 
     if (options.mesh) add_mesh(options.files[i], styled, complain);
     layers.push_back(std::move(styled));
   }
+  if (!options.bank.empty()) add_bank_layers(options, layers);
   return layers;
 }
 
@@ -216,6 +249,9 @@ Plane make_plane(const MapOptions& options) {
 }
 
 void run(const MapOptions& options, int& exit_code) {
+  if (options.files.empty() && options.bank.empty()) {
+    throw CLI::ValidationError("FILE", "a shapefile to draw is missing, or --bank");
+  }
   const Format format = choose_format(options);
   Plane plane = make_plane(options);
   Sheet sheet;
@@ -238,9 +274,9 @@ namespace kzgis::tools {
 
 void add_map_command(CLI::App& app, int& exit_code) {
   auto options = std::make_shared<map::MapOptions>();
-  CLI::App* command = app.add_subcommand("map", "Draw shapefiles as a map, in any projection");
+  CLI::App* command =
+      app.add_subcommand("map", "Draw shapefiles and outlines as a map, in any projection");
   command->add_option("FILE", options->files, "Shapefiles, the lowest layer first")
-      ->required()
       ->type_name(".shp");
   command
       ->add_option("-o,--output", options->output,
@@ -281,6 +317,30 @@ void add_map_command(CLI::App& app, int& exit_code) {
           [options](const std::string& text) { options->styles = map::parse_styles(text); },
           "One per FILE: " + map::role_names())
       ->type_name("ROLE,...");
+  CLI::Option* const bank = command
+                                ->add_option("--bank", options->bank,
+                                             "Draw outlines from the data bank in this directory")
+                                ->type_name("DIR");
+  command
+      ->add_option_function<std::vector<std::string>>(
+          "--theme",
+          [options](const std::vector<std::string>& texts) {
+            for (const std::string& text : texts) {
+              options->bank_themes.push_back(map::parse_theme_option(text));
+            }
+          },
+          "These outlines of the bank, all levels or some: coastal, river:1, coastal:1-3; "
+          "everything unless said")
+      ->allow_extra_args(false)
+      ->needs(bank)
+      ->type_name("NAME[:A-B]");
+  command
+      ->add_option("--precision", options->precision_arcsec,
+                   "Leave out points of the bank nearer than this to the one before")
+      ->check(CLI::Range(0, 1296000))
+      ->needs(bank)
+      ->type_name("ARCSEC")
+      ->capture_default_str();
   command->add_option("--format", options->format, "png, svg or pdf, whatever the name says")
       ->type_name("FORMAT")
       ->check([](const std::string& name) {

@@ -48,9 +48,11 @@ class Painter {
     cairo_paint(cairo_);
   }
 
-  void begin_map() {
+  /// @param filled  layers cover the land; without them, the colour of the sea would say
+  ///                that there is none
+  void begin_map(bool filled) {
     frame_ = frame_path(page_);
-    set(colours::ocean);
+    set(filled ? colours::ocean : colours::chart);
     cairo_paint(cairo_);
   }
 
@@ -86,10 +88,7 @@ class Painter {
   }
 
   void lines(const StyledLayer& styled) {
-    const double width = styled.role == Role::coast ? 0.85 : 1.0;
-    const Colour colour = styled.role == Role::coast   ? colours::coast
-                          : styled.role == Role::river ? colours::river
-                                                       : colours::border_line;
+    const auto [colour, width] = pen_of(styled.role);
     for (const Parts& record : styled.layer.records) {
       stroke(stroke_path(page_, styled.layer.kind == LayerKind::polygons
                                     ? prepare_polygon(record, base_lon()).outlines
@@ -236,7 +235,7 @@ void paint(cairo_t* cairo, const Page& page, const Sheet& sheet,
            const std::vector<StyledLayer>& layers) {
   Painter painter(cairo, page, sheet);
   painter.paper();
-  painter.begin_map();
+  painter.begin_map(std::any_of(layers.begin(), layers.end(), is_filled));
   for (const StyledLayer& styled : layers) {
     if (is_filled(styled)) painter.fills(styled);
   }

@@ -6,12 +6,13 @@
 namespace kzgis::map {
 namespace {
 
-const std::array<std::pair<const char*, Role>, 7> kRoles{{{"land", Role::land},
+const std::array<std::pair<const char*, Role>, 8> kRoles{{{"land", Role::land},
                                                           {"countries", Role::countries},
                                                           {"water", Role::water},
                                                           {"coast", Role::coast},
                                                           {"river", Role::river},
                                                           {"border", Role::border},
+                                                          {"province", Role::province},
                                                           {"places", Role::places}}};
 
 }  // namespace
@@ -51,8 +52,22 @@ bool suits(Role role, LayerKind kind) {
   if (kind == LayerKind::points || role == Role::places) {
     return kind == LayerKind::points && role == Role::places;
   }
-  const bool line_role = role == Role::coast || role == Role::river || role == Role::border;
+  const bool line_role =
+      role == Role::coast || role == Role::river || role == Role::border || role == Role::province;
   return kind == LayerKind::polygons || line_role;
+}
+
+Pen pen_of(Role role) {
+  switch (role) {
+    case Role::river:
+      return {colours::river, 1.0};
+    case Role::border:
+      return {colours::border_line, 1.0};
+    case Role::province:
+      return {colours::province_line, 0.7};
+    default:
+      return {colours::coast, 0.85};
+  }
 }
 
 const std::vector<Colour>& tints() {

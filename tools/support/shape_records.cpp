@@ -1,15 +1,11 @@
 #include "tools/support/shape_records.h"
 
-#include <kzgis/filetools.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <utility>
 
 #include "tools/support/command_error.h"
+#include "tools/support/input_file.h"
 
 namespace kzgis::tools {
 
@@ -18,18 +14,12 @@ namespace {
 constexpr std::uintmax_t kHeaderBytes = 100;
 constexpr std::uintmax_t kIndexEntryBytes = 8;
 
-/// Why that file cannot be read; nothing when it can.
+/// Why that file is no half of a shapefile; nothing when it may be.
 std::string why_not_usable(const std::string& path) {
-  std::error_code error;
-  const auto status = std::filesystem::status(path, error);
-  if (!std::filesystem::exists(status)) return path + ": " + std::strerror(ENOENT);
-  if (!std::filesystem::is_regular_file(status)) return path + ": not a regular file";
-  errno = 0;
-  if (!std::ifstream(path, std::ios::binary)) return path + ": " + std::strerror(errno);
-  if (std::filesystem::file_size(path, error) < kHeaderBytes) {
-    return path + ": too short for a shapefile header";
-  }
-  return {};
+  std::string why = why_not_readable(path);
+  if (why.empty() && size_of(path) < kHeaderBytes)
+    why = path + ": too short for a shapefile header";
+  return why;
 }
 
 std::string without_extension(const std::string& name) {
@@ -37,21 +27,6 @@ std::string without_extension(const std::string& name) {
     if (name.ends_with(extension)) return name.substr(0, name.size() - 4);
   }
   return name;
-}
-
-/// The name with its path variables expanded, as the library opens it.
-std::string expanded(const std::string& name) {
-  char buffer[1024];
-  if (FILEmap_variables(name.c_str(), buffer) == nullptr) {
-    throw CommandError(name + ": the name is too long");
-  }
-  return buffer;
-}
-
-std::uintmax_t size_of(const std::string& path) {
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  return error ? 0 : size;
 }
 
 }  // namespace

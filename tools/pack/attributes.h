@@ -1,0 +1,41 @@
+#ifndef KZGIS_TOOLS_PACK_ATTRIBUTES_H
+#define KZGIS_TOOLS_PACK_ATTRIBUTES_H
+
+#include <shapefil.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace kzgis::tools {
+
+/// The attributes of a shapefile's records: its dBASE table.
+class Attributes {
+ public:
+  /// @param file  the table itself, or the shapefile it belongs to
+  /// Throws `CommandError` when there is no such table.
+  explicit Attributes(const std::string& file);
+
+  const std::string& name() const { return name_; }
+  int count() const;
+
+  /// The column of a field, upper and lower case alike.
+  std::optional<int> field(const std::string& field_name) const;
+
+  /// One value without the blanks around it; empty where the table has none.
+  ///
+  /// @param record  counted from 1, as the shapefile's
+  std::string text(int record, int field) const;
+
+ private:
+  struct Close {
+    void operator()(DBFHandle table) const { DBFClose(table); }
+  };
+
+  std::string name_;
+  std::unique_ptr<DBFInfo, Close> table_;
+};
+
+}  // namespace kzgis::tools
+
+#endif

@@ -1,0 +1,13 @@
+#ifndef KZGIS_TOOLS_PACK_PACK_COMMAND_H
+#define KZGIS_TOOLS_PACK_PACK_COMMAND_H
+
+#include <CLI/CLI.hpp>
+
+namespace kzgis::tools {
+
+/// Adds `kzgis pack`.  Its exit code is 1 when a record could not be packed.
+void add_pack_command(CLI::App& app, int& exit_code);
+
+}  // namespace kzgis::tools
+
+#endif
