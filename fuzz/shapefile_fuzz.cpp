@@ -4,48 +4,16 @@
 // Input: 2 bytes, little-endian, length of the ".shp" (of what follows, modulo its size
 // plus one); the ".shp"; the rest is the ".shx", whose bytes also choose the operations.
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <sstream>
 #include <string>
 
+#include "fuzz/scratch.h"
 #include "kzgis/shape.h"
 
 namespace {
-
-/// A directory of this process alone, in memory where the host has such a place.
-class ScratchDirectory {
- public:
-  ScratchDirectory() {
-    std::error_code ignored;
-    const bool in_memory = std::filesystem::is_directory("/dev/shm", ignored);
-    path_ = (in_memory ? "/dev/shm" : std::filesystem::temp_directory_path().string()) +
-            "/kzgis_fuzz_XXXXXX";
-    if (mkdtemp(path_.data()) == nullptr) std::abort();
-  }
-  ~ScratchDirectory() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  ScratchDirectory(const ScratchDirectory&) = delete;
-  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
-
-  std::string base() const { return path_ + "/layer"; }
-  void write(const char* ending, const std::uint8_t* data, std::size_t size) const {
-    const int file = open((base() + ending).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (file < 0 || ::write(file, data, size) != static_cast<ssize_t>(size)) std::abort();
-    close(file);
-  }
-
- private:
-  std::string path_;
-};
 
 /// What the readers hand out, with the promises about it that hold for any file.
 struct Record {
@@ -151,9 +119,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::size_t shp_size = (data[0] | static_cast<std::size_t>(data[1]) << 8) % (rest + 1);
   const std::uint8_t* const shx = data + 2 + shp_size;
   const std::size_t shx_size = rest - shp_size;
-  scratch.write(".shp", data + 2, shp_size);
-  scratch.write(".shx", shx, shx_size);
-  const std::string base = scratch.base();
+  scratch.write("layer.shp", data + 2, shp_size);
+  scratch.write("layer.shx", shx, shx_size);
+  const std::string base = scratch.path() + "/layer";
   const std::size_t largest_file = std::max(shp_size, shx_size);
 
   // In file order, one reader at a time, as clients do.  A skip may lead backwards, so

@@ -1,0 +1,65 @@
+// Polygons from a fuzzer's bytes.
+
+#ifndef KZGIS_FUZZ_CONTOURS_H
+#define KZGIS_FUZZ_CONTOURS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "kzgis/types.h"
+
+/// Rings laid end to end.
+struct Contours {
+  std::vector<double> x, y;
+  std::vector<kz_long> starts;
+  bool on_grid = false;  ///< all coordinates are whole numbers from 0 to 15
+};
+
+/// Input: a byte whose lowest bit says how coordinates are written, its other bits how
+/// often all rings are repeated, shifted; then vertices.  On the grid a vertex is one byte,
+/// four bits each way, so that vertices coincide, touch and line up often; otherwise two
+/// doubles as they are in memory, NaN and infinities among them.  A byte 0xFF in front of
+/// a vertex starts a new ring.
+inline Contours contours_of(const std::uint8_t* data, std::size_t size) {
+  constexpr std::size_t kMostVertices = 10000;
+  Contours contours;
+  if (size == 0) return contours;
+  contours.on_grid = (data[0] & 1U) == 0;
+  const unsigned repeats = data[0] >> 1U & 0x0FU;
+  contours.starts.push_back(0);
+  const std::size_t width = contours.on_grid ? 1 : 16;
+  for (std::size_t at = 1; at + width <= size;) {
+    if (data[at] == 0xFF) {
+      contours.starts.push_back(static_cast<kz_long>(contours.x.size()));
+      ++at;
+      continue;
+    }
+    double p[2];
+    if (contours.on_grid) {
+      p[0] = data[at] & 0x0FU;
+      p[1] = data[at] >> 4U;
+    } else {
+      std::memcpy(p, data + at, sizeof p);
+    }
+    contours.x.push_back(p[0]);
+    contours.y.push_back(p[1]);
+    at += width;
+  }
+  const std::size_t vertices = contours.x.size();
+  const std::size_t rings = contours.starts.size();
+  for (unsigned n = 1; n <= repeats && (n + 1) * vertices <= kMostVertices; ++n) {
+    for (std::size_t r = 0; r < rings; ++r) {
+      contours.starts.push_back(static_cast<kz_long>(n * vertices) + contours.starts[r]);
+    }
+    for (std::size_t i = 0; i < vertices; ++i) {
+      // Past the rings before, or touching them; whole numbers in doubles stay exact.
+      contours.x.push_back(contours.x[i] + 15.0 * n);
+      contours.y.push_back(contours.y[i]);
+    }
+  }
+  return contours;
+}
+
+#endif

@@ -1,0 +1,76 @@
+// Fuzzes the polygon tree and the mesh layer with arbitrary rings: crossing, coincident,
+// of no length, wound either way, of NaN and infinite coordinates.
+//
+// Input: see fuzz/contours.h.
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <vector>
+
+#include "fuzz/contours.h"
+#include "kzgis/mesh.h"
+#include "kzgis/polytree.h"
+
+namespace {
+
+void require(bool holds) {
+  if (!holds) std::abort();
+}
+
+double twice_area(const Contours& c, kz_ulong a, kz_ulong b, kz_ulong d) {
+  return (c.x[b] - c.x[a]) * (c.y[d] - c.y[a]) - (c.y[b] - c.y[a]) * (c.x[d] - c.x[a]);
+}
+
+/// Indices in range, and on the grid, where products are exact, no triangle clockwise.
+void check_triangles(const Contours& contours, const kz_ulong* corners, std::size_t count) {
+  require(count % 3 == 0);
+  for (std::size_t i = 0; i < count; ++i) require(corners[i] < contours.x.size());
+  if (!contours.on_grid) return;
+  for (std::size_t i = 0; i < count; i += 3) {
+    require(twice_area(contours, corners[i], corners[i + 1], corners[i + 2]) >= 0.0);
+  }
+}
+
+void check_mesh_layer(const Contours& contours) {
+  const kzgis::Rings rings{contours.x, contours.y, contours.starts};
+  const kzgis::Mesh mesh = kzgis::triangulate(rings);
+  require(!mesh.flaw || mesh.triangles.empty());
+  check_triangles(contours, mesh.triangles.data(), mesh.triangles.size());
+  const kzgis::Nesting nesting = kzgis::nest(rings);
+  if (nesting.flaw) return;
+  require(nesting.parent.size() == contours.starts.size());
+  for (std::size_t r = 0; r < nesting.parent.size(); ++r) {
+    const kz_long parent = nesting.parent[r];
+    require(parent >= -1 && parent < static_cast<kz_long>(nesting.parent.size()));
+    const kz_long above = parent < 0 ? 0 : nesting.depth[static_cast<std::size_t>(parent)];
+    require(nesting.depth[r] == 0 || nesting.depth[r] == above + 1);
+  }
+}
+
+void check_tree(const Contours& contours) {
+  std::vector<kz_ulong> starts(contours.starts.begin(), contours.starts.end());
+  const KZ_GIS_PolygonTree_c tree(0, 0, 0, 0, static_cast<kz_ulong>(starts.size()), starts.data(),
+                                  static_cast<kz_ulong>(contours.x.size()), contours.x.data(),
+                                  contours.y.data());
+  const KZ_GIS_PolygonTree_c copy(tree);
+  kz_ulong announced = 0;
+  require(copy.NumberOfConnections(&announced) == 1);
+  // A ring of one vertex makes the announced number wrap: nothing is written then.
+  const bool wrapped = announced > 6 * contours.x.size() + 6 * contours.starts.size();
+  std::vector<kz_ulong> connections(wrapped ? 0 : announced);
+  kz_ulong written = 0;
+  const kz_ulong status = tree.Triangulate(&written, connections.data());
+  require(status == 1 || status == 2);
+  require(written <= connections.size());
+  check_triangles(contours, connections.data(), written);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const Contours contours = contours_of(data, size);
+  check_mesh_layer(contours);
+  check_tree(contours);
+  return 0;
+}

@@ -1,0 +1,67 @@
+#include "tools/command.h"
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <string>
+
+#include "tools/info/info_command.h"
+#include "tools/map/map_command.h"
+#include "tools/pack/pack_command.h"
+#include "tools/project/project_command.h"
+#include "tools/support/report.h"
+#include "tools/triangulate/triangulate_command.h"
+
+namespace kzgis::tools {
+
+namespace {
+
+constexpr int kFailed = 1;
+constexpr int kMisused = 2;
+
+constexpr const char* kExamples =
+    "Start with:\n"
+    "  kzgis info countries.shp\n"
+    "  kzgis map countries.shp -o world.png --to orthographic --base 45,10\n"
+    "  kzgis triangulate countries.shp -o countries.obj\n"
+    "  echo 48.2,16.37 | kzgis project --to mercator\n";
+
+int run(int argc, const char* const* argv) {
+  CLI::App app(
+      "Geographic utilities: look into geodata files, project coordinates, turn polygons "
+      "into triangles, draw maps, pack outlines.",
+      "kzgis");
+  app.set_version_flag("--version", KZGIS_VERSION);
+  app.require_subcommand(0, 1);
+  app.footer(kExamples);
+  int exit_code = 0;
+  add_info_command(app, exit_code);
+  add_project_command(app, exit_code);
+  add_map_command(app, exit_code);
+  add_triangulate_command(app, exit_code);
+  add_pack_command(app, exit_code);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app.exit(error);
+    report(std::string(error.what()) + " (see kzgis --help)");
+    return kMisused;
+  }
+  if (app.get_subcommands().empty()) {
+    report("a subcommand is missing: info, project, map, triangulate or pack (see kzgis --help)");
+    return kMisused;
+  }
+  return exit_code;
+}
+
+}  // namespace
+
+int run_command(int argc, const char* const* argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& error) {
+    report(error.what());
+    return kFailed;
+  }
+}
+
+}  // namespace kzgis::tools
