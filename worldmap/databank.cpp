@@ -1,5 +1,6 @@
 #include "worldmap/databank.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -34,20 +35,43 @@ int File::seek(kz_ulong offset) {
   return 1;
 }
 
+/// Moves the rest of the window to its front and fills it up from the file.
+void File::fetch() {
+  filled_ -= next_;
+  std::memmove(window_, window_ + next_, filled_);
+  window_start_ += next_;
+  next_ = 0;
+  if (ended_) return;
+  const std::size_t room = kWindowBytes - filled_;
+  const std::size_t got = std::fread(window_ + filled_, 1, room, stream_);
+  filled_ += got;
+  ended_ = got < room;
+}
+
 bool File::refill(std::size_t count) {
-  const std::size_t kept = filled_ - next_;
-  if (!ended_) {
-    std::memmove(window_, window_ + next_, kept);
-    window_start_ += next_;
-    next_ = 0;
-    const std::size_t room = kWindowBytes - kept;
-    const std::size_t got = std::fread(window_ + kept, 1, room, stream_);
-    filled_ = kept + got;
-    ended_ = got < room;
-    if (filled_ >= count) return true;
-  }
+  fetch();
+  if (filled_ >= count) return true;
   next_ = filled_;
   return false;
+}
+
+/// Gives a run of deltas, of which `next` is the first byte not decoded yet, at least one
+/// more.  Behind the end of the file, `previous` or the last word that the file has
+/// repeats: the window is then the file's no longer, and stands empty at its end.
+File::Run File::more(const unsigned char* next, std::uint16_t previous) {
+  next_ = std::min(static_cast<std::size_t>(next - window_), filled_);
+  fetch();
+  if (filled_ >= Deltas::kLongBytes) return run();
+
+  const std::size_t kept = filled_ - filled_ % 2;
+  const std::uint16_t word = kept == 0 ? previous : word_at(window_ + kept - 2);
+  for (std::size_t i = kept; i < kPaddedBytes; i += 2) {
+    window_[i] = static_cast<unsigned char>(word & 0xFF);
+    window_[i + 1] = static_cast<unsigned char>(word >> 8);
+  }
+  window_start_ += filled_;
+  filled_ = 0;
+  return {window_, window_ + kPaddedBytes};
 }
 
 void File::read(Header& header) {
@@ -71,12 +95,11 @@ bool File::read(Entry& entry) {
 
 void File::read(SegmentHeader& header) {
   kz_ulong unused_long = 0;
-  std::uint16_t unused_word = 0;
   if (readMap(&header.lon) != 0) header.lon = wrap_negative(header.lon);
   readMap(&header.lat);
   readMap(&unused_long);
   readMap(&header.count);
-  readMap(&unused_word);
+  readMap(&header.unused);
 }
 
 }  // namespace kzgis::databank

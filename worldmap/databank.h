@@ -65,6 +65,7 @@ struct SegmentHeader {
   kz_long lon = 0;
   kz_long lat = 0;
   kz_ulong count = 0;
+  std::uint16_t unused = 0;  // the word before the first delta
 };
 
 /// A longitude of less than zero, wrapped into [0, 1296000); any other as it is.
@@ -76,6 +77,10 @@ constexpr kz_long wrap_negative(kz_long lon) {
 constexpr kz_long from_ones_complement(kz_ulong bits) {
   const auto value = static_cast<kz_long>(bits);
   return value < 0 ? value + 1 : value;
+}
+
+inline std::uint16_t word_at(const unsigned char* bytes) {
+  return static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);
 }
 
 /// Reads a file through a window in memory: a segment costs a few large reads, and a
@@ -124,31 +129,9 @@ class File {
   bool read(Entry& entry);
   void read(SegmentHeader& header);
 
-  /// Decodes one delta.  For a word that the file no longer has, the last word decoded
-  /// stands in once more.  A delta with a part beyond +-1296000 becomes (0, 0).
-  void nextPoint(kz_long* dlon, kz_long* dlat) {
-    const std::uint16_t first = next_word();
-    if ((first & 0x4000) != 0) {
-      const int high = first >> 8;
-      *dlon = high >= 0x80 ? high - 0x100 : high - 0x40;
-      *dlat = static_cast<std::int8_t>(first & 0xFF);
-      return;
-    }
-    *dlon = long_delta(first);
-    *dlat = long_delta(next_word());
-    if (*dlon < -kTurn_arcsec || *dlon > kTurn_arcsec || *dlat < -kTurn_arcsec ||
-        *dlat > kTurn_arcsec) {
-      *dlon = 0;
-      *dlat = 0;
-    }
-  }
-
  private:
   static constexpr std::size_t kWindowBytes = std::size_t{1} << 14;
-
-  static std::uint16_t word_at(const unsigned char* bytes) {
-    return static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);
-  }
+  static constexpr std::size_t kPaddedBytes = std::size_t{1} << 10;
 
   /// The next `count` bytes, which are then behind; null, with all behind, when the file
   /// has fewer.
@@ -159,16 +142,16 @@ class File {
     return bytes;
   }
   bool refill(std::size_t count);
+  void fetch();
 
-  std::uint16_t next_word() {
-    readMap(&word_);
-    return word_;
-  }
-  /// Bit 15 of `high` is the sign, and stands for bit 14 too, which tells the forms apart.
-  kz_long long_delta(std::uint16_t high) {
-    const kz_ulong extended = high >= 0x8000 ? high | 0xFFFF4000U : high;
-    return static_cast<kz_long>(extended << 16 | next_word());
-  }
+  friend class Deltas;
+  /// Bytes in the window.
+  struct Run {
+    const unsigned char* next;
+    const unsigned char* end;
+  };
+  Run run() const { return {window_ + next_, window_ + filled_}; }
+  Run more(const unsigned char* next, std::uint16_t previous);
 
   std::FILE* stream_;
   std::uint64_t size_ = 0;
@@ -176,8 +159,62 @@ class File {
   std::size_t next_ = 0;
   std::size_t filled_ = 0;
   bool ended_ = false;  // nothing follows the window
-  std::uint16_t word_ = 0;
   unsigned char window_[kWindowBytes];
+};
+
+/// Decodes the deltas behind a segment header.
+///
+/// It keeps its place by itself, in registers where it is a local variable of the loop
+/// that uses it; the file is to be sought before anything else is read from it.
+class Deltas {
+ public:
+  /// Starts where `file` is.  `previous` is the word before the first delta.
+  Deltas(File& file, std::uint16_t previous)
+      : file_(file), start_(file.run().next), run_(file.run()), previous_(previous) {}
+
+  /// Decodes one delta.  For a word that the file no longer has, the last one it has
+  /// stands in once more.  A delta with a part beyond +-1296000 becomes (0, 0).
+  void nextPoint(kz_long* dlon, kz_long* dlat) {
+    if (run_.end - run_.next < kLongBytes) refill();
+    const std::uint16_t first = word_at(run_.next);
+    if ((first & 0x4000) != 0) {
+      const int high = first >> 8;
+      *dlon = high - 0x40 - 0xC0 * (high >> 7);
+      *dlat = static_cast<std::int8_t>(first & 0xFF);
+      run_.next += kShortBytes;
+      return;
+    }
+    *dlon = long_delta(first, word_at(run_.next + 2));
+    *dlat = long_delta(word_at(run_.next + 4), word_at(run_.next + 6));
+    run_.next += kLongBytes;
+    if (*dlon < -kTurn_arcsec || *dlon > kTurn_arcsec || *dlat < -kTurn_arcsec ||
+        *dlat > kTurn_arcsec) {
+      *dlon = 0;
+      *dlat = 0;
+    }
+  }
+
+ private:
+  friend class File;
+  static constexpr int kShortBytes = 2;
+  static constexpr int kLongBytes = 8;
+
+  /// Bit 15 of `high` is the sign, and stands for bit 14 too, which tells the forms apart.
+  static kz_long long_delta(std::uint16_t high, std::uint16_t low) {
+    const kz_ulong extended = high >= 0x8000 ? high | 0xFFFF4000U : high;
+    return static_cast<kz_long>(extended << 16 | low);
+  }
+
+  void refill() {
+    if (run_.next != start_) previous_ = word_at(run_.next - 2);
+    run_ = file_.more(run_.next, previous_);
+    start_ = run_.next;
+  }
+
+  File& file_;
+  const unsigned char* start_;
+  File::Run run_;
+  std::uint16_t previous_;
 };
 
 }  // namespace kzgis::databank
