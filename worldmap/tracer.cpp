@@ -115,6 +115,9 @@ const char* Tracer::trace(const databank::SegmentHeader& segment) {
 /// `LatLon` measures in degrees; its rounding stays far below the one arc-second that the
 /// reach is short of the inscribed square.
 void Tracer::surround_kept_point() {
+  near_ = {};
+  // A first point may lie at 1296000, which `LatLon` turns into 0.
+  if (kept_lon_ == kTurn_arcsec) return;
   const bool eastern = kept_lon_ < kHalfTurn_arcsec;
   const kz_long west =
       box_.wraps ? (eastern ? 0 : std::max(box_.west, kHalfTurn_arcsec)) : box_.west;
@@ -145,7 +148,6 @@ double Tracer::distance_squared(kz_long lon, kz_long lat) const {
 /// `LatLon` decides, in degrees.  Its rounding stays far below one square arc-second, so
 /// that whole numbers can tell most points that are too near.
 bool Tracer::is_far(kz_long lon, kz_long lat) const {
-  // A first point may lie at 1296000, which `LatLon` turns into 0.
   const std::int64_t dlon = lon - (kept_lon_ == kTurn_arcsec ? 0 : kept_lon_);
   const std::int64_t dlat = lat - kept_lat_;
   if (dlon * dlon + dlat * dlat + 1 < limit_) return false;
