@@ -4,6 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <limits>
+#include <utility>
+
+#include "polytree/exact.h"
 
 namespace kzgis::polytree {
 
@@ -13,6 +18,11 @@ constexpr kz_ulong kRoot = 0;
 constexpr kz_ulong kNone = 0;           // nothing links to the root as a child or sibling
 constexpr kz_ulong kManyChildren = 64;  // from here on an index beats looking at each
 constexpr kz_ulong kStretch = 64;       // edges passed over at once
+constexpr std::size_t kLongChain = 8;   // from here on it is looked for a level to skip to
+// Pairs of edges of two rings that are to be found clear of each other: rings of more do not
+// come in such numbers that walking past them takes long.
+constexpr std::uint64_t kMostPairs = 1 << 17;
+constexpr double kLargest = 0x1p+400;  // what is known of rounding errors holds up to here
 
 }  // namespace
 
@@ -31,6 +41,7 @@ void Nesting::describe(kz_ulong ring) {
   node.GetBounds(&own.box.x_min, &own.box.y_min, &own.box.x_max, &own.box.y_max);
   own.edges = node.NumberOfEdges();
   own.numbers = true;
+  own.largest = 0.0;
   own.first_stretch = stretches_.size();
   const kz_ulong count = node.NumberOfVertices();
   if (count == 0) return;
@@ -44,6 +55,10 @@ void Nesting::describe(kz_ulong ring) {
       heights.low = std::min(heights.low, v.y);
       heights.high = std::max(heights.high, v.y);
       if (std::isnan(v.x) || std::isnan(v.y)) own.numbers = false;
+      for (const double c : {v.x, v.y}) {
+        own.largest = exact::in_range(c) ? std::max(own.largest, std::fabs(c))
+                                         : std::numeric_limits<double>::infinity();
+      }
     }
     stretches_.push_back(heights);
   }
@@ -75,16 +90,33 @@ void Nesting::insert(kz_ulong ring) {
   for (;;) {
     find_overlapping(level, ring);
     find_contained(ring);
-    if (!contained_.empty()) {
-      for (const kz_ulong child : contained_) {
-        unlink(child);
-        append(ring, child);
-      }
-      break;
-    }
+    if (!contained_.empty()) break;
     const kz_ulong around = first_around(ring);
     if (around == kNone) break;
+    // Within a chain there is nothing to skip to, or it would have been done at its start.
+    const bool known = chained(level);
     level = around;
+    if (!known) level = skip_levels(level, ring);
+  }
+  settle(level, ring);
+}
+
+/// Puts the ring on the level, with the children that it takes below it.
+void Nesting::settle(kz_ulong level, kz_ulong ring) {
+  if (contained_.size() == 1 && chained(level)) {
+    const kz_ulong child = contained_[0];
+    if (clear(level, ring) && clear(ring, child)) {
+      // The chain stays whole.
+      const kz_ulong chain = links_[level].chain;
+      links_[ring].chain = chain;
+      chains_[chain].insert(ring);
+    } else {
+      cut_chain(level);
+    }
+  }
+  for (const kz_ulong child : contained_) {
+    unlink(child);
+    append(ring, child);
   }
   append(level, ring);
 }
@@ -127,6 +159,7 @@ kz_ulong Nesting::first_around(kz_ulong ring) {
 void Nesting::append(kz_ulong level, kz_ulong ring) {
   Links& up = links_[level];
   Links& own = links_[ring];
+  if (chained(level)) cut_chain(level);
   own.parent = level;
   own.previous = up.last_child;
   own.next = kNone;
@@ -144,6 +177,7 @@ void Nesting::append(kz_ulong level, kz_ulong ring) {
       fresh.insert(rings_[child].box, child);
     }
   }
+  if (up.children == 1 && level != kRoot) extend_chain(level, ring);
 }
 
 void Nesting::unlink(kz_ulong ring) {
@@ -152,6 +186,105 @@ void Nesting::unlink(kz_ulong ring) {
   (own.previous == kNone ? up.first_child : links_[own.previous].next) = own.next;
   (own.next == kNone ? up.last_child : links_[own.next].previous) = own.previous;
   --up.children;
+}
+
+// Chains.
+
+/// Whether one ring's box lies within the other's, and its first vertex in the other ring.
+bool Nesting::surrounds(kz_ulong outer, kz_ulong inner) const {
+  const Box& around = rings_[outer].box;
+  const Box& box = rings_[inner].box;
+  return around.x_min < box.x_min && around.y_min < box.y_min && box.x_max < around.x_max &&
+         box.y_max < around.y_max && inside(inner, outer);
+}
+
+/// Whether `inner` lies in `outer` and keeps clear of it.
+bool Nesting::clear(kz_ulong outer, kz_ulong inner) {
+  const Ring& around = rings_[outer];
+  const Ring& own = rings_[inner];
+  const std::uint64_t pairs = std::uint64_t{around.edges} * own.edges;
+  if (pairs == 0 || pairs > kMostPairs) return false;
+  if (around.largest > kLargest || own.largest > kLargest) return false;
+  if (!surrounds(outer, inner)) return false;
+  list_sides(outer, outer_sides_);
+  list_sides(inner, inner_sides_);
+  return keep_apart(outer_sides_, inner_sides_, around.largest);
+}
+
+void Nesting::list_sides(kz_ulong ring, std::vector<Side>& sides) const {
+  sides.clear();
+  const KZ_GIS_PolygonNode_c& node = nodes_[ring];
+  const kz_ulong edges = rings_[ring].edges;
+  for (kz_ulong i = 0; i < edges; ++i) {
+    const auto a = node.At(i);
+    const auto b = node.At(i + 1 < node.NumberOfVertices() ? i + 1 : 0);
+    const bool rightward = a.x != b.x ? a.x < b.x : a.y < b.y;
+    sides.push_back(rightward ? Side{a.x, a.y, b.x, b.y} : Side{b.x, b.y, a.x, a.y});
+  }
+}
+
+/// Whether a level and its only child follow each other in a chain.
+bool Nesting::chained(kz_ulong level) const {
+  const Links& up = links_[level];
+  return up.chain != 0 && up.children == 1 && links_[up.first_child].chain == up.chain;
+}
+
+/// Puts a level and its only child into one chain if they are clear of each other.  Two
+/// chains stay two: had they anything in common, the ring that came between would be.
+void Nesting::extend_chain(kz_ulong level, kz_ulong ring) {
+  kz_ulong& up = links_[level].chain;
+  kz_ulong& own = links_[ring].chain;
+  if ((up != 0 && own != 0) || !clear(level, ring)) return;
+  if (up == 0 && own == 0) {
+    own = static_cast<kz_ulong>(chains_.size());
+    chains_.emplace_back(Inward{this});
+    chains_.back().insert(ring);
+  }
+  if (up == 0) {
+    up = own;
+    chains_[up].insert(level);
+  } else {
+    own = up;
+    chains_[own].insert(ring);
+  }
+}
+
+/// Parts a chain between a level and its only child.
+void Nesting::cut_chain(kz_ulong level) {
+  Chain& chain = chains_[links_[level].chain];
+  const auto cut = std::next(chain.find(level));
+  // The shorter part goes into a chain of its own: all cuts of a chain together then take
+  // no more than its length times the logarithm of it.
+  auto front = chain.begin();
+  auto back = chain.end();
+  while (front != cut && back != cut) {
+    ++front;
+    --back;
+  }
+  auto from = front == cut ? chain.begin() : cut;
+  const auto to = front == cut ? cut : chain.end();
+  const auto number = static_cast<kz_ulong>(chains_.size());
+  Chain part(Inward{this});
+  while (from != to) {
+    links_[*from].chain = number;
+    part.insert(part.end(), chain.extract(from++));
+  }
+  chains_.push_back(std::move(part));
+}
+
+/// The level that a ring comes to which goes down from the first of a chain: a ring of the
+/// chain around it, the levels down to which have nothing to decide, or the first itself.
+kz_ulong Nesting::skip_levels(kz_ulong level, kz_ulong ring) {
+  if (!chained(level) || rings_[ring].largest > kLargest) return level;
+  const Chain& chain = chains_[links_[level].chain];
+  if (chain.size() < kLongChain) return level;
+  // A ring that touches the innermost around it may be clear of the next one.
+  auto around = chain.lower_bound(Inward::Other{ring});
+  for (int tries = 0; tries < 2 && around != chain.begin(); ++tries) {
+    --around;
+    if (clear(*around, ring)) return *around;
+  }
+  return level;
 }
 
 }  // namespace kzgis::polytree

@@ -222,6 +222,75 @@ TEST(Nesting, FollowsTheRuleInEveryOrder) {
   }
 }
 
+/// Rings around the origin, of half the width given: squares, diamonds, and circles of
+/// differing numbers of vertices, turned by any angle.
+Points around_origin(std::mt19937_64& random, int shape, double radius) {
+  if (shape == 0) return boundary(-radius, -radius, radius, radius);
+  const int corners = shape == 1 ? 4 : 3 + static_cast<int>(random() % 30);
+  const double turned = shape == 1 ? 0.0 : static_cast<double>(random() % 6283) / 1000.0;
+  Points ring;
+  for (int i = 0; i < corners; ++i) {
+    const double angle = turned + 6.283185307179586 * i / corners;
+    ring.emplace_back(radius * std::cos(angle), radius * std::sin(angle));
+  }
+  return ring;
+}
+
+TEST(Nesting, FollowsTheRuleInDeepNests) {
+  // One ring in another, now and then with a sibling, a touch, a crossing or a vertex a
+  // few units in the last place from a side; outermost first, or in parts, or anyhow.
+  constexpr std::uint64_t kSeed = 67;
+  std::mt19937_64 random(kSeed);
+  for (int run = 0; run < 600; ++run) {
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << " run " << run);
+    const int shape = static_cast<int>(random() % 3);
+    const int odd = run % 3 == 0 ? 0 : 1 + static_cast<int>(random() % 30);
+    std::vector<Points> made;
+    double radius = 1000.0;
+    for (auto depth = 2 + random() % 80; depth > 0; --depth) {
+      // Circles of few corners only lie in each other when they shrink fast.
+      radius *= shape == 2 && random() % 2 == 0 ? 0.6 : 0.98;
+      made.push_back(around_origin(random, shape, radius));
+      if (odd == 0 || random() % static_cast<unsigned>(odd) != 0) continue;
+      Points other = around_origin(random, shape, radius * 0.99);
+      const auto choice = random() % 4;
+      if (choice == 0) {  // small, beside the next
+        for (auto& [x, y] : other) x = 0.985 * radius + x * 1e-3, y *= 1e-3;
+      } else if (choice == 1) {  // crosses
+        for (auto& [x, y] : other) x += 0.3 * radius;
+      } else if (choice == 2) {  // touches, or nearly
+        other[0] = made.back()[0];
+        if (random() % 2 == 0) other[0].first = std::nextafter(other[0].first, 0.0);
+      } else {
+        other = made.back();  // the same again
+        std::rotate(other.begin(), other.begin() + 1, other.end());
+      }
+      made.push_back(other);
+    }
+    std::vector<std::size_t> order(made.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    if (run % 4 == 1) {  // from both ends in turn
+      for (std::size_t i = 0; i < order.size(); ++i) {
+        order[i] = i % 2 == 0 ? i / 2 : made.size() - 1 - i / 2;
+      }
+    } else if (run % 4 == 2) {  // some of the inner ones too late
+      for (auto late = random() % 8; late > 0; --late) {
+        std::swap(order[random() % order.size()], order[random() % order.size()]);
+      }
+    } else if (run % 4 == 3) {
+      std::ranges::shuffle(order, random);
+    }
+    Rings rings;
+    for (const std::size_t ring : order) rings.add(made[ring]);
+    Nodes nodes(rings);
+    Nodes asked(rings);
+    const PlainNesting expected(made.size(), [&](std::size_t outer, std::size_t inner) {
+      return asked.nodes[outer].Contains(asked.nodes[inner]) == 1;
+    });
+    ASSERT_EQ(text(Nesting(nodes.nodes)), expected.text());
+  }
+}
+
 TEST(Nesting, AsksWhatTheNodesWouldAnswer) {
   // Rings that cross, touch, are closed or open, level or nothing, and now and then no
   // numbers; small ones and ones of several stretches.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <numeric>
 #include <random>
 #include <set>
 #include <vector>
@@ -263,18 +264,69 @@ TEST(PolygonTree, AHundredThousandDeep) {
   EXPECT_EQ(range(mesh, 1200000 - 24, 1200000), Range(399992, 399999));
 }
 
-TEST(PolygonTree, DeepFromTheOutsideIn) {
+/// Squares around the origin, the i-th of them at the level `levels[i]` from the outermost.
+Rings squares_in_each_other(const std::vector<int>& levels) {
   Rings rings;
-  const int depth = 2000;
-  for (int level = 1; level <= depth; ++level) {
-    const double r = depth + 1 - level;
-    rings.add(level % 2 == 1 ? boundary(-r, -r, r, r) : hole(-r, -r, r, r));
+  const auto depth = static_cast<int>(levels.size());
+  for (const int level : levels) {
+    const double r = depth - level;
+    rings.add(level % 2 == 0 ? boundary(-r, -r, r, r) : hole(-r, -r, r, r));
   }
+  return rings;
+}
+
+constexpr int kDepth = 100000;
+
+TEST(PolygonTree, DeepFromTheOutsideIn) {
+  std::vector<int> levels(kDepth);
+  std::iota(levels.begin(), levels.end(), 0);
+  const Rings rings = squares_in_each_other(levels);
   const KZ_GIS_PolygonTree_c tree = rings.tree();
-  EXPECT_EQ(connections(tree), 24000u);
+  EXPECT_EQ(connections(tree), 1200000u);
   const Triangulation mesh = triangulate(tree);
   EXPECT_EQ(mesh.status, 1u);
-  EXPECT_EQ(range(mesh, 0, 24), Range(4 * 1998, 4 * 1999 + 3));
+  EXPECT_EQ(range(mesh, 0, 24), Range(4 * 99998, 4 * 99999 + 3));
+}
+
+TEST(PolygonTree, DeepFromBothEndsInTurn) {
+  std::vector<int> levels(kDepth);
+  for (int i = 0; i < kDepth; ++i) {
+    levels[static_cast<std::size_t>(i)] = i % 2 == 0 ? i / 2 : kDepth - 1 - i / 2;
+  }
+  EXPECT_EQ(connections(squares_in_each_other(levels).tree()), 1200000u);
+}
+
+TEST(PolygonTree, DeepFromTheMiddleInAndOut) {
+  std::vector<int> levels(kDepth);
+  for (int i = 0; i < kDepth; ++i) {
+    levels[static_cast<std::size_t>(i)] = kDepth / 2 + (i % 2 == 0 ? i / 2 : -1 - i / 2);
+  }
+  EXPECT_EQ(connections(squares_in_each_other(levels).tree()), 1200000u);
+}
+
+TEST(PolygonTree, DeepInAnyOrder) {
+  std::vector<int> levels(kDepth);
+  std::iota(levels.begin(), levels.end(), 0);
+  std::mt19937_64 random(68);
+  std::ranges::shuffle(levels, random);
+  EXPECT_EQ(connections(squares_in_each_other(levels).tree()), 1200000u);
+}
+
+TEST(PolygonTree, DeepWithASecondChildOnEveryLevelThatComesLate) {
+  // They cut the row of rings one by one, from the outermost in.
+  Rings rings;
+  for (int level = 0; level < 2 * kDepth / 10; ++level) {
+    const double r = 10.0 * (2 * kDepth - level);
+    rings.add(boundary(-r, -r, r, r));
+  }
+  const kz_ulong before = connections(rings.tree());
+  EXPECT_EQ(before, 240000u);
+  for (int level = 0; level < 50; ++level) {
+    const double r = 10.0 * (2 * kDepth - level);
+    rings.add(hole(r - 3.0, 0.0, r - 2.0, 1.0));
+  }
+  // Twenty-five more holes, and as many boundaries inside holes.
+  EXPECT_EQ(connections(rings.tree()), before + 25u * 18u + 25u * 6u);
 }
 
 TEST(PolygonTree, AHundredThousandSideBySide) {
@@ -285,6 +337,17 @@ TEST(PolygonTree, AHundredThousandSideBySide) {
     rings.add(hole(x + 1.0, y + 1.0, x + 2.0, y + 2.0));
   }
   EXPECT_EQ(connections(rings.tree()), 600000u);
+}
+
+TEST(PolygonTree, AHundredThousandInOne) {
+  Rings rings{boundary(0.0, 0.0, 1000.0, 1000.0)};
+  for (int i = 0; i < 100000; ++i) {
+    const double x = 3.0 * (i % 317);
+    const double y = 3.0 * (i / 317);
+    rings.add(hole(x + 1.0, y + 1.0, x + 2.0, y + 2.0));
+  }
+  // V + 2 (h - 1), V with the boundary's own four.
+  EXPECT_EQ(connections(rings.tree()), 3u * (400004u + 2u * 99999u));
 }
 
 // Properties.
