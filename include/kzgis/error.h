@@ -10,7 +10,7 @@ enum class ErrorKind {
   none,          ///< it did not fail
   bad_argument,  ///< arguments that do not fit each other
   bad_data,      ///< the data is not what the operation works on
-  too_fine,      ///< details smaller than double precision can part
+  unproved,      ///< a result came out that could not be proved right, and is withheld
   out_of_memory,
 };
 

@@ -54,12 +54,12 @@ struct Nesting {
 ///
 /// Rings may touch themselves and each other, in a vertex or along edges, and have repeated
 /// vertices, spikes without area and runs of vertices on one line.  They may not cross or
-/// overlap, nor repeat one another.  Where a touch lies within a few units in the last place
-/// of another vertex or side, doubles may not suffice to part the corners: that is refused as
-/// `ErrorKind::too_fine`, never guessed.  The same input gives the same triangles.
+/// overlap, nor repeat one another; nothing else is refused, however close to each other
+/// vertices and sides lie.  The same input gives the same triangles.
 ///
 /// The plane sweep is that of M. I. Shamos and D. Hoey, "Geometric intersection problems"
-/// (1976), in exact arithmetic; the triangles are those of R. Seidel (1991).
+/// (1976), in exact arithmetic; the triangles are those of R. Seidel (1991), and where the
+/// polygon touches itself those of S. Hertel and K. Mehlhorn (1983).
 KZGIS_EXPORT Mesh triangulate(const Rings& rings);
 
 /// Finds the true containment of the rings, touching ones included.

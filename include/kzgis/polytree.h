@@ -240,9 +240,8 @@ class KZGIS_EXPORT KZ_GIS_PolygonTree_c {
   ///                     room for as many as `NumberOfConnections` gives, and no more are
   ///                     written
   /// @return 1; 2 when a boundary could not be triangulated: its rings cross or run
-  ///         the wrong way, or touch too closely; 14 without memory.  After a failure `*count` and
-  ///         `connections` hold the boundaries before that one, complete.  An empty tree leaves
-  ///         both alone
+  ///         the wrong way; 14 without memory.  After a failure `*count` and `connections`
+  ///         hold the boundaries before that one, complete.  An empty tree leaves both alone
   kz_ulong Triangulate(kz_ulong* count, kz_ulong* connections) const;
 
  private:

@@ -293,6 +293,67 @@ TEST(MeshProperty, CellsTileTheirMask) {
   }
 }
 
+// On a decimal grid hardly a coordinate is what it was meant to be, so that a vertex that
+// lies on a side by the decimals is an ulp beside it, on either hand: close to where a face
+// touches itself, too.
+
+TEST(Mesh, HandlesAVertexAnUlpFromASideWhereRingsTouch) {
+  Polygon arrow;
+  arrow.add({{0.3, -0.21},
+             {0.9000000000000001, -0.21},
+             {0.9000000000000001, 0.3900000000000001},
+             {0.3, 0.3900000000000001},
+             {0.5, 0.19000000000000003}});
+  arrow.add({{0.6000000000000001, -0.009999999999999981},
+             {0.4, 0.3900000000000001},
+             {0.8, 0.29000000000000004}});
+  Polygon minute;
+  minute.add(square(0.0, 0.0, 4e-9));
+  minute.add({{1e-9, 1e-9}, {4e-9, 0}, {1e-9, 3.0000000000000004e-9}});
+  minute.add({{3.0000000000000004e-9, 2e-9},
+              {3.0000000000000004e-9, 1e-9},
+              {2e-9, 3.0000000000000004e-9}});
+  // Twice the areas by the decimals: 0.72 - 0.12 - 0.14, and 32e-18 - 6e-18 - 1e-18.
+  const kzgis::Mesh first = kzgis::triangulate(arrow.rings());
+  EXPECT_EQ(first.flaw.message, "");
+  EXPECT_NEAR(twice_area(arrow, first), 0.46, 1e-15);
+  const kzgis::Mesh second = kzgis::triangulate(minute.rings());
+  EXPECT_EQ(second.flaw.message, "");
+  EXPECT_NEAR(twice_area(minute, second), 25e-18, 1e-32);
+}
+
+TEST(MeshProperty, RefusesNothingThatTouchesOnADecimalGrid) {
+  std::mt19937_64 random(kSeed);
+  int accepted = 0;
+  for (int round = 0; round < 60000; ++round) {
+    SCOPED_TRACE("seed " + std::to_string(kSeed) + " round " + std::to_string(round));
+    const int n = 4 + static_cast<int>(random() % 4);
+    const double step = std::array{0.1, 0.01, 1e-9, 0.3, 1.0 / 3.0, 1e7 / 7.0}[random() % 6];
+    const double offset_x = step * static_cast<double>(random() % 5) * 0.7;
+    const double offset_y = step * static_cast<double>(random() % 5) * -0.7;
+    const auto at = [&](int i, int j) {
+      return std::pair(offset_x + i * step, offset_y + j * step);
+    };
+    const auto anywhere = [&] {
+      const auto i = static_cast<int>(random() % static_cast<unsigned>(n + 1));
+      return at(i, static_cast<int>(random() % static_cast<unsigned>(n + 1)));
+    };
+    Polygon polygon;
+    std::vector<std::pair<double, double>> outer{at(0, 0), at(n, 0), at(n, n), at(0, n)};
+    if (random() % 2 == 0) outer.push_back(anywhere());
+    polygon.add(outer);
+    for (auto holes = 1 + random() % 4; holes > 0; --holes) {
+      polygon.add({anywhere(), anywhere(), anywhere()});
+    }
+    // Most of them overlap, and are no polygons.
+    if (kzgis::nest(polygon.rings()).flaw) continue;
+    ++accepted;
+    const kzgis::Mesh mesh = kzgis::triangulate(polygon.rings());
+    ASSERT_EQ(mesh.flaw.message, "");
+  }
+  EXPECT_GT(accepted, 5000);
+}
+
 /// Whether two segments with whole coordinates have a point in common that is no end of
 /// either, or lie on top of each other for a stretch.
 bool interiors_meet(const std::array<std::int64_t, 4>& s, const std::array<std::int64_t, 4>& t) {

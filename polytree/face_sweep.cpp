@@ -1,0 +1,257 @@
+// A sweep line crosses the face in intervals, each between a side below it and a side above
+// it.  To the left of the line, from the left end of the one side to that of the other, an
+// interval ends in a chain of corners that never turns right on the way up: whatever could
+// be cut off has been.  The corner that came last lies farthest to the right, and it sees
+// along the line; from there the chain leads back to the left both ways.
+//
+// Where a face touches itself each of its corners still has a wedge of the inside that
+// nothing enters.  So no two corners of one site come into the same interval, and it does
+// not matter that their places are the same.
+
+#include "polytree/face_sweep.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <numeric>
+#include <set>
+
+#include "polytree/exact.h"
+
+namespace kzgis::polytree {
+
+namespace {
+
+class FaceSweep {
+ public:
+  FaceSweep(const Arrangement& arrangement, const Face& face)
+      : a_(arrangement), status_(Upward{this}) {
+    for (const Contour& contour : face) {
+      const auto first = static_cast<std::uint32_t>(corners_.size());
+      const auto size = static_cast<std::uint32_t>(contour.size());
+      for (std::uint32_t i = 0; i < size; ++i) {
+        corners_.push_back({contour[i], first + (i + size - 1) % size, first + (i + 1) % size});
+      }
+    }
+    interval_below_.assign(corners_.size(), kNone);
+    interval_above_.assign(corners_.size(), kNone);
+    triangles_.reserve(3 * (corners_.size() + 2 * face.size()));
+  }
+
+  std::vector<kz_long> run() {
+    // Of the corners of one site, those that have a side on the left come first.
+    std::vector<std::uint32_t> order(corners_.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::sort(order.begin(), order.end(), [this](std::uint32_t a, std::uint32_t b) {
+      if (site(a) != site(b)) return site(a) < site(b);
+      const bool a_opens = opens(a);
+      const bool b_opens = opens(b);
+      return a_opens != b_opens ? b_opens : a < b;
+    });
+    for (const std::uint32_t corner : order) pass(corner);
+    return std::move(triangles_);
+  }
+
+ private:
+  /// A corner, and those before and after it.  The side that starts there has its number.
+  struct Corner {
+    std::uint32_t site, before, after;
+  };
+  /// A place in a chain.
+  struct Link {
+    std::uint32_t corner;
+    std::uint32_t below, above;  // links; kNone at the ends
+  };
+  struct Interval {
+    std::uint32_t lower, upper;  // sides
+    std::uint32_t bottom, top;   // ends of the chain: links
+    std::uint32_t last;          // the link that came last
+  };
+  /// Order of intervals along the sweep line: that of their lower sides.
+  struct Upward {
+    const FaceSweep* sweep = nullptr;
+    using is_transparent = void;
+
+    bool operator()(std::uint32_t a, std::uint32_t b) const {
+      const std::uint32_t p = sweep->intervals_[a].lower;
+      const std::uint32_t q = sweep->intervals_[b].lower;
+      const std::uint32_t p_end = sweep->corners_[p].after;
+      const std::uint32_t q_end = sweep->corners_[q].after;
+      if (sweep->site(p) == sweep->site(q)) return sweep->turn(p, p_end, q_end) > 0;
+      if (sweep->site(p) < sweep->site(q)) return sweep->turn(p, p_end, q) > 0;
+      return sweep->turn(q, q_end, p) < 0;
+    }
+    /// Whether the lower side runs below a corner.
+    struct At {
+      std::uint32_t corner;
+    };
+    bool operator()(std::uint32_t a, At b) const {
+      const std::uint32_t p = sweep->intervals_[a].lower;
+      return sweep->turn(p, sweep->corners_[p].after, b.corner) > 0;
+    }
+  };
+
+  std::uint32_t site(std::uint32_t corner) const { return corners_[corner].site; }
+
+  int turn(std::uint32_t p, std::uint32_t q, std::uint32_t r) const {
+    const Site& u = a_.sites[site(p)];
+    const Site& v = a_.sites[site(q)];
+    const Site& w = a_.sites[site(r)];
+    return exact::orientation(u.x, u.y, v.x, v.y, w.x, w.y);
+  }
+
+  /// Whether both sides at a corner lead to the right.
+  bool opens(std::uint32_t corner) const {
+    const Corner& c = corners_[corner];
+    return site(c.before) > c.site && site(c.after) > c.site;
+  }
+
+  // The inside lies on the left of every side: above one that leads to the right, the lower
+  // side of an interval, and below one that leads to the left.
+
+  void pass(std::uint32_t corner) {
+    const Corner& c = corners_[corner];
+    const bool from_left = site(c.before) < c.site;
+    const bool to_left = site(c.after) < c.site;
+    const bool convex = turn(c.before, corner, c.after) > 0;
+    if (from_left && !to_left) {
+      const std::uint32_t i = interval_above_[c.before];
+      put_at_bottom(intervals_[i], corner);
+      set_lower(i, corner);
+    } else if (!from_left && to_left) {
+      const std::uint32_t i = interval_below_[corner];
+      put_on_top(intervals_[i], corner);
+      set_upper(i, c.before);
+    } else if (to_left) {
+      convex ? close(corner) : merge(corner);
+    } else {
+      convex ? open(corner) : split(corner);
+    }
+  }
+
+  void open(std::uint32_t corner) {
+    const std::uint32_t link = add_link(corner);
+    const std::uint32_t i = add_interval({kNone, kNone, link, link, link});
+    set_lower(i, corner);
+    set_upper(i, corners_[corner].before);
+    places_[i] = status_.insert(i).first;
+  }
+
+  void close(std::uint32_t corner) {
+    const std::uint32_t i = interval_above_[corners_[corner].before];
+    for (std::uint32_t l = intervals_[i].bottom; links_[l].above != kNone; l = links_[l].above) {
+      add_triangle(corner, links_[links_[l].above].corner, links_[l].corner);
+    }
+    status_.erase(places_[i]);
+  }
+
+  /// The corner comes into the middle of an interval from the right.
+  void split(std::uint32_t corner) {
+    const std::uint32_t i = *std::prev(status_.lower_bound(Upward::At{corner}));
+    // The chain parts at the corner that came last, which belongs to both parts.
+    const std::uint32_t own = intervals_[i].last;
+    const std::uint32_t copy = add_link(links_[own].corner);
+    links_[copy].above = links_[own].above;
+    if (links_[own].above != kNone) links_[links_[own].above].below = copy;
+    links_[own].above = kNone;
+    const std::uint32_t top = intervals_[i].top == own ? copy : intervals_[i].top;
+    const std::uint32_t upper = add_interval({kNone, kNone, copy, top, copy});
+    set_upper(upper, intervals_[i].upper);
+    put_at_bottom(intervals_[upper], corner);
+    set_lower(upper, corner);
+    intervals_[i].top = own;
+    put_on_top(intervals_[i], corner);
+    set_upper(i, corners_[corner].before);
+    places_[upper] = status_.insert(upper).first;
+  }
+
+  /// Two intervals end at the corner, which lies between them, and go on as one.
+  void merge(std::uint32_t corner) {
+    const std::uint32_t below = interval_below_[corner];
+    const std::uint32_t above = interval_above_[corners_[corner].before];
+    put_on_top(intervals_[below], corner);
+    put_at_bottom(intervals_[above], corner);
+    // The upper one's link for the corner gives way to the lower one's.
+    const std::uint32_t last = intervals_[below].top;
+    const std::uint32_t next = links_[intervals_[above].bottom].above;
+    links_[last].above = next;
+    if (next != kNone) {
+      links_[next].below = last;
+      intervals_[below].top = intervals_[above].top;
+    }
+    set_upper(below, intervals_[above].upper);
+    status_.erase(places_[above]);
+  }
+
+  /// Cuts off what the corner sees of the chain from the lower end on, and puts it there.
+  void put_at_bottom(Interval& interval, std::uint32_t corner) {
+    std::uint32_t& end = interval.bottom;
+    for (; links_[end].above != kNone; end = links_[end].above) {
+      const std::uint32_t next = links_[links_[end].above].corner;
+      if (turn(corner, links_[end].corner, next) >= 0) break;
+      add_triangle(corner, next, links_[end].corner);
+    }
+    const std::uint32_t link = add_link(corner);
+    links_[link].above = end;
+    links_[end].below = link;
+    end = interval.last = link;
+  }
+
+  /// The same from the upper end on.
+  void put_on_top(Interval& interval, std::uint32_t corner) {
+    std::uint32_t& end = interval.top;
+    for (; links_[end].below != kNone; end = links_[end].below) {
+      const std::uint32_t next = links_[links_[end].below].corner;
+      if (turn(next, links_[end].corner, corner) >= 0) break;
+      add_triangle(corner, links_[end].corner, next);
+    }
+    const std::uint32_t link = add_link(corner);
+    links_[link].below = end;
+    links_[end].above = link;
+    end = interval.last = link;
+  }
+
+  void add_triangle(std::uint32_t a, std::uint32_t b, std::uint32_t c) {
+    for (const std::uint32_t corner : {a, b, c}) triangles_.push_back(static_cast<kz_long>(corner));
+  }
+
+  std::uint32_t add_link(std::uint32_t corner) {
+    links_.push_back({corner, kNone, kNone});
+    return static_cast<std::uint32_t>(links_.size() - 1);
+  }
+
+  std::uint32_t add_interval(const Interval& interval) {
+    intervals_.push_back(interval);
+    places_.push_back(status_.end());
+    return static_cast<std::uint32_t>(intervals_.size() - 1);
+  }
+
+  void set_lower(std::uint32_t interval, std::uint32_t side) {
+    intervals_[interval].lower = side;
+    interval_above_[side] = interval;
+  }
+  void set_upper(std::uint32_t interval, std::uint32_t side) {
+    intervals_[interval].upper = side;
+    interval_below_[side] = interval;
+  }
+
+  const Arrangement& a_;
+  std::vector<Corner> corners_;
+  std::vector<Link> links_;
+  std::vector<Interval> intervals_;
+  std::vector<std::uint32_t> interval_below_;  // of each side that leads to the left
+  std::vector<std::uint32_t> interval_above_;  // of each side that leads to the right
+  using Status = std::set<std::uint32_t, Upward>;
+  Status status_;
+  std::vector<Status::iterator> places_;  // of each interval, whose sides may end now
+  std::vector<kz_long> triangles_;
+};
+
+}  // namespace
+
+std::vector<kz_long> sweep_face(const Arrangement& arrangement, const Face& face) {
+  return FaceSweep(arrangement, face).run();
+}
+
+}  // namespace kzgis::polytree
