@@ -10,7 +10,6 @@
 #include <new>
 #include <string>
 
-#include "kzgis/triangulate.h"
 #include "polytree/arrangement.h"
 #include "polytree/face_sweep.h"
 #include "polytree/faces.h"
@@ -24,80 +23,46 @@ using polytree::Arrangement;
 using polytree::Contour;
 using polytree::Face;
 
-constexpr std::uint64_t kSeed = 0;  // the same input gives the same triangles
-
 /// Triangulates face after face into one list.
 class Mesher {
  public:
   Mesher(const Arrangement& arrangement, Mesh& mesh) : a_(arrangement), mesh_(mesh) {}
 
-  /// False when nothing gave triangles that tile the face.
+  /// False, and nothing added, when the triangles found do not tile the face.
   bool add(const Face& face) {
-    if (face.size() == 1 && face[0].size() == 3) {
-      for (const std::uint32_t site : face[0]) mesh_.triangles.push_back(a_.sites[site].vertex);
-      return true;
-    }
-    lay_out(face);
-    if (!touches_itself() && by_trapezoids() && keep()) return true;
-    corners_ = polytree::sweep_face(a_, face);
-    return keep();
-  }
-
- private:
-  void lay_out(const Face& face) {
     contours_.clear();
     sites_.clear();
     for (const Contour& contour : face) {
       contours_.push_back(static_cast<kz_long>(contour.size()));
       sites_.insert(sites_.end(), contour.begin(), contour.end());
     }
+    const std::vector<kz_long> corners = polytree::sweep_face(a_, face);
+    if (!tile_the_face(corners)) return false;
+    for (const kz_long corner : corners) {
+      mesh_.triangles.push_back(a_.sites[sites_[static_cast<std::size_t>(corner)]].vertex);
+    }
+    return true;
   }
 
-  /// Whether the face has more corners than one at a site.
-  bool touches_itself() {
-    sorted_.assign(sites_.begin(), sites_.end());
-    std::sort(sorted_.begin(), sorted_.end());
-    return std::adjacent_find(sorted_.begin(), sorted_.end()) != sorted_.end();
-  }
-
-  bool by_trapezoids() {
-    points_.clear();
-    for (const std::uint32_t site : sites_) points_.push_back({a_.sites[site].x, a_.sites[site].y});
-    corners_.resize(3 * (points_.size() + 2 * (contours_.size() - 1) - 2));
-    const auto outcome = workspace_.run(contours_, points_, 0.0, kSeed, corners_).outcome;
-    if (outcome == triangulation::Outcome::out_of_memory) throw std::bad_alloc();
-    return outcome == triangulation::Outcome::complete;
-  }
-
-  /// Takes the triangles over if they tile the face.
-  bool keep() {
+ private:
+  bool tile_the_face(const std::vector<kz_long>& corners) const {
     // The proof counts vertices from 1.
     const auto vertices = std::make_unique<double[][2]>(sites_.size() + 1);
     for (std::size_t i = 0; i < sites_.size(); ++i) {
       vertices[i + 1][0] = a_.sites[sites_[i]].x;
       vertices[i + 1][1] = a_.sites[sites_[i]].y;
     }
-    const auto triangles = std::make_unique<kz_long[][3]>(corners_.size() / 3);
-    for (std::size_t i = 0; i < corners_.size(); ++i) triangles[i / 3][i % 3] = corners_[i] + 1;
-    if (!polytree::tiles(contours_, vertices.get(),
-                         std::span(triangles.get(), corners_.size() / 3))) {
-      return false;
-    }
-    for (const kz_long corner : corners_) {
-      mesh_.triangles.push_back(a_.sites[sites_[static_cast<std::size_t>(corner)]].vertex);
-    }
-    return true;
+    const std::size_t count = corners.size() / 3;
+    const auto triangles = std::make_unique<kz_long[][3]>(count);
+    for (std::size_t i = 0; i < corners.size(); ++i) triangles[i / 3][i % 3] = corners[i] + 1;
+    return polytree::tiles(contours_, vertices.get(), std::span(triangles.get(), count));
   }
 
   const Arrangement& a_;
   Mesh& mesh_;
-  triangulation::Workspace workspace_;
   // The face at hand: sizes of its contours, and all their corners one after another.
   std::vector<kz_long> contours_;
   std::vector<std::uint32_t> sites_;
-  std::vector<std::uint32_t> sorted_;
-  std::vector<triangulation::Point> points_;
-  std::vector<kz_long> corners_;  // of its triangles
 };
 
 /// The ring that a vertex belongs to.

@@ -35,9 +35,9 @@ struct Flaw : Error {
 
 /// Triangles that tile a polygon, or the reason why there are none.
 struct Mesh {
-  /// Three vertex numbers each, in the caller's numbering from 0, counter-clockwise; flat
-  /// ones, of three vertices on one line, may be among them.  Where vertices coincide the
-  /// first of them stands for all.  Empty when there is a flaw.
+  /// Three vertex numbers each, in the caller's numbering from 0, counter-clockwise, never
+  /// on one line.  Where vertices coincide the first of them stands for all.  Empty when
+  /// there is a flaw.
   std::vector<kz_ulong> triangles;
   /// Nothing: the triangles are proved, in exact arithmetic, to tile the polygon.
   Flaw flaw;
@@ -58,8 +58,8 @@ struct Nesting {
 /// vertices and sides lie.  The same input gives the same triangles.
 ///
 /// The plane sweep is that of M. I. Shamos and D. Hoey, "Geometric intersection problems"
-/// (1976), in exact arithmetic; the triangles are those of R. Seidel (1991), and where the
-/// polygon touches itself those of S. Hertel and K. Mehlhorn (1983).
+/// (1976), in exact arithmetic; the triangles are those of S. Hertel and K. Mehlhorn, "Fast
+/// triangulation of simple polygons" (1983).
 KZGIS_EXPORT Mesh triangulate(const Rings& rings);
 
 /// Finds the true containment of the rings, touching ones included.
