@@ -1,0 +1,141 @@
+// The file side of USGS DEM reading: blocks of 1024 bytes, their byte counter, and the
+// readers of single fields.
+
+#include <algorithm>
+#include <iostream>
+#include <limits>
+
+#include "dem/layout.h"
+#include "dem/number_text.h"
+#include "kzgis/dem.h"
+#include "kzgis/filetools.h"
+
+namespace {
+
+constexpr std::size_t kPathBufferBytes = 1024;
+
+}  // namespace
+
+DEM_LRA::DEM_LRA() = default;
+
+DEM_LRA::DEM_LRA(const UtString& name) {
+  setFN(name);
+  resetByteCount();
+}
+
+int DEM_LRA::setFN(const UtString& name) {
+  if (is_open()) close();
+  char expanded[kPathBufferBytes];
+  FILEmap_variables(name.c_str(), expanded);  // leaves an empty name when it is too long
+  file_name_ = expanded;
+  clear();
+  open(file_name_.c_str());
+  ingested_ = 0;
+  if (!is_open()) {
+    std::cerr << "DEM_LRA::setFN(): Could not open " << name << std::endl;
+    return -1;
+  }
+  byte_count_ = 0;
+  return 1;
+}
+
+int DEM_LRA::closeFN() {
+  if (is_open()) close();
+  clear();
+  ingested_ = 0;
+  return 1;
+}
+
+UtString DEM_LRA::fetchFileName() const { return file_name_; }
+int DEM_LRA::fetchLRAIngest() const { return ingested_; }
+void DEM_LRA::setLRAIngest(int ingested) { ingested_ = ingested; }
+
+int DEM_LRA::fetchByteCount() const { return byte_count_; }
+void DEM_LRA::resetByteCount() { byte_count_ = 0; }
+
+/// Moves the stream on, as a seek would, and tells the truth about the end of the file.
+///
+/// A seek clears the end-of-file flag and may stand past the end without setting it, so that
+/// what follows would start anew on a file that is over.  Reading on has no such lapse, and
+/// keeps the stream's buffer.
+void DEM_LRA::move_forward(std::int64_t bytes) {
+  if (!good()) return;
+  if (bytes < 0) {
+    seekg(bytes, std::ios_base::cur);
+    return;
+  }
+  ignore(bytes);
+  // An `ignore` that ends at the last byte may look one further; a seek would not.
+  if (eof() && gcount() == bytes) clear(rdstate() & ~std::ios_base::eofbit);
+}
+
+int DEM_LRA::addByteCount(int n) {
+  const std::int64_t sum = std::int64_t{byte_count_} + n;
+  if (sum < kzgis::dem::kBlockLimit) {
+    byte_count_ = static_cast<int>(
+        std::max<std::int64_t>(sum, std::numeric_limits<int>::min() + kzgis::dem::kBlockBytes));
+    return byte_count_;
+  }
+  moveToNextBlock();
+  return byte_count_;
+}
+
+int DEM_LRA::incByteCount() { return addByteCount(1); }
+
+void DEM_LRA::moveToNextBlock() {
+  if (!is_open()) return;
+  move_forward(std::int64_t{kzgis::dem::kBlockBytes} - byte_count_);
+  byte_count_ = 0;
+}
+
+int DEM_LRA::skipFile(int n) {
+  move_forward(n);
+  if (!good()) return -1;
+  addByteCount(n);
+  return 1;
+}
+
+int DEM_LRA::readFile(char* c) {
+  incByteCount();
+  const int read = get();
+  if (!good()) return -1;
+  *c = static_cast<char>(read);
+  return 1;
+}
+
+int DEM_LRA::readFile(UtString* s, int width) {
+  *s = "";
+  if (width < 0) return -1;
+  for (int i = 0; i < width; ++i) {
+    if (!good()) return -1;
+    incByteCount();
+    const int c = get();
+    // The last characters of a field may be missing: they are no characters.
+    if (!good()) return -1;
+    s->append(static_cast<char>(c));
+  }
+  s->append('\0');
+  return 1;
+}
+
+int DEM_LRA::readFile(int* v, int width) {
+  field_buffer_.reserve(static_cast<std::size_t>(std::clamp(width, 0, kzgis::dem::kBlockBytes)));
+  if (std::int64_t{byte_count_} + width >= kzgis::dem::kBlockLimit) moveToNextBlock();
+  if (readFile(&field_buffer_, width) == -1) return -1;
+  *v = kzgis::dem::integer_of(field_buffer_.str()).value;
+  return 1;
+}
+
+int DEM_LRA::readFile(double* v, int width) {
+  UtString text;
+  if (readFile(&text, width) == -1) return -1;
+  *v = kzgis::dem::real_of(text.str()).value;
+  return 1;
+}
+
+int DEM_LRA::readFile(UtDate* d, int width) {
+  int n = 0;
+  if (readFile(&n, width) == -1) return -1;
+  *d = kzgis::dem::date_of(n);
+  return 1;
+}

@@ -1,0 +1,105 @@
+// Numbers out of text fields.  `std::from_chars` knows no locale; what C's conversions take
+// beyond it (leading blanks, a plus sign, "0x", results out of range) is added here.
+
+#include "dem/number_text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+namespace kzgis::dem {
+namespace {
+
+constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool is_hex_digit(char c) {
+  return is_digit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+/// A text without its leading blanks and sign.
+struct Unsigned {
+  std::string_view rest;
+  bool negative = false;
+};
+
+Unsigned without_sign(std::string_view text) {
+  // What isspace() takes in the locale "C".
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  if (text.empty() || (text.front() != '-' && text.front() != '+')) return {text, false};
+  return {text.substr(1), text.front() == '-'};
+}
+
+/// True when a number that no double can hold is too large rather than too small.
+///
+/// Only the place of its first digit that is not 0 and its exponent matter: a double spans
+/// more than 600 decimal places, so that the error of a place or two is none.
+bool is_too_large(std::string_view digits, bool hexadecimal) {
+  const auto is_figure = hexadecimal ? is_hex_digit : is_digit;
+  long long place = 0;  // of the first digit that is not 0, left of the point > 0
+  bool behind_point = false;
+  bool found = false;
+  std::size_t i = 0;
+  for (; i < digits.size(); ++i) {
+    const char c = digits[i];
+    if (c == '.' && !behind_point) {
+      behind_point = true;
+    } else if (!is_figure(c)) {
+      break;
+    } else {
+      found = found || c != '0';
+      if (found && !behind_point) ++place;
+      if (!found && behind_point) --place;
+    }
+  }
+  long long exponent = 0;
+  if (i < digits.size()) {
+    const auto [rest, negative] = without_sign(digits.substr(i + 1));
+    for (std::size_t k = 0; k < rest.size() && is_digit(rest[k]); ++k) {
+      // Large enough to outweigh the places of any text.
+      exponent = std::min(exponent * 10 + (rest[k] - '0'), 1LL << 50);
+    }
+    if (negative) exponent = -exponent;
+  }
+  return place * (hexadecimal ? 4 : 1) + exponent > 0;
+}
+
+}  // namespace
+
+NumberText<int> integer_of(std::string_view text) {
+  const auto [digits, negative] = without_sign(text);
+  constexpr long long kMax = std::numeric_limits<int>::max();
+  long long value = 0;
+  std::size_t i = 0;
+  for (; i < digits.size() && is_digit(digits[i]); ++i) {
+    value = std::min(value * 10 + (digits[i] - '0'), kMax + 1);
+  }
+  if (i == 0) return {};
+  const long long in_range = negative ? -value : std::min(value, kMax);
+  return {static_cast<int>(in_range), text.size() - digits.size() + i};
+}
+
+NumberText<double> real_of(std::string_view text) {
+  auto [digits, negative] = without_sign(text);
+  // from_chars would take a second sign.
+  if (digits.empty() || digits.front() == '-') return {};
+
+  const bool hexadecimal = digits.size() > 2 && digits[0] == '0' &&
+                           (digits[1] == 'x' || digits[1] == 'X') &&
+                           (is_hex_digit(digits[2]) ||
+                            (digits.size() > 3 && digits[2] == '.' && is_hex_digit(digits[3])));
+  if (hexadecimal) digits.remove_prefix(2);
+
+  double value = 0.0;
+  const char* const end = digits.data() + digits.size();
+  const auto [stop, error] = std::from_chars(
+      digits.data(), end, value, hexadecimal ? std::chars_format::hex : std::chars_format::general);
+  if (error == std::errc::invalid_argument) return {};
+  if (error == std::errc::result_out_of_range) {
+    const auto length = static_cast<std::size_t>(stop - digits.data());
+    value = is_too_large(digits.substr(0, length), hexadecimal)
+                ? std::numeric_limits<double>::infinity()
+                : 0.0;
+  }
+  return {negative ? -value : value, text.size() - static_cast<std::size_t>(end - stop)};
+}
+
+}  // namespace kzgis::dem

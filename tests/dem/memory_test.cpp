@@ -1,0 +1,95 @@
+// Allocations that fail, brought about by a limit on the address space of a child process
+// and a sparse file that really has room for its elevations.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "dem/dem_writer.h"
+#include "kzgis/dem.h"
+#include "support/capture.h"
+
+#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KZGIS_ADDRESS_SANITIZER
+#endif
+#endif
+#ifndef KZGIS_ADDRESS_SANITIZER
+#define KZGIS_CAN_LIMIT_MEMORY
+#endif
+#endif
+
+#ifdef KZGIS_CAN_LIMIT_MEMORY
+#include <sys/resource.h>
+
+#include <cstdio>
+
+namespace {
+
+/// Lets this process grow by `bytes` more than it has mapped.
+void limit_growth(std::uintmax_t bytes) {
+  long pages = 0;
+  if (std::FILE* statm = std::fopen("/proc/self/statm", "r")) {
+    if (std::fscanf(statm, "%ld", &pages) != 1) pages = 0;
+    std::fclose(statm);
+  }
+  const rlim_t limit = static_cast<rlim_t>(pages) * static_cast<rlim_t>(getpagesize()) + bytes;
+  const rlimit limits{limit, RLIM_INFINITY};
+  setrlimit(RLIMIT_AS, &limits);
+}
+
+void lift_limit() {
+  const rlimit limits{RLIM_INFINITY, RLIM_INFINITY};
+  setrlimit(RLIMIT_AS, &limits);
+}
+
+/// Ends the child process with 0 when `ok`, else with the number of the failed check.
+void check(bool ok, int number) {
+  if (!ok) std::_Exit(number);
+}
+
+constexpr std::uintmax_t kMany = 6'000'000;  // elevations: 24 MB of them in memory
+
+class DemMemoryDeathTest : public DemTest {
+ protected:
+  /// A file whose one profile has `kMany` elevations, NUL characters that read as 0.
+  std::string write_sparse() const {
+    std::string profile = ProfileText{}.text().substr(0, 144);
+    profile.replace(12, 6, integer_field(6000)).replace(18, 6, integer_field(1000));
+    const std::string path = write(RecordAText().text() + profile);
+    std::filesystem::resize_file(path, 1024 * (2 + kMany / 169));
+    return path;
+  }
+};
+
+TEST_F(DemMemoryDeathTest, NoMemoryForTheElevationsIsReportedAndTheObjectServesAgain) {
+  const std::string sparse = write_sparse();
+  const std::string small =
+      write(RecordAText().text() + ProfileText{.elevations = {7}}.text(), "small.dem");
+  EXPECT_EXIT(
+      {
+        DEM_LogicalRecord record{UtString(sparse)};
+        {
+          StdoutCapture out;
+          limit_growth(8 << 20);
+          const int result = record.readRecord();
+          lift_limit();
+          check(result == -1, 1);
+          check(
+              out.text() == "DEM_LogicalRecord:readRecord: No memory for 6000 x 1000 elevations\n",
+              2);
+        }
+        check(record.fetchElevationCount() > 1000, 3);
+        check(record.fetchElevationCount() < kMany, 4);
+        check(record.fetchElevation(0, 999) == 0, 5);
+        check(record.fetchElevation(5999, 999) == -32767, 6);
+        check(record.setFN(small) == 1, 7);
+        check(record.readRecord() == 1 && record.fetchElevation(0, 0) == 7, 8);
+        std::_Exit(0);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+#endif
