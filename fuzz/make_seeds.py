@@ -59,7 +59,54 @@ POINTS = shapefile(1, [struct.pack("<i2d", 1, 3, 4), struct.pack("<i2d", 1, -3, 
 MULTI = shapefile(8, [struct.pack("<i4di4d", 8, 0, 0, 9, 9, 2, 1, 2, 3, 4)])
 
 
+# The outline files of World DataBank II.
+TURN = 1296000
+
+
+def segment(lon, lat, deltas, count=None):
+    body = b''
+    for dlon, dlat in deltas:
+        if -64 <= dlon < 64 and -128 <= dlat < 128:
+            body += struct.pack('<H', ((dlon + 64 if dlon >= 0 else dlon + 256) << 8) | dlat & 255)
+        else:
+            body += struct.pack('<4H', (dlon >> 16) & 0xBFFF, dlon & 0xFFFF,
+                                (dlat >> 16) & 0xBFFF, dlat & 0xFFFF)
+    return struct.pack('<iiIIH', lon, lat, 0, len(deltas) + 1 if count is None else count, 0) + body
+
+
+def bank(segments):
+    body, dictionary = b'', b''
+    for level, data in enumerate(segments):
+        dictionary += struct.pack('<IiiiiIHH', level, 324000, -324001, TURN - 1, 1,
+                                  20 + len(body), 0, level)
+        body += data
+    head = struct.pack('<5I', 0x20770002, 20 + len(body), len(segments), 0, 0)
+    return head + body + dictionary
+
+
+def write_banks():
+    # Settings: corners in arc-minutes, precision in arc-seconds; then the file.
+    files = {
+        'short': bank([segment(36000, 36000, [(10, 10)] * 9 + [(-60, -120)] * 9)]),
+        'long': bank([segment(36000, 36000, [(9000, 9000)] * 6 + [(-70000, -30000)] * 3)]),
+        'seam': bank([segment(TURN - 300, 0, [(60, 1)] * 12),
+                      segment(300, 0, [(-60, 1)] * 12)]),
+        'beyond': bank([segment(5, 5, [(1, 1)], count=0xFFFFFFFF)]),
+        'many': bank([segment(36000 + i, 3600, [(50, 50)] * 3) for i in range(19)]),
+    }
+    boxes = {
+        'globe': (-9000, 0, 9000, -1, 0),
+        'plain': (0, 500, 1200, 1200, 60),
+        'wrap': (-1000, -1000, 1000, 1000, 30),
+    }
+    for file_name, data in files.items():
+        for box_name, settings in boxes.items():
+            write(f"corpus/databank/{file_name}_{box_name}",
+                  struct.pack("<4hH", *settings) + data)
+
+
 def main():
+    write_banks()
     for name, (shp, shx) in {"polygons": POLYGONS, "lines": LINES, "points": POINTS,
                              "multi": MULTI, "empty": shapefile(5, [])}.items():
         write(f"corpus/shapefile/{name}", struct.pack("<H", len(shp)) + shp + shx)

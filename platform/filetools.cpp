@@ -6,9 +6,11 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace {
 
@@ -108,5 +110,7 @@ std::FILE* FILEfopen(const char* path, const char* mode) {
   if (!kBackslashSeparates) {
     std::replace(expanded, expanded + std::strlen(expanded), '\\', '/');
   }
+  std::error_code unknown;
+  if (std::filesystem::is_fifo(expanded, unknown)) return nullptr;
   return std::fopen(expanded, mode);
 }

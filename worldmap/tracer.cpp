@@ -21,9 +21,6 @@ constexpr const char* kNoPoint = "CIA: Out of memory instancing new map point";
 kz_long wrapping_add(kz_long a, kz_long b) {
   return static_cast<kz_long>(static_cast<kz_ulong>(a) + static_cast<kz_ulong>(b));
 }
-kz_long wrapping_subtract(kz_long a, kz_long b) {
-  return static_cast<kz_long>(static_cast<kz_ulong>(a) - static_cast<kz_ulong>(b));
-}
 kz_long wrapping_multiply(kz_long a, kz_long b) {
   return static_cast<kz_long>(static_cast<kz_ulong>(a) * static_cast<kz_ulong>(b));
 }
@@ -172,22 +169,23 @@ const char* Tracer::enter(kz_long lon, kz_long lat, bool last) {
 
 /// Takes the first point behind the run: the run ends on the edge of the box.
 ///
-/// Before: (kept_lon_, kept_lat_) lies inside the box, so that no run below is 0.
+/// Before: the point before this one lay in the box, and so did the last one kept.  No
+/// difference below therefore leaves 32 bits, and none that is divided by is 0.
 const char* Tracer::leave(kz_long lon, kz_long lat, bool last) {
   if (!box_.wraps) {
-    const kz_long dlon = wrapping_subtract(lon, kept_lon_);
-    const kz_long dlat = wrapping_subtract(lat, kept_lat_);
+    const kz_long dlon = lon - kept_lon_;
+    const kz_long dlat = lat - kept_lat_;
     if (lat > box_.north) {
       lon = cut(kept_lon_, dlon, box_.north - kept_lat_, dlat);
       lat = box_.north;
     } else if (lat < box_.south) {
-      lon = cut(kept_lon_, dlon, kept_lat_ - box_.south, wrapping_subtract(kept_lat_, lat));
+      lon = cut(kept_lon_, dlon, kept_lat_ - box_.south, -dlat);
       lat = box_.south;
     } else if (lon > box_.east) {
       lat = cut(kept_lat_, dlat, box_.east - kept_lon_, dlon);
       lon = box_.east;
     } else {
-      lat = cut(kept_lat_, dlat, kept_lon_ - box_.west, wrapping_subtract(kept_lon_, lon));
+      lat = cut(kept_lat_, dlat, kept_lon_ - box_.west, -dlon);
       lon = box_.west;
     }
   }

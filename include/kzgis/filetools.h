@@ -23,7 +23,8 @@ KZGIS_EXPORT char* FILEmap_variables(const char* name, char* buffer);
 /// Opens a file as `std::fopen` does, after expanding path variables in `path`.
 ///
 /// Where the host separates directories by '/', every backslash of the expanded path
-/// is then turned into one.
+/// is then turned into one.  A named pipe is refused: opening one waits, for ever if need
+/// be, until somebody opens its other end.
 ///
 /// @return a stream that the caller closes with `std::fclose`; null when the path does
 ///         not fit 1024 bytes or the file cannot be opened

@@ -1,0 +1,60 @@
+// Fuzzes the reader of World DataBank II files.
+//
+// Input: the box as four int16, south, west, north, east, in hundredths of a degree; the
+// precision in arc-seconds as uint16, all little-endian; the rest is the ".cbd".
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <sstream>
+
+#include "fuzz/scratch.h"
+#include "kzgis/worldmap.h"
+
+namespace {
+
+int int16_at(const std::uint8_t* bytes) {
+  return static_cast<std::int16_t>(bytes[0] | bytes[1] << 8);
+}
+
+/// What a load promises of any file: points on the globe, lines of at least two of them, and
+/// no more of all than the file accounts for.
+void check(WorldMap& map, std::size_t file_size) {
+  std::size_t points = 0;
+  for (UtVector<LatLon*>* line : map.fetchPolygonCollection(Coastal)) {
+    if (line->size() < 2) std::abort();
+    points += line->size();
+    for (const LatLon* point : *line) {
+      if (!(std::abs(point->fetchLat()) <= 90.0)) std::abort();
+      if (!(point->fetchLon() >= 0.0 && point->fetchLon() < 360.0)) std::abort();
+    }
+  }
+  // A crossing of longitude 0 adds two points to the one that crosses.
+  if (points > 3 * (file_size + 65536 + 1)) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const ScratchDirectory scratch;
+  static const bool ready = std::filesystem::create_directory(scratch.path() + "/africa.Map");
+  constexpr std::size_t kSettings = 10;
+  if (!ready || size < kSettings) return 0;
+  std::cerr.setstate(std::ios::failbit);  // nearly every file has something to complain of
+  scratch.write("africa.Map/cil.cbd", data + kSettings, size - kSettings);
+
+  WorldMap map(scratch.path());
+  for (infoLevels level = Level0; level != NumInfoLevels; increment(level)) {
+    map.setPOI(Coastal, level, 1);
+  }
+  map.setPrecision(data[8] | data[9] << 8);
+  *map.fetchLowLeftBoundary() = LatLon(int16_at(data) / 100.0, int16_at(data + 2) / 100.0);
+  *map.fetchUpRightBoundary() = LatLon(int16_at(data + 4) / 100.0, int16_at(data + 6) / 100.0);
+  map.readData();
+  check(map, size - kSettings);
+  std::ostringstream report;
+  report << map;
+  return 0;
+}

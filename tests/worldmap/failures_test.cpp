@@ -1,0 +1,294 @@
+// Allocations and seeks that fail: each allocation of each operation in turn, by replacing
+// what the whole program allocates and seeks with.
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <set>
+#include <sstream>
+
+#include "support/capture.h"
+#include "worldmap/bank.h"
+
+namespace {
+
+// Counts down to the one that fails; -1 when none is to.
+long allocations_to_go = -1;
+long seeks_to_go = -1;
+long live_blocks = 0;
+
+void* allocate(std::size_t size) {
+  if (allocations_to_go >= 0 && allocations_to_go-- == 0) return nullptr;
+  void* const block = std::malloc(size == 0 ? 1 : size);
+  if (block != nullptr) ++live_blocks;
+  return block;
+}
+
+void* allocate_or_throw(std::size_t size) {
+  void* const block = allocate(size);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+
+void release(void* block) {
+  if (block != nullptr) --live_blocks;
+  std::free(block);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) { return allocate_or_throw(size); }
+void* operator new[](std::size_t size) { return allocate_or_throw(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void operator delete(void* block) noexcept { release(block); }
+void operator delete[](void* block) noexcept { release(block); }
+void operator delete(void* block, std::size_t) noexcept { release(block); }
+void operator delete[](void* block, std::size_t) noexcept { release(block); }
+
+extern "C" int fseek(std::FILE* stream, long offset, int whence) {
+  if (seeks_to_go >= 0 && seeks_to_go-- == 0) return -1;
+  static const auto real =
+      reinterpret_cast<int (*)(std::FILE*, long, int)>(dlsym(RTLD_NEXT, "fseek"));
+  return real(stream, offset, whence);
+}
+
+namespace {
+
+/// What became of an operation of which one allocation was to fail.
+enum class Outcome { complete, threw, went_on };
+
+/// Runs `operation` with allocation `k` failing, counted from 0.
+template <typename Operation>
+Outcome fail_allocation(long k, Operation operation) {
+  Outcome outcome = Outcome::went_on;
+  allocations_to_go = k;
+  try {
+    operation();
+  } catch (const std::bad_alloc&) {
+    outcome = Outcome::threw;
+  }
+  if (allocations_to_go >= 0) outcome = Outcome::complete;
+  allocations_to_go = -1;
+  return outcome;
+}
+
+/// The outcomes for k = 0, 1, ... before the first k that `operation` does not reach.
+template <typename Operation>
+std::vector<Outcome> fail_each_allocation(Operation operation) {
+  std::vector<Outcome> outcomes;
+  for (long k = 0; k < 1000; ++k) {
+    const Outcome outcome = fail_allocation(k, operation);
+    if (outcome == Outcome::complete) break;
+    outcomes.push_back(outcome);
+  }
+  return outcomes;
+}
+
+const std::vector<Outcome> kThrowsOnce{Outcome::threw};
+
+class WorldMapFailures : public BankTest {
+ protected:
+  using Lines = std::vector<ArcLine>;
+
+  WorldMapFailures() {
+    // A split, a point too near, a cut; then a line of its own.
+    write("africa.Map/cil.cbd", cbd_file({segment_through({{0, 1292400},
+                                                           {36, 1299600},
+                                                           {37, 1299601},
+                                                           {50, 1310000},
+                                                           {60, 1420000},
+                                                           {0, 0}}),
+                                          segment_through({{7, 7}, {700, 700}, {900, 900}})}));
+    WorldMap map;
+    configure(map);
+    map.readData();
+    whole_ = lines_of(map);
+  }
+
+  void configure(WorldMap& map) const {
+    ask_for_all(map);
+    set_box(map, -10000, 1260000, 10000, 36000);
+    map.setPrecision(10);
+  }
+
+  Lines whole_;
+};
+
+TEST_F(WorldMapFailures, LoadWithoutThemIsThis) {
+  EXPECT_EQ(whole_, (Lines{{{0, 1292400}, {36, 1295999}},
+                           {{36, 0}, {36, 3600}, {50, 14000}, {60, 124000}},
+                           {{7, 7}, {700, 700}, {900, 900}}}));
+}
+
+TEST_F(WorldMapFailures, OfAllocationsLeaveTheLinesBefore) {
+  std::set<std::string> messages;
+  WorldMap map;
+  configure(map);
+  for (long k = 0;; ++k) {
+    ASSERT_LT(k, 1000);
+    SCOPED_TRACE("allocation " + std::to_string(k));
+    const StderrCapture err;  // writes, and so allocates, behind the failure alone
+    const Outcome outcome = fail_allocation(k, [&] { map.readData(); });
+    const Lines lines = lines_of(map);
+    if (outcome == Outcome::complete) {
+      EXPECT_EQ(lines, whole_);
+      EXPECT_EQ(err.text(), "");
+      break;
+    }
+    messages.insert(outcome == Outcome::threw ? "threw" : err.text());
+    ASSERT_LE(lines.size(), whole_.size());
+    for (std::size_t i = 0; i < lines.size(); ++i) EXPECT_EQ(lines[i], whole_[i]);
+    map.readData();
+    EXPECT_EQ(lines_of(map), whole_);
+  }
+  const std::set<std::string> expected{"threw",
+                                       "CIA: Out of memory initializing dictionary\n",
+                                       "CIA: Out of memory preparing new polyline\n",
+                                       "CIA: Out of memory instancing new polyline\n",
+                                       "CIA: Out of memory instancing new map point\n",
+                                       "CIA: Out of memory instancing new map point 2\n"};
+  EXPECT_EQ(messages, expected);
+}
+
+TEST_F(WorldMapFailures, OfAllocationsLeakNothing) {
+  std::ostringstream ignored;
+  std::streambuf* const saved = std::cerr.rdbuf(ignored.rdbuf());
+  ignored << std::string(10000, ' ');  // so that messages find room
+  Outcome outcome = Outcome::went_on;
+  for (long k = 0; k < 1000 && outcome != Outcome::complete; ++k) {
+    const long before = live_blocks;
+    {
+      WorldMap map;
+      configure(map);
+      ignored.seekp(0);
+      outcome = fail_allocation(k, [&] { map.readData(); });
+    }
+    EXPECT_EQ(live_blocks, before) << "allocation " << k;
+  }
+  std::cerr.rdbuf(saved);
+  EXPECT_EQ(outcome, Outcome::complete);
+}
+
+TEST_F(WorldMapFailures, OfAllocationsCloseTheFile) {
+  // More loads than a process may have files open.
+  const StderrCapture err;
+  WorldMap map;
+  configure(map);
+  for (int i = 0; i < 1100; ++i) {
+    for (const long k : {8L, 14L}) fail_allocation(k, [&] { map.readData(); });
+  }
+  map.readData();
+  EXPECT_EQ(lines_of(map), whole_);
+}
+
+TEST_F(WorldMapFailures, OfAConstructorThrowOrLeaveACornerNull) {
+  int without_low = 0;
+  int without_up = 0;
+  const long before = live_blocks;
+  const std::vector<Outcome> outcomes = fail_each_allocation([&] {
+    const WorldMap map;
+    without_low += map.fetchLowLeftBoundary() == nullptr ? 1 : 0;
+    without_up += map.fetchUpRightBoundary() == nullptr ? 1 : 0;
+  });
+  EXPECT_EQ(live_blocks - before, 1);  // the outcomes'
+  EXPECT_EQ(without_low, 1);
+  EXPECT_EQ(without_up, 1);
+  EXPECT_EQ(std::count(outcomes.begin(), outcomes.end(), Outcome::went_on), 2);
+}
+
+TEST_F(WorldMapFailures, OfACornerMakeABoxThatHoldsNothing) {
+  for (const bool low : {true, false}) {
+    std::unique_ptr<WorldMap> map;
+    for (long k = 0; k < 100; ++k) {
+      map.reset();
+      fail_allocation(k, [&] { map = std::make_unique<WorldMap>(); });
+      if (map != nullptr &&
+          (low ? map->fetchLowLeftBoundary() : map->fetchUpRightBoundary()) == nullptr) {
+        break;
+      }
+    }
+    ASSERT_NE(map, nullptr);
+    EXPECT_EQ(map->insideBoundary(LatLon(50.0, 250.0)), 0);
+    map->setCIADirectory(root_);
+    map->setPOI(Coastal, Level1, 1);
+    map->readData();
+    EXPECT_EQ(map->fetchPolygonCollection(Coastal).size(), 0U);
+    std::ostringstream report;
+    report << *map;
+    EXPECT_NE(report.str().find(low ? "Lower left boundary is \n" : "Upper right boundary is \n"),
+              std::string::npos);
+  }
+}
+
+TEST_F(WorldMapFailures, OfStringsThrowAndChangeNothing) {
+  const UtString old("a directory name that no string keeps inside itself");
+  const UtString text("another name that is longer than a string keeps inside itself");
+  WorldMap map(old);
+  map.setContinentDir(Asia, old);
+  map.setOverlaysFile(River, old);
+  EXPECT_EQ(fail_each_allocation([&] { map.fetchCIADirectory(); }), kThrowsOnce);
+  EXPECT_EQ(fail_each_allocation([&] { map.fetchContinentDir(Asia); }), kThrowsOnce);
+  EXPECT_EQ(fail_each_allocation([&] { map.fetchOverlaysFile(River); }), kThrowsOnce);
+  EXPECT_EQ(fail_allocation(0, [&] { map.setCIADirectory(text); }), Outcome::threw);
+  EXPECT_EQ(fail_allocation(0, [&] { map.setContinentDir(Asia, text); }), Outcome::threw);
+  EXPECT_EQ(fail_allocation(0, [&] { map.setOverlaysFile(River, text); }), Outcome::threw);
+  EXPECT_TRUE(map.fetchCIADirectory() == old);
+  EXPECT_TRUE(map.fetchContinentDir(Asia) == old);
+  EXPECT_TRUE(map.fetchOverlaysFile(River) == old);
+}
+
+TEST_F(WorldMapFailures, OfAnArrayThrowAndLeaveItAsItWas) {
+  LatLon points[3] = {LatLon(1, 1), LatLon(2, 2), LatLon(3, 3)};
+  EXPECT_EQ(fail_each_allocation([] { const UtVector<UtVector<LatLon*>*> empty; }), kThrowsOnce);
+  UtVector<LatLon*> v;
+  v.push_back(&points[0]);
+  v.push_back(&points[1]);
+  EXPECT_EQ(fail_allocation(0, [&] { v.push_back(&points[2]); }), Outcome::threw);
+  ASSERT_EQ(v.size(), 2U);
+  EXPECT_EQ(v.back(), &points[1]);
+  v.push_back(&points[2]);
+  EXPECT_EQ(v.back(), &points[2]);
+}
+
+class SeekFailures : public BankTest {
+ protected:
+  /// Loads two segments far apart with seek `k` failing, and gives the complaint.
+  std::string complaint(long k, std::size_t* lines) {
+    const Segment segment = segment_through({{1, 2}, {3, 4}});
+    const std::string data = segment.data();
+    const std::string body = data + std::string(100000, 'x') + data;
+    write("africa.Map/cil.cbd", cbd_header(20 + body.size(), 2) + body + segment.entry(20) +
+                                    segment.entry(20 + body.size() - data.size()));
+    WorldMap map;
+    ask_for_all(map);
+    const StderrCapture err;
+    seeks_to_go = k;
+    map.readData();
+    seeks_to_go = -1;
+    *lines = lines_of(map).size();
+    return err.text();
+  }
+};
+
+TEST_F(SeekFailures, EndTheFileAndKeepWhatWasRead) {
+  std::size_t lines = 0;
+  // Two seeks find out the size: a stream that cannot tell it counts as empty.
+  EXPECT_EQ(complaint(0, &lines), "CIA: File has bad magic number\n");
+  EXPECT_EQ(complaint(1, &lines), "CIA: File has bad magic number\n");
+  EXPECT_EQ(complaint(2, &lines), "CIA: bad seek\n");  // to the dictionary
+  EXPECT_EQ(lines, 0U);
+  EXPECT_EQ(complaint(3, &lines), "CIA: bad seek\n");  // to the first segment
+  EXPECT_EQ(lines, 0U);
+  EXPECT_EQ(complaint(4, &lines), "CIA: bad seek\n");  // to the second
+  EXPECT_EQ(lines, 1U);
+  EXPECT_EQ(complaint(-1, &lines), "");
+  EXPECT_EQ(lines, 2U);
+}
+
+}  // namespace
