@@ -159,7 +159,7 @@ class File {
   std::size_t next_ = 0;
   std::size_t filled_ = 0;
   bool ended_ = false;  // nothing follows the window
-  unsigned char window_[kWindowBytes];
+  unsigned char window_[kWindowBytes] = {};
 };
 
 /// Decodes the deltas behind a segment header.
@@ -180,7 +180,7 @@ class Deltas {
     if ((first & 0x4000) != 0) {
       const int high = first >> 8;
       *dlon = high - 0x40 - 0xC0 * (high >> 7);
-      *dlat = static_cast<std::int8_t>(first & 0xFF);
+      *dlat = ((first & 0xFF) ^ 0x80) - 0x80;
       run_.next += kShortBytes;
       return;
     }

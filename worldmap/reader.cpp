@@ -69,7 +69,7 @@ bool WorldMap::isRequested(int overlay, int level) const {
 /// @return the number of polylines in the collection, those of other files included; 0 when
 ///         the file cannot be opened; -1 when it is damaged or memory ran out, with what
 ///         was read from it before still in the collection
-int WorldMap::readInMap(overlaySections overlay, mapSections section, UtString path) {
+int WorldMap::readInMap(overlaySections overlay, mapSections section, const UtString& path) {
   const std::string label = progress_label(overlay, section);
   OMstatus_check(0, label.c_str(), 0);
   const std::unique_ptr<std::FILE, CloseFile> stream(FILEfopen(path.c_str(), "rb"));

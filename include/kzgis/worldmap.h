@@ -171,7 +171,7 @@ class KZGIS_EXPORT WorldMap {
   static constexpr int kMatrixColumns = 18;
   using Polylines = UtVector<UtVector<LatLon*>*>;
 
-  int readInMap(overlaySections overlay, mapSections section, UtString path);
+  int readInMap(overlaySections overlay, mapSections section, const UtString& path);
   bool anyRequest(int overlay) const;
   bool isRequested(int overlay, int level) const;
 

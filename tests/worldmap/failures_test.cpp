@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -24,6 +25,7 @@ long live_blocks = 0;
 
 void* allocate(std::size_t size) {
   if (allocations_to_go >= 0 && allocations_to_go-- == 0) return nullptr;
+  if (size > PTRDIFF_MAX) return nullptr;  // of which sanitizers make an error of its own
   void* const block = std::malloc(size == 0 ? 1 : size);
   if (block != nullptr) ++live_blocks;
   return block;
@@ -50,6 +52,17 @@ void operator delete(void* block) noexcept { release(block); }
 void operator delete[](void* block) noexcept { release(block); }
 void operator delete(void* block, std::size_t) noexcept { release(block); }
 void operator delete[](void* block, std::size_t) noexcept { release(block); }
+
+struct UtVectorTestAccess {
+  template <typename T>
+  static void alloc_copy(UtVector<T>& v, std::size_t n) {
+    v.alloc_copy(n);
+  }
+  template <typename T>
+  static void alloc_no_copy(UtVector<T>& v, std::size_t n) {
+    v.alloc_no_copy(n);
+  }
+};
 
 extern "C" int fseek(std::FILE* stream, long offset, int whence) {
   if (seeks_to_go >= 0 && seeks_to_go-- == 0) return -1;
@@ -254,6 +267,18 @@ TEST_F(WorldMapFailures, OfAnArrayThrowAndLeaveItAsItWas) {
   EXPECT_EQ(v.back(), &points[1]);
   v.push_back(&points[2]);
   EXPECT_EQ(v.back(), &points[2]);
+}
+
+TEST_F(WorldMapFailures, OfAnArrayPast64BitsDoNotWrap) {
+  LatLon point(1, 1);
+  UtVector<LatLon*> v;
+  v.push_back(&point);
+  // 2^61 slots of 8 bytes are 0 modulo 2^64.
+  volatile std::size_t too_many = std::size_t{1} << 61;
+  EXPECT_THROW(UtVectorTestAccess::alloc_copy(v, too_many), std::bad_alloc);
+  EXPECT_THROW(UtVectorTestAccess::alloc_no_copy(v, too_many), std::bad_alloc);
+  ASSERT_EQ(v.size(), 1U);
+  EXPECT_EQ(v.back(), &point);
 }
 
 class SeekFailures : public BankTest {

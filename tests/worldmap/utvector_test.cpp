@@ -154,17 +154,6 @@ TYPED_TEST(UtVectorTest, DestroyElementsNullsARangeAndDeletesNothing) {
   EXPECT_EQ(this->v[3], &this->things[3]);
 }
 
-TYPED_TEST(UtVectorTest, AStorageLargerThanMemoryFailsAndChangesNothing) {
-  this->fill(3);
-  // 2^61 slots of 8 bytes are 0 modulo 2^64.
-  volatile std::size_t too_many = std::size_t{1} << 61;
-  EXPECT_THROW(Access::alloc_copy(this->v, too_many), std::bad_alloc);
-  EXPECT_THROW(Access::alloc_no_copy(this->v, too_many), std::bad_alloc);
-  EXPECT_EQ(this->v.size(), 3U);
-  EXPECT_EQ(Access::capacity(this->v), 4U);
-  EXPECT_EQ(this->v[2], &this->things[2]);
-}
-
 TYPED_TEST(UtVectorTest, CannotBeCopied) {
   EXPECT_FALSE(std::is_copy_constructible_v<UtVector<TypeParam>>);
   EXPECT_FALSE(std::is_copy_assignable_v<UtVector<TypeParam>>);
