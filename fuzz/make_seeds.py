@@ -85,7 +85,7 @@ def bank(segments):
 
 
 def write_banks():
-    # Settings: corners in arc-minutes, precision in arc-seconds; then the file.
+    # Corners in hundredths of a degree, precision in arc-seconds; then the file.
     files = {
         'short': bank([segment(36000, 36000, [(10, 10)] * 9 + [(-60, -120)] * 9)]),
         'long': bank([segment(36000, 36000, [(9000, 9000)] * 6 + [(-70000, -30000)] * 3)]),
