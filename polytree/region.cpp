@@ -112,8 +112,8 @@ class Contours {
   /// A ring that runs the wrong way is refused all the same: as a rule it is a hole that
   /// was filed as a boundary, or the other way round.
   ///
-  /// What touches needs fewer triangles than were announced: flat ones of a single side
-  /// make up the number.
+  /// What touches needs fewer triangles than were announced, and a hole without an inside
+  /// none at all: flat ones of a single side make up the number.
   bool triangulate_touching() {
     std::size_t count = 0;
     std::vector<kz_long> starts;
@@ -271,12 +271,13 @@ kz_ulong triangulate_region(const KZ_GIS_PolygonNode_c& boundary, kz_ulong* conn
     Contours contours(boundary, static_cast<std::size_t>(vertices),
                       static_cast<std::size_t>(triangles));
     bool done = false;
-    for (kz_ulong order = 0; !done && order < kClassicOrders; ++order) {
-      if (!contours.lay_out(order)) return status::refused;
-      done = contours.triangulate(triangulator);
+    bool proper = true;
+    for (kz_ulong order = 0; !done && proper && order < kClassicOrders; ++order) {
+      proper = contours.lay_out(order);
+      done = proper && contours.triangulate(triangulator);
     }
     triangulation::Workspace workspace;
-    for (std::uint64_t seed = 1; !done && seed <= kExactOrders; ++seed) {
+    for (std::uint64_t seed = 1; !done && proper && seed <= kExactOrders; ++seed) {
       done = contours.triangulate(workspace, seed);
     }
     if (!done && !contours.triangulate_touching()) return status::refused;

@@ -21,6 +21,8 @@ std::int64_t triangle_count(const KZ_GIS_PolygonNode_c& boundary);
 /// Otherwise the contours are handed over again from other first vertices, which changes
 /// the order in which edges are inserted even where the random numbers stay the same, then
 /// to a triangulator that decides everything exactly, and at last as rings that may touch.
+/// With a hole of fewer than three different vertices this last is all that is tried: it
+/// takes nothing from the region.
 ///
 /// Before: `triangle_count` is not negative.
 ///

@@ -217,8 +217,8 @@ class KZGIS_EXPORT KZ_GIS_PolygonTree_c {
   /// Counts the triangle corners that `Triangulate` writes, three per triangle.
   ///
   /// A boundary with h holes and V vertices, those of the holes included, adds
-  /// 3 (V + 2 (h - 1)), modulo 2^32.  A ring of fewer than two vertices makes that wrap;
-  /// it has no triangles, and `Triangulate` will answer 2 without writing any.
+  /// 3 (V + 2 (h - 1)), modulo 2^32.  A boundary of fewer than two vertices makes that
+  /// wrap; it has no triangles, and `Triangulate` will answer 2 without writing any.
   ///
   /// @return 1; an empty tree leaves `*count` alone
   kz_ulong NumberOfConnections(kz_ulong* count) const;
@@ -226,14 +226,15 @@ class KZGIS_EXPORT KZ_GIS_PolygonTree_c {
   /// Cuts every boundary, less its holes, into triangles without new vertices.
   ///
   /// Triangles are counter-clockwise, or flat where three vertices lie on a line.  Where a
-  /// ring touches itself or another, fewer are needed than were announced: flat ones that
-  /// name a vertex twice make up the number.  A
-  /// boundary's triangles stand behind those of the islands in its holes; otherwise in the
-  /// order of the tree.  Each boundary's triangles are checked, exactly, to tile it.  They
-  /// come from `triangulate_polygon`, on the tables of the process, so that only one
-  /// triangulation may run at a time; where that fails, from
-  /// `kzgis::triangulation::Workspace`, and at last from `kzgis::triangulate`, which takes
-  /// rings that touch.
+  /// ring touches itself or another, or a hole has fewer than three different vertices,
+  /// fewer are needed than were announced: flat ones that name a vertex twice make up the
+  /// number.  A boundary's triangles stand behind those of the islands in its holes;
+  /// otherwise in the order of the tree.
+  ///
+  /// Each boundary's triangles are checked, exactly, to tile it.  They come from
+  /// `triangulate_polygon`, on the tables of the process, so that only one triangulation may
+  /// run at a time; where that fails, from `kzgis::triangulation::Workspace`, and at last
+  /// from `kzgis::triangulate`, which takes rings that touch.
   ///
   /// @param count        number of indices written
   /// @param connections  takes three indices into the coordinate arrays per triangle; has

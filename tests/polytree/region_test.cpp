@@ -126,14 +126,18 @@ TEST_F(RegionTest, RefusesAHoleThatCrossesTheBoundaryAndWritesNothing) {
 }
 
 TEST_F(RegionTest, DoesNotAskAboutRingsOfFewerThanThreeVertices) {
-  inner.SetVertices(2, kInner);
-  EXPECT_EQ(triangle_count(outer), 6);
-  EXPECT_EQ(triangulate_region(outer, corners.data(), &reluctant), 2u);
-  inner.SetVertices(4, kInner);
   outer.SetVertices(2, kOuter);
   EXPECT_EQ(triangulate_region(outer, corners.data(), &reluctant), 2u);
-  EXPECT_EQ(calls, 0);
   EXPECT_EQ(corners, std::vector<kz_ulong>(24, kUntouched));
+  outer.SetVertices(4, kOuter);
+  inner.SetVertices(2, kInner);
+  EXPECT_EQ(triangle_count(outer), 6);
+  EXPECT_EQ(triangulate_region(outer, corners.data(), &reluctant), 1u);
+  EXPECT_EQ(calls, 0);
+  EXPECT_EQ(std::vector<kz_ulong>(corners.begin() + 18, corners.end()),
+            std::vector<kz_ulong>(6, kUntouched));
+  corners.resize(18);
+  EXPECT_EQ(area(), 2 * 72.0);
 }
 
 TEST_F(RegionTest, OfTwoVerticesIsDoneWithoutAsking) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <numeric>
 #include <random>
 #include <set>
@@ -194,11 +195,6 @@ TEST(TriangulateRefuses, RingsOfLessThanThreeDistinctVertices) {
   expect_refused({{{1.0, 1.0}, {1.0, 1.0}, {1.0, 1.0}, {1.0, 1.0}, {1.0, 1.0}}});
 }
 
-TEST(TriangulateRefuses, AHoleOfLessThanThreeVertices) {
-  expect_refused({boundary(0.0, 0.0, 9.0, 9.0), {{3.0, 3.0}, {3.0, 3.0}}});
-  expect_refused({boundary(0.0, 0.0, 9.0, 9.0), {{3.0, 3.0}, {4.0, 4.0}}});
-}
-
 TEST(TriangulateRefuses, HolesThatCameBeforeTheirBoundary) {
   // One of them is left outside as a boundary, and turns the wrong way.
   expect_refused(
@@ -223,6 +219,34 @@ TEST(Triangulate, TwoVerticesHaveNoTriangles) {
   const Triangulation mesh = triangulate(rings.tree());
   EXPECT_EQ(mesh.status, 1u);
   EXPECT_EQ(mesh.count, 6u);
+}
+
+TEST(Triangulate, AHoleWithoutAnInsideTakesNothing) {
+  const Points square = boundary(0.0, 0.0, 9.0, 9.0);
+  const Points nothings[] = {{{3.0, 3.0}, {3.0, 3.0}},
+                             {{3.0, 3.0}, {4.0, 4.0}},
+                             {{3.0, 3.0}, {4.0, 4.0}, {3.0, 3.0}},
+                             {{3.0, 3.0}, {3.0, 3.0}, {3.0, 3.0}},
+                             {{3.0, 3.0}, {4.0, 4.0}, {5.0, 5.0}},
+                             {{3.0, 3.0}, {4.0, 4.0}, {4.0, 4.0}, {3.0, 3.0}, {4.0, 4.0}}};
+  // How many indices are announced: 3 (V + 2 h - 2), a vertex at the end that closes a ring
+  // not counted.
+  const kz_ulong announced[] = {15, 18, 18, 18, 21, 27};
+  for (std::size_t i = 0; i < std::size(nothings); ++i) {
+    SCOPED_TRACE(i);
+    StderrCapture err;
+    const Rings rings{square, nothings[i]};
+    const Triangulation mesh = triangulate(rings.tree());
+    EXPECT_EQ(mesh.status, 1u);
+    EXPECT_EQ(mesh.count, announced[i]);
+    EXPECT_EQ(twice_area(rings, mesh), 162.0);
+
+    const Rings with_another{square, hole(1.0, 1.0, 2.0, 2.0), nothings[i]};
+    const Triangulation holed = triangulate(with_another.tree());
+    EXPECT_EQ(holed.status, 1u);
+    EXPECT_EQ(holed.count, announced[i] + 18u);
+    EXPECT_EQ(twice_area(with_another, holed), 160.0);
+  }
 }
 
 TEST(Triangulate, AFailureLeavesTheBoundariesBeforeIt) {
