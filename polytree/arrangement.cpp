@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "polytree/exact.h"
+#include "kzgis/exact.h"
 
 namespace kzgis::polytree {
 
@@ -429,25 +429,30 @@ class Sweep {
 
   /// The sign of the difference of two areas.
   int compare_exactly(std::uint32_t a, std::uint32_t b) const {
-    exact::LongSum difference;
-    const auto add_area = [&](std::uint32_t ring, double factor) {
-      const RingState& state = states_[ring];
-      exact::LongSum area;
-      const auto add_sides_to = [&](exact::LongSum& sum, double times) {
-        for (std::size_t i = 0; i < state.sides; ++i) {
-          const Segment& side = segments_[state.first_side + i];
-          const Site& p = result_.sites[side.rightward ? side.left : side.right];
-          const Site& q = result_.sites[side.rightward ? side.right : side.left];
-          sum.add_product(times * p.x, q.y);
-          sum.add_product(-times * q.x, p.y);
-        }
-      };
-      add_sides_to(area, 1.0);
-      add_sides_to(difference, factor * area.sign());
-    };
-    add_area(a, 1.0);
-    add_area(b, -1.0);
-    return difference.sign();
+    std::vector<exact::Product> difference;
+    add_area(a, 1.0, difference);
+    // Twice the signed areas of the rings; what runs clockwise is turned round.
+    if (exact::sign_of_sum(difference) < 0) turn_round(difference);
+    std::vector<exact::Product> other;
+    add_area(b, -1.0, other);
+    if (exact::sign_of_sum(other) > 0) turn_round(other);
+    difference.insert(difference.end(), other.begin(), other.end());
+    return exact::sign_of_sum(difference);
+  }
+
+  void add_area(std::uint32_t ring, double factor, std::vector<exact::Product>& sum) const {
+    const RingState& state = states_[ring];
+    for (std::size_t i = 0; i < state.sides; ++i) {
+      const Segment& side = segments_[state.first_side + i];
+      const Site& p = result_.sites[side.rightward ? side.left : side.right];
+      const Site& q = result_.sites[side.rightward ? side.right : side.left];
+      sum.push_back({factor * p.x, q.y});
+      sum.push_back({-factor * q.x, p.y});
+    }
+  }
+
+  static void turn_round(std::vector<exact::Product>& sum) {
+    for (exact::Product& product : sum) product.a = -product.a;
   }
 
   const Rings& rings_;

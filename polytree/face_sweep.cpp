@@ -17,7 +17,7 @@
 #include <numeric>
 #include <set>
 
-#include "polytree/exact.h"
+#include "kzgis/exact.h"
 
 namespace kzgis::polytree {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <numeric>
 
-#include "polytree/exact.h"
+#include "kzgis/exact.h"
 
 namespace kzgis::polytree {
 

@@ -8,7 +8,7 @@
 #include <limits>
 #include <utility>
 
-#include "polytree/exact.h"
+#include "kzgis/exact.h"
 
 namespace kzgis::polytree {
 

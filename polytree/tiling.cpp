@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "polytree/exact.h"
+#include "kzgis/exact.h"
 
 namespace kzgis::polytree {
 

@@ -1,9 +1,4 @@
-// Orientation of three points, exactly.
-//
-// After J. R. Shewchuk, "Adaptive Precision Floating-Point Arithmetic and Fast Robust
-// Geometric Predicates", Discrete & Computational Geometry 18 (1997): the plain
-// determinant where its rounding error cannot reach the sign, else a sum of doubles that
-// holds the value without error.
+// Order of directions around a point.
 
 #include "triangulate/predicates.h"
 
@@ -12,50 +7,6 @@
 namespace kzgis::triangulation {
 
 namespace {
-
-/// A value held exactly, as a sum of doubles of growing size that share no bits.
-class ExactSum {
- public:
-  /// Adds a * b, exactly.
-  void add_product(double a, double b) {
-    const double product = a * b;
-    add(std::fma(a, b, -product));
-    add(product);
-  }
-
-  int sign() const {
-    for (int i = count_ - 1; i >= 0; --i) {
-      if (part_[i] > 0.0) return 1;
-      if (part_[i] < 0.0) return -1;
-    }
-    return 0;
-  }
-
- private:
-  void add(double value) {
-    for (int i = 0; i < count_; ++i) {
-      const double sum = value + part_[i];
-      const double part = sum - value;
-      part_[i] = (value - (sum - part)) + (part_[i] - part);
-      value = sum;
-    }
-    part_[count_++] = value;
-  }
-
-  double part_[12] = {};  // six products of two parts each
-  int count_ = 0;
-};
-
-int exact_orientation(const Point& a, const Point& b, const Point& c) {
-  ExactSum determinant;
-  determinant.add_product(a.x, b.y);
-  determinant.add_product(-a.y, b.x);
-  determinant.add_product(b.x, c.y);
-  determinant.add_product(-b.y, c.x);
-  determinant.add_product(c.x, a.y);
-  determinant.add_product(-c.y, a.x);
-  return determinant.sign();
-}
 
 /// Where on the scale of angle_measure the direction from p to q lies: 0 along r, 1 before
 /// the opposite of it, 2 opposite, 3 beyond.
@@ -68,18 +19,6 @@ int quarter(const Point& p, const Point& q, const Point& r) {
 }
 
 }  // namespace
-
-int orientation(const Point& a, const Point& b, const Point& c) {
-  const double left = (a.x - c.x) * (b.y - c.y);
-  const double right = (a.y - c.y) * (b.x - c.x);
-  const double determinant = left - right;
-  // (3 + 16 eps) eps with eps = 2^-53, Shewchuk's bound for this expression.
-  constexpr double kErrorBound = 3.3306690738754716e-16;
-  const double error = kErrorBound * (std::fabs(left) + std::fabs(right));
-  if (determinant > error) return 1;
-  if (-determinant > error) return -1;
-  return exact_orientation(a, b, c);
-}
 
 double angle_measure(const Point& p, const Point& q, const Point& r) {
   const Point u{q.x - p.x, q.y - p.y};

@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "kzgis/exact.h"
 #include "kzgis/triangulate.h"
 
 namespace kzgis::triangulation {
@@ -39,10 +40,10 @@ inline bool less_than(const Point& a, const Point& b, double tolerance) {
   return a.x < b.x;
 }
 
-/// 1 when c lies to the left of the way from a to b, -1 to the right, 0 on that line: the
-/// sign of the cross product (b - a) x (c - a), exact for coordinates whose products
-/// neither overflow nor underflow; 0 when a coordinate is no finite number.
-int orientation(const Point& a, const Point& b, const Point& c);
+/// 1 when c lies to the left of the way from a to b, -1 to the right, 0 on that line.
+inline int orientation(const Point& a, const Point& b, const Point& c) {
+  return exact::orientation(a.x, a.y, b.x, b.y, c.x, c.y);
+}
 
 /// How the direction from p to q compares with that from p to r, on the scale that the
 /// public header describes.

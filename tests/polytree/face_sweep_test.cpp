@@ -10,8 +10,8 @@
 #include <span>
 #include <vector>
 
+#include "kzgis/exact.h"
 #include "polytree/arrangement.h"
-#include "polytree/exact.h"
 #include "polytree/faces.h"
 #include "polytree/tiling.h"
 #include "triangulate/polygons.h"

@@ -1,15 +1,18 @@
-#include "polytree/exact.h"
+
+#include "kzgis/exact.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdint>
 #include <random>
+#include <vector>
 
 namespace {
 
 using kzgis::exact::in_range;
 using kzgis::exact::orientation;
+using kzgis::exact::Product;
 
 __extension__ using Wide = __int128;
 
@@ -82,6 +85,28 @@ TEST(Orientation, KeepsItsLaws) {
     ASSERT_EQ(orientation(cx, cy, ax, ay, bx, by), turn);
     ASSERT_EQ(orientation(bx, by, ax, ay, cx, cy), -turn);
   }
+}
+
+TEST(SignOfSum, CountsEveryBit) {
+  using kzgis::exact::sign_of_sum;
+  EXPECT_EQ(sign_of_sum({}), 0);
+  EXPECT_EQ(sign_of_sum(std::vector<Product>{{0.0, 5.0}}), 0);
+  EXPECT_EQ(sign_of_sum(std::vector<Product>{{-3.0, 5.0}, {2.0, 7.0}}), -1);
+  EXPECT_EQ(sign_of_sum(std::vector<Product>{{1e150, 1e150}, {1e-140, -1e-140}}), 1);
+  EXPECT_EQ(sign_of_sum(std::vector<Product>{{1e90, 1e90}, {1e-99, -1e-99}, {-1e90, 1e90}}), -1);
+  // (1 + 2^-52)^2 is 1 + 2^-51 + 2^-104.
+  const double one = 1.0 + 0x1p-52;
+  EXPECT_EQ(sign_of_sum(std::vector<Product>{{one, one}, {-1.0, 1.0 + 0x1p-51}}), 1);
+  EXPECT_EQ(
+      sign_of_sum(std::vector<Product>{{one, one}, {-1.0, 1.0 + 0x1p-51}, {-0x1p-52, 0x1p-52}}), 0);
+}
+
+TEST(SignOfSum, OfManyProducts) {
+  std::vector<Product> products(100000, {0.1, 0.1});
+  products.push_back({-0.1, 10000.0});
+  EXPECT_EQ(kzgis::exact::sign_of_sum(products), 1);  // 0.1 is a little more than a tenth
+  products.push_back({-0.1, 0.1});
+  EXPECT_EQ(kzgis::exact::sign_of_sum(products), -1);
 }
 
 TEST(InRange, IsZeroOrFromTwoToTheMinus480ToTwoToThe500) {
