@@ -8,7 +8,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <random>
 #include <sstream>
@@ -17,7 +16,7 @@
 #include <vector>
 
 #include "kzgis/mesh.h"
-#include "kzgis/shape.h"
+#include "support/polygon_layer.h"
 #include "triangulate/polygons.h"
 #include "triangulate/tiling.h"
 
@@ -176,45 +175,6 @@ void expect_tiled(const Polygon& polygon, const kzgis::Mesh& mesh) {
 
 // The sample layers.
 
-/// Reads the polygon records of a layer one by one.
-class Layer {
- public:
-  explicit Layer(const std::string& name)
-      : shape_((std::string(KZGIS_TEST_DATA_DIR "/ne/") + name).c_str()) {
-    EXPECT_EQ(shape_.NumberOfDataRecords(&records_), 1U);
-    EXPECT_EQ(shape_.SeekToFirstDataRecord(), 1U);
-  }
-  ~Layer() {
-    std::free(parts_);
-    std::free(x_);
-    std::free(y_);
-  }
-  Layer(const Layer&) = delete;
-  Layer& operator=(const Layer&) = delete;
-
-  kz_ulong records() const { return records_; }
-  Polygon next() {
-    kz_long number = 0;
-    kz_long parts = 0;
-    kz_long points = 0;
-    double box[4] = {};
-    EXPECT_EQ(
-        shape_.ReadPolygonShape(&number, &box[0], &box[1], &box[2], &box[3], &parts,
-                                &parts_capacity_, &parts_, &points, &points_capacity_, &x_, &y_),
-        1U);
-    return {{x_, x_ + points}, {y_, y_ + points}, {parts_, parts_ + parts}};
-  }
-
- private:
-  KZ_GIS_ESRI_Shape_c shape_;
-  kz_ulong records_ = 0;
-  kz_long parts_capacity_ = 0;
-  kz_long points_capacity_ = 0;
-  kz_long* parts_ = nullptr;
-  double* x_ = nullptr;
-  double* y_ = nullptr;
-};
-
 /// Every ring as a polygon of its own: what GEOS says against one of them, or "".
 std::string flaw_of_rings(const Polygon& polygon) {
   for (std::size_t ring = 0; ring < polygon.starts.size(); ++ring) {
@@ -229,12 +189,15 @@ std::string flaw_of_rings(const Polygon& polygon) {
 /// Judges a layer; lists the records that kzgis refuses or GEOS does not find valid.
 std::vector<std::string> remarks(const std::string& name) {
   std::vector<std::string> result;
-  Layer layer(name);
+  PolygonLayer layer(name);
   EXPECT_GT(layer.records(), 0U);
   for (kz_ulong record = 1; record <= layer.records(); ++record) {
     const std::string place = name + " record " + std::to_string(record);
     SCOPED_TRACE(place);
-    const Polygon polygon = layer.next();
+    const PolygonLayer::Record read = layer.next();
+    const Polygon polygon{{read.x.begin(), read.x.end()},
+                          {read.y.begin(), read.y.end()},
+                          {read.starts.begin(), read.starts.end()}};
     const kzgis::Mesh mesh = kzgis::triangulate(polygon.rings());
     const kzgis::Nesting nesting = kzgis::nest(polygon.rings());
     if (mesh.flaw) {

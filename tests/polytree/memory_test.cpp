@@ -4,21 +4,9 @@
 
 #include "kzgis/polytree.h"
 #include "polytree/rings.h"
+#include "support/memory_limit.h"
 
-#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define KZGIS_ADDRESS_SANITIZER
-#endif
-#endif
-#ifndef KZGIS_ADDRESS_SANITIZER
-#define KZGIS_CAN_USE_UP_MEMORY
-#endif
-#endif
-
-#ifdef KZGIS_CAN_USE_UP_MEMORY
-#include <sys/resource.h>
-
+#ifdef KZGIS_CAN_LIMIT_MEMORY
 #include <cstdlib>
 #include <vector>
 
@@ -37,11 +25,6 @@ void use_up_memory() {
   for (std::size_t size = std::size_t{1} << 24; size > 1024; size /= 2) take_all(size);
   // Small blocks that were freed wait for requests of just their size.
   for (std::size_t size = 1040; size >= 8; size -= 8) take_all(size);
-}
-
-/// Ends the child process with 0 when `ok`, else with the number of the failed check.
-void check(bool ok, int number) {
-  if (!ok) std::_Exit(number);
 }
 
 void fill_a_node() {

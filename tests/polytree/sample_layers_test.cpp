@@ -3,59 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "kzgis/polytree.h"
-#include "kzgis/shape.h"
 #include "polytree/rings.h"
 #include "support/capture.h"
+#include "support/polygon_layer.h"
 
 namespace {
-
-/// The records of a layer, read one by one.
-class Layer {
- public:
-  explicit Layer(const std::string& name)
-      : shape_((std::string(KZGIS_TEST_DATA_DIR "/ne/") + name).c_str()) {
-    EXPECT_EQ(shape_.NumberOfDataRecords(&records_), 1u);
-    EXPECT_EQ(shape_.SeekToFirstDataRecord(), 1u);
-  }
-  ~Layer() {
-    std::free(parts_);
-    std::free(x_);
-    std::free(y_);
-  }
-  Layer(const Layer&) = delete;
-  Layer& operator=(const Layer&) = delete;
-
-  kz_ulong records() const { return records_; }
-  Rings next() {
-    kz_long number = 0;
-    kz_long parts = 0;
-    kz_long points = 0;
-    double box[4] = {};
-    EXPECT_EQ(
-        shape_.ReadPolygonShape(&number, &box[0], &box[1], &box[2], &box[3], &parts,
-                                &parts_capacity_, &parts_, &points, &points_capacity_, &x_, &y_),
-        1u);
-    Rings rings;
-    rings.starts.assign(parts_, parts_ + parts);
-    rings.x.assign(x_, x_ + points);
-    rings.y.assign(y_, y_ + points);
-    return rings;
-  }
-
- private:
-  KZ_GIS_ESRI_Shape_c shape_;
-  kz_ulong records_ = 0;
-  kz_long parts_capacity_ = 0;
-  kz_long points_capacity_ = 0;
-  kz_long* parts_ = nullptr;
-  double* x_ = nullptr;
-  double* y_ = nullptr;
-};
 
 /// Twice the area that the rings enclose, boundaries being clockwise.
 double twice_area(const Rings& rings) {
@@ -72,11 +28,15 @@ double twice_area(const Rings& rings) {
 /// Triangulates the layer and returns the numbers of the records refused, from 1.
 std::vector<kz_ulong> refused(const std::string& name) {
   std::vector<kz_ulong> result;
-  Layer layer(name);
+  PolygonLayer layer(name);
   StderrCapture err;
   for (kz_ulong record = 1; record <= layer.records(); ++record) {
     SCOPED_TRACE(testing::Message() << name << " record " << record);
-    const Rings rings = layer.next();
+    const PolygonLayer::Record read = layer.next();
+    Rings rings;
+    rings.x.assign(read.x.begin(), read.x.end());
+    rings.y.assign(read.y.begin(), read.y.end());
+    rings.starts.assign(read.starts.begin(), read.starts.end());
     const KZ_GIS_PolygonTree_c tree = rings.tree();
     const Triangulation mesh = triangulate(tree);
     if (mesh.status != 1) {
