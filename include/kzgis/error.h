@@ -9,6 +9,7 @@ namespace kzgis {
 enum class ErrorKind {
   none,          ///< it did not fail
   bad_argument,  ///< arguments that do not fit each other
+  cannot_read,   ///< the file cannot be opened or read
   bad_data,      ///< the data is not what the operation works on
   unproved,      ///< a result came out that could not be proved right, and is withheld
   out_of_memory,

@@ -7,6 +7,7 @@
 
 #include "dem/dem_writer.h"
 #include "kzgis/dem.h"
+#include "kzgis/elevation.h"
 #include "support/capture.h"
 
 #if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
@@ -86,6 +87,34 @@ TEST_F(DemMemoryDeathTest, NoMemoryForTheElevationsIsReportedAndTheObjectServesA
         check(record.fetchElevation(5999, 999) == -32767, 6);
         check(record.setFN(small) == 1, 7);
         check(record.readRecord() == 1 && record.fetchElevation(0, 0) == 7, 8);
+        std::_Exit(0);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+TEST_F(DemMemoryDeathTest, NoMemoryForTheGridIsReported) {
+  constexpr int kProfiles = 1000;
+  constexpr int kRows = 1000;
+  RecordAText a;
+  a.size(1, kProfiles)
+      .corners({{500000, 5000010}, {500000, 5029980}, {529970, 5029980}, {529970, 5000010}});
+  std::string bytes = a.text();
+  for (int i = 0; i < kProfiles; ++i) {
+    bytes += ProfileText{1, i + 1, 500000 + 30.0 * i, 5000010, counting(kRows, i)}.text();
+  }
+  EXPECT_EXIT(
+      {
+        // The profiles take 4 MB, the grid 4 MB more: one limit for either.
+        for (const std::uintmax_t growth : {1U << 20, 6U << 20}) {
+          limit_growth(growth);
+          const kzgis::ElevationGrid grid = kzgis::read_dem(bytes, "x.dem");
+          lift_limit();
+          check(grid.error.kind == kzgis::ErrorKind::out_of_memory, 1);
+          check(grid.error.message == "x.dem: out of memory", 2);
+          check(grid.elevations.empty() && grid.rows == 0, 3);
+        }
+        const kzgis::ElevationGrid grid = kzgis::read_dem(bytes, "x.dem");
+        check(!grid.error && grid.at(0, 999) == 1998.0F, 4);
         std::_Exit(0);
       },
       testing::ExitedWithCode(0), "");
