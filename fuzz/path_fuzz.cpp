@@ -14,7 +14,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::uint8_t* const end = std::find(data, data + size, 0);
   const std::string value(data, end);
   const std::string name(std::min(end + 1, data + size), data + size);
-  setenv("A", value.c_str(), 1);
+  // setenv would keep every value that there ever was.
+  static std::string variable;
+  variable = "A=" + value;
+  putenv(variable.data());
   setenv("B_1", "one:two::four", 1);
 
   char buffer[1024];
