@@ -296,14 +296,11 @@ bool GridReader::place() {
     south = std::floor(south / step_y) * step_y;
     north = std::ceil(north / step_y) * step_y;
   }
-  const auto westernmost = std::min_element(
+  const auto [first, last] = std::minmax_element(
       profiles_.begin(), profiles_.end(),
       [](const Profile& p, const Profile& q) { return p.header.base[0] < q.header.base[0]; });
-  const double west = westernmost->header.base[0];
-  const auto easternmost = std::max_element(
-      profiles_.begin(), profiles_.end(),
-      [](const Profile& p, const Profile& q) { return p.header.base[0] < q.header.base[0]; });
-  const double columns = std::floor((easternmost->header.base[0] - west) / step_x + 0.5) + 1.0;
+  const double west = first->header.base[0];
+  const double columns = std::floor((last->header.base[0] - west) / step_x + 0.5) + 1.0;
   const double rows = std::floor((north - south) / step_y + 1.5);
   // An elevation takes six bytes and a profile at least 144, while few cells of a quadrangle
   // are outside of it.  Neither number is beyond an int then, and NaN is refused too.

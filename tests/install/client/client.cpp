@@ -1,5 +1,7 @@
 // A client as small as can be that still needs the compiled library.
 
+#include <kzgis/dem.h>
+#include <kzgis/elevation.h>
 #include <kzgis/latlon.h>
 #include <kzgis/projection.h>
 #include <kzgis/shape.h>
@@ -14,6 +16,8 @@ int main() {
   delete[] world;
   const KZ_GIS_ESRI_Shape_c none(nullptr);
   if (none.ShapeFileIsOpen() != 0) return 1;
+  if (DEM_LogicalRecord().fetchElevations() != nullptr) return 1;
+  if (!kzgis::read_dem("none").error) return 1;
   std::cout << LatLon(324000L, -36000L) << '\n';
   // A quarter of a turn on the default globe.
   return x > 10018538.0 && x < 10018540.0 ? 0 : 1;
