@@ -12,8 +12,8 @@ namespace kzgis::polytree {
 /// Whether the triangles tile the polygon: each is counter-clockwise or flat, and together
 /// they have exactly the contours for their edge.
 ///
-/// The second part is stronger than equal areas.  Take the edges of all triangles, each in
-/// its direction, and let opposite ones cancel: when the contours' edges are what is left,
+/// The second part (`triangulation::bounded_by`) is stronger than equal areas.  When the edges
+/// of all triangles, each in its direction, cancel in pairs but for the contours' edges,
 /// every point off the edges lies in as many triangles as the contours wind round it,
 /// since none counts negatively.  For a polygon with its boundary counter-clockwise and
 /// its holes clockwise that is once inside and never outside, and by Green's theorem the

@@ -1,9 +1,7 @@
 // The triangulator without process-wide state.
 
-#include <algorithm>
 #include <cmath>
 #include <new>
-#include <numeric>
 #include <vector>
 
 #include "kzgis/triangulate.h"
@@ -58,9 +56,9 @@ kz_long triangles_to_write(std::span<const kz_long> contours, std::span<const Po
 }
 
 // Rings that run the wrong way, touch or cross may come to the right number of triangles by
-// accident.  The two checks below leave no accident: the triangles' common boundary is that
-// of the polygon, so that they cover every point as often as the contours wind around it,
-// and none of them takes away what another covers.
+// accident.  This check and `bounded_by` leave no accident: the triangles' common boundary is
+// that of the polygon, so that they cover every point as often as the contours wind around
+// it, and none of them takes away what another covers.
 
 bool all_counter_clockwise(std::span<const kz_long> triangles, std::span<const Point> vertices) {
   for (std::size_t i = 0; i < triangles.size(); i += 3) {
@@ -68,35 +66,6 @@ bool all_counter_clockwise(std::span<const kz_long> triangles, std::span<const P
       return vertices[static_cast<std::size_t>(triangles[i + k])];
     };
     if (orientation(corner(0), corner(1), corner(2)) <= 0) return false;
-  }
-  return true;
-}
-
-/// Whether every edge of a triangle is that of one other triangle in the other direction,
-/// or one of the polygon's, and all of these occur.
-bool edges_pair_up(std::span<const kz_long> triangles, std::span<const kz_long> contours) {
-  // An edge and its opposite differ in the lowest bit alone.
-  std::vector<std::uint64_t> edges;
-  edges.reserve(triangles.size() + std::reduce(contours.begin(), contours.end(), std::size_t{0}));
-  const auto add = [&](kz_long from, kz_long to) {
-    const auto low = static_cast<std::uint64_t>(std::min(from, to));
-    const auto high = static_cast<std::uint64_t>(std::max(from, to));
-    edges.push_back(low << 32 | high << 1 | (from < to ? 1U : 0U));
-  };
-  for (std::size_t i = 0; i < triangles.size(); i += 3) {
-    add(triangles[i], triangles[i + 1]);
-    add(triangles[i + 1], triangles[i + 2]);
-    add(triangles[i + 2], triangles[i]);
-  }
-  // Around the outside of the polygon, its edges run backwards.
-  kz_long first = 0;
-  for (const kz_long count : contours) {
-    for (kz_long i = 0; i < count; ++i) add(first + (i + 1) % count, first + i);
-    first += count;
-  }
-  std::sort(edges.begin(), edges.end());
-  for (std::size_t i = 0; i < edges.size(); i += 2) {
-    if (i + 1 == edges.size() || (edges[i] ^ edges[i + 1]) != 1) return false;
   }
   return true;
 }
@@ -131,7 +100,7 @@ Result Workspace::run(std::span<const kz_long> contours, std::span<const Point> 
       return {Outcome::not_completed, 0};
     }
     for (kz_long& vertex : triangles) --vertex;  // the tables count from 1
-    if (!all_counter_clockwise(triangles, vertices) || !edges_pair_up(triangles, contours)) {
+    if (!all_counter_clockwise(triangles, vertices) || !bounded_by(contours, triangles)) {
       return {Outcome::not_completed, 0};
     }
   } catch (const std::bad_alloc&) {

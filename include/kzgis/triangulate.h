@@ -274,6 +274,18 @@ KZGIS_EXPORT kz_long triangulate_monotone_piece(kz_long n, kz_long pos, kz_long 
 
 namespace kzgis::triangulation {
 
+/// Whether every edge of a triangle is that of one other triangle in the other direction, or
+/// one of the contours', and all of these occur.
+///
+/// The triangles' common edge is then that of the contours, and every point off the edges
+/// lies in as many triangles as the contours wind around it, provided that no triangle is
+/// clockwise, which would count negatively.  No coordinate is asked for.
+///
+/// @param contours   number of vertices of each contour
+/// @param triangles  three vertex numbers each, counted from 0, contour after contour;
+///                   with a number that is no vertex's the answer is no
+KZGIS_EXPORT bool bounded_by(std::span<const kz_long> contours, std::span<const kz_long> triangles);
+
 /// How `Workspace::run` ended.
 enum class Outcome {
   complete,       ///< all triangles are there, and proved right

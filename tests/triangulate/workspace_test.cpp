@@ -174,4 +174,20 @@ TEST(Workspace, RunsInManyThreadsAtOnce) {
   for (const std::string& flaw : flaws) EXPECT_EQ(flaw, "");
 }
 
+TEST(BoundedBy, TrianglesThatHaveTheContoursForTheirEdge) {
+  using kzgis::triangulation::bounded_by;
+  using Numbers = std::vector<kz_long>;
+  const Numbers square{4};
+  EXPECT_TRUE(bounded_by(square, Numbers{0, 1, 2, 0, 2, 3}));
+  EXPECT_TRUE(bounded_by(square, Numbers{1, 2, 3, 3, 0, 1}));
+  EXPECT_FALSE(bounded_by(square, Numbers{0, 1, 2}));
+  EXPECT_FALSE(bounded_by(square, Numbers{0, 1, 2, 0, 3, 2}));
+  EXPECT_FALSE(bounded_by(square, Numbers{0, 1, 2, 0, 2, 3, 0, 1, 2}));
+  EXPECT_FALSE(bounded_by(Numbers{3, 3}, Numbers{0, 1, 2}));
+  EXPECT_TRUE(bounded_by(Numbers{3, 3}, Numbers{0, 1, 2, 4, 5, 3}));
+  EXPECT_FALSE(bounded_by(square, Numbers{0, 1, 2, 0, 2, 4}));
+  EXPECT_FALSE(bounded_by(square, Numbers{0, 1, 2, 0, 2, -1}));
+  EXPECT_FALSE(bounded_by(square, Numbers{0, 1, 2, 0, 2}));
+}
+
 }  // namespace
