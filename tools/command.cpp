@@ -4,6 +4,7 @@
 #include <exception>
 #include <string>
 
+#include "tools/dem/dem_command.h"
 #include "tools/info/info_command.h"
 #include "tools/map/map_command.h"
 #include "tools/pack/pack_command.h"
@@ -23,12 +24,13 @@ constexpr const char* kExamples =
     "  kzgis info countries.shp\n"
     "  kzgis map countries.shp -o world.png --to orthographic --base 45,10\n"
     "  kzgis triangulate countries.shp -o countries.obj\n"
+    "  kzgis dem st_helens.dem.gz -o st_helens.png\n"
     "  echo 48.2,16.37 | kzgis project --to mercator\n";
 
 int run(int argc, const char* const* argv) {
   CLI::App app(
       "Geographic utilities: look into geodata files, project coordinates, turn polygons "
-      "into triangles, draw maps, pack outlines.",
+      "into triangles, draw maps and mountains, pack outlines.",
       "kzgis");
   app.set_version_flag("--version", KZGIS_VERSION);
   app.require_subcommand(0, 1);
@@ -38,6 +40,7 @@ int run(int argc, const char* const* argv) {
   add_project_command(app, exit_code);
   add_map_command(app, exit_code);
   add_triangulate_command(app, exit_code);
+  add_dem_command(app, exit_code);
   add_pack_command(app, exit_code);
   try {
     app.parse(argc, argv);
@@ -47,7 +50,8 @@ int run(int argc, const char* const* argv) {
     return kMisused;
   }
   if (app.get_subcommands().empty()) {
-    report("a subcommand is missing: info, project, map, triangulate or pack (see kzgis --help)");
+    report(
+        "a subcommand is missing: info, project, map, triangulate, dem or pack (see kzgis --help)");
     return kMisused;
   }
   return exit_code;

@@ -33,6 +33,8 @@ std::optional<projType> find_type(const std::string& name) {
   return std::nullopt;
 }
 
+}  // namespace
+
 NumberPair parse_pair(const std::string& option, const std::string& text) {
   const std::size_t comma = text.find(',');
   if (comma != std::string::npos) {
@@ -42,8 +44,6 @@ NumberPair parse_pair(const std::string& option, const std::string& text) {
   }
   throw CLI::ValidationError(option, in_quotes(text) + " is not two numbers with a comma between");
 }
-
-}  // namespace
 
 projType ProjectionOptions::type() const { return find_type(name).value_or(CartesianProj); }
 

@@ -15,6 +15,9 @@ namespace kzgis::tools {
 /// A pair given as "A,B".
 using NumberPair = std::pair<double, double>;
 
+/// Reads such a pair; throws CLI's error, which names the option.
+NumberPair parse_pair(const std::string& option, const std::string& text);
+
 /// What --to, --base, --parallels and --radius say.  The library takes an unknown name for
 /// Cartesian, silently; people are told.
 struct ProjectionOptions {

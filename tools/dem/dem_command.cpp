@@ -1,0 +1,128 @@
+// kzgis dem: from a USGS DEM to a picture, a grid or points.
+
+#include "tools/dem/dem_command.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "tools/dem/grid_file.h"
+#include "tools/dem/grid_text.h"
+#include "tools/dem/relief_picture.h"
+#include "tools/map/render.h"
+#include "tools/support/number_text.h"
+#include "tools/support/output_file.h"
+#include "tools/support/projection_options.h"
+#include "tools/support/report.h"
+
+namespace kzgis::tools {
+
+namespace {
+
+struct Options {
+  std::string input;
+  std::string output;
+  std::string format;
+  bool shade = false;
+  bool tint = false;
+  Sun sun;
+};
+
+/// Throws CLI's error when neither option nor name says what to write.
+std::string choose_format(const Options& options) {
+  if (!options.format.empty()) return options.format;
+  if (options.output == "-") {
+    throw CLI::ValidationError("--output",
+                               "standard output needs --format png, svg, pdf, asc or csv");
+  }
+  const std::string ending = ending_of(options.output);
+  if (ending == "asc" || ending == "csv" || map::format_named(ending)) return ending;
+  throw CLI::ValidationError("--output",
+                             in_quotes(options.output) +
+                                 " does not end in .png, .svg, .pdf, .asc or .csv, and no "
+                                 "--format says which");
+}
+
+Sun parse_sun(const std::string& text) {
+  const auto [azimuth, altitude] = parse_pair("--sun", text);
+  if (!(azimuth >= -360.0 && azimuth <= 360.0) || !(altitude > 0.0 && altitude <= 90.0)) {
+    throw CLI::ValidationError("--sun",
+                               in_quotes(text) +
+                                   " is no place of the sun: its azimuth lies between -360 "
+                                   "and 360 degrees, its altitude above 0 and up to 90");
+  }
+  return {azimuth, altitude};
+}
+
+void run(const Options& options) {
+  const std::string format = choose_format(options);
+  const ElevationGrid grid = read_grid(options.input);
+  OutputFile output(options.output);
+  if (format == "asc") {
+    write_ascii_grid(output.stream(), grid);
+  } else if (format == "csv") {
+    write_points(output.stream(), grid);
+  } else {
+    // Without a choice the picture has both.
+    const bool both = options.shade == options.tint;
+    draw_relief(output.stream(), *map::format_named(format), grid,
+                {both || options.shade, both || options.tint, options.sun});
+  }
+  output.commit();
+}
+
+constexpr const char* kExamples = R"(
+A picture shows the relief in the light of the sun, tinted by height, with a scale
+for the colours and one for distances; --shade leaves out the colours, --tint the
+light.  Numbers keep the file's own units and coordinates; cells that the file has
+no elevation for are -32767 in a grid and left out of points.
+
+  .png .svg .pdf  a picture, north up
+  .asc            an ESRI ASCII grid with its georeference
+  .csv            a line x,y,z for each elevation, from the north-west
+
+Examples:
+  kzgis dem st_helens.dem.gz -o st_helens.png
+  kzgis dem crater.dem -o crater.png --shade --sun 270,30
+  kzgis dem crater.dem -o crater.asc
+  kzgis dem crater.dem -o - --format csv | head
+)";
+
+}  // namespace
+
+void add_dem_command(CLI::App& app, int& exit_code) {
+  const auto options = std::make_shared<Options>();
+  CLI::App& command =
+      *app.add_subcommand("dem", "Turn a USGS elevation model into a picture, a grid or points");
+  command.add_option("FILE", options->input, "A USGS DEM, compressed by gzip or not")
+      ->required()
+      ->type_name(".dem");
+  command
+      .add_option("-o,--output", options->output,
+                  "What to write: .png, .svg, .pdf, .asc or .csv; - for standard output")
+      ->required()
+      ->type_name("OUT");
+  command
+      .add_option("--format", options->format, "png, svg, pdf, asc or csv, whatever the name says")
+      ->type_name("FORMAT")
+      ->check([](const std::string& name) {
+        return name == "asc" || name == "csv" || map::format_named(name)
+                   ? std::string()
+                   : in_quotes(name) + " is none of png, svg, pdf, asc, csv";
+      });
+  command.add_flag("--shade", options->shade, "The relief alone, in grey");
+  command.add_flag("--tint", options->tint, "The colours of height alone");
+  command
+      .add_option_function<std::string>(
+          "--sun", [options](const std::string& text) { options->sun = parse_sun(text); },
+          "Where the light comes from: degrees clockwise from north, degrees above the horizon "
+          "(315,45)")
+      ->type_name("AZ,ALT");
+  command.footer(kExamples);
+  command.callback([options, &exit_code] {
+    run(*options);
+    exit_code = 0;
+  });
+}
+
+}  // namespace kzgis::tools

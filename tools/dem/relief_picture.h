@@ -1,0 +1,27 @@
+#ifndef KZGIS_TOOLS_DEM_RELIEF_PICTURE_H
+#define KZGIS_TOOLS_DEM_RELIEF_PICTURE_H
+
+#include <kzgis/elevation.h>
+
+#include <ostream>
+
+#include "tools/dem/relief.h"
+#include "tools/map/render.h"
+
+namespace kzgis::tools {
+
+/// What a picture shows of the elevations.
+struct ReliefStyle {
+  bool shaded = true;
+  bool tinted = true;
+  Sun sun;
+};
+
+/// Draws a grid with its name, a scale of colours in the unit of the elevations, and a
+/// scale of distance where the ground has a unit.
+void draw_relief(std::ostream& out, map::Format format, const ElevationGrid& grid,
+                 const ReliefStyle& style);
+
+}  // namespace kzgis::tools
+
+#endif
