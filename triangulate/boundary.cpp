@@ -1,7 +1,6 @@
 // The edge that triangles have together.
 
 #include <algorithm>
-#include <compare>
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -47,11 +46,12 @@ class Edges {
   struct End {
     kz_long high;
     bool up;
-    auto operator<=>(const End&) const = default;
   };
 
   static bool pair_up(std::span<End> run) {
-    std::sort(run.begin(), run.end());
+    std::sort(run.begin(), run.end(), [](const End& a, const End& b) {
+      return a.high != b.high ? a.high < b.high : a.up < b.up;
+    });
     if (run.size() % 2 != 0) return false;
     for (std::size_t i = 0; i < run.size(); i += 2) {
       if (run[i].high != run[i + 1].high || run[i].up == run[i + 1].up) return false;
