@@ -441,11 +441,11 @@ ElevationGrid read_dem(const std::string& path) {
     return refused({ErrorKind::cannot_read, path + ": " + why});
   };
   struct Close {
-    void operator()(std::FILE* file) const { std::fclose(file); }
+    void operator()(std::FILE* file) const { (void)std::fclose(file); }
   };
   const std::unique_ptr<std::FILE, Close> file(FILEfopen(path.c_str(), "rb"));
   if (!file) return refuse("cannot be opened");
-  std::setvbuf(file.get(), nullptr, _IONBF, 0);  // read in large pieces as it is
+  (void)std::setvbuf(file.get(), nullptr, _IONBF, 0);  // read in large pieces as it is
   try {
     ElevationGrid grid = GridReader(file.get(), path).read();
     return std::ferror(file.get()) == 0 ? std::move(grid) : refuse("cannot be read");
