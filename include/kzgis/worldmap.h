@@ -52,8 +52,8 @@ enum infoLevels : std::int32_t {
   NumInfoLevels = 16,
 };
 
-/// Advances a loop variable: the last member, and whatever is not a member, becomes the
-/// end marker.  It never wraps back to 0.
+/// Advances a loop variable: the last member, and whatever lies past it, becomes the end
+/// marker.  It never wraps back to 0.
 KZGIS_EXPORT void increment(mapSections& section);
 KZGIS_EXPORT void increment(overlaySections& section);
 KZGIS_EXPORT void increment(infoLevels& level);

@@ -48,6 +48,10 @@ using Complain = std::function<void(const std::string&)>;
 BankSummary check_bank(const std::string& file, const std::function<void(const Segment&)>& each,
                        const Complain& complain);
 
+/// The same for one file of several: one that cannot be read, or is none, is complained of
+/// like any flaw, and counts as empty.
+BankSummary check_one_of_bank(const std::string& file, const Complain& complain);
+
 }  // namespace kzgis::databank
 
 #endif

@@ -63,8 +63,7 @@ BankSummary sum_of(const std::string& directory, overlaySections theme,
                    const databank::Complain& complain) {
   BankSummary sum;
   for (const std::string& file : databank::files_of(directory, theme)) {
-    const BankSummary bank = databank::check_bank(
-        file, [](const auto&) {}, complain);
+    const BankSummary bank = databank::check_one_of_bank(file, complain);
     for (std::size_t level = 0; level < sum.levels.size(); ++level) {
       sum.levels[level].segments += bank.levels[level].segments;
       sum.levels[level].points += bank.levels[level].points;

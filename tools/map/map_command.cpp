@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/databank/bank_check.h"
 #include "tools/databank/load.h"
 #include "tools/map/bank_layer.h"
 #include "tools/map/layer.h"
@@ -201,11 +202,16 @@ void add_mesh(const std::string& file, StyledLayer& styled, const tools::Complai
   }
 }
 
-void add_bank_layers(const MapOptions& options, std::vector<StyledLayer>& layers) {
+/// Damaged files are complained of, and drawn as far as they can be read.
+void add_bank_layers(const MapOptions& options, std::vector<StyledLayer>& layers,
+                     const tools::Complain& complain) {
   const std::string directory = tools::expanded(options.bank);
   databank::check_is_bank(directory);
   for (const BankTheme& theme :
        options.bank_themes.empty() ? all_bank_themes() : options.bank_themes) {
+    for (const std::string& file : databank::files_of(directory, theme.theme)) {
+      databank::check_one_of_bank(file, complain);
+    }
     layers.push_back(
         {read_bank_layer(directory, theme, options.precision_arcsec), bank_role(theme.theme)});
   }
@@ -235,7 +241,7 @@ std::vector<StyledLayer> read_layers(const MapOptions& options, int& exit_code) 
     if (options.mesh) add_mesh(options.files[i], styled, complain);
     layers.push_back(std::move(styled));
   }
-  if (!options.bank.empty()) add_bank_layers(options, layers);
+  if (!options.bank.empty()) add_bank_layers(options, layers, complain);
   return layers;
 }
 

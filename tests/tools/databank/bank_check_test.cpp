@@ -113,6 +113,25 @@ TEST_F(BankCheck, NamesEndsThatThePointsLeave) {
   EXPECT_EQ(complaints_, Complaints{"segment 1 leaves the ends that its dictionary entry gives"});
 }
 
+TEST_F(BankCheck, TakesEndsOfAnySize) {
+  std::string bytes = sound_file();
+  bytes.replace(20 + 4, 16,
+                "\xFF\xFF\xFF\x7F"   // north 2147483647
+                "\x01\x00\x00\x80"   // south -2147483646
+                "\xFF\xFF\xFF\x7F"   // east
+                "\x01\x00\x00\x00",  // west 1
+                16);
+  check(bytes);
+  EXPECT_EQ(complaints_, Complaints{});
+  EXPECT_EQ(segments_[0].extent.north, 2147483647);
+  EXPECT_EQ(segments_[0].extent.south, -2147483646);
+  EXPECT_EQ(segments_[0].extent.east, 2147483647);
+  EXPECT_EQ(segments_[0].extent.west, 1);
+  bytes[20 + 19] = '\x7F';
+  check(bytes);
+  EXPECT_EQ(complaints_, Complaints{"segment 1 leaves the ends that its dictionary entry gives"});
+}
+
 TEST_F(BankCheck, NamesASegmentThatLeavesTheGlobe) {
   std::string bytes = sound_file();
   bytes[76 + 6] = '\x10';  // the first latitude: 36000 becomes 1084576
