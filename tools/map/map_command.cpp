@@ -88,8 +88,9 @@ of gnomonic, stereographic, orthographic, postel, lambert azimuthal and globe,
 shapes bonne and werner, and changes nothing on the others.  The conics have standard
 parallels of 20 and 60 unless --parallels says otherwise.
 
-Coordinates must be degrees.  Null and empty records are skipped.  A record that
-cannot be read is reported, the picture shows the others, the exit code is 1.
+Coordinates must be degrees.  Null and empty records are skipped.  A record, or a file
+of the bank, that is damaged is reported; the picture shows what can be read; the exit
+code is 1.
 )";
 
 Format choose_format(const MapOptions& options) {
