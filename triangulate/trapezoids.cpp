@@ -317,8 +317,13 @@ kz_long newnode(Tables& t) {
 }
 
 kz_long newtrap(Tables& t) {
+  // Where segments cross, one may still pass through a trapezoid that was merged away, and
+  // overwrite the link: the list ends there.
+  const auto is_orphan = [&t](kz_long i) {
+    return t.is_trapezoid(i) && t.tr[i].status == kInvalid;
+  };
   kz_long trapezoid = t.tr_next;
-  if (t.orphan_trap > 0 && t.frugal) {
+  if (t.frugal && is_orphan(t.orphan_trap)) {
     trapezoid = t.orphan_trap;
     t.orphan_trap = t.tr[trapezoid].sink_node;
     t.tr[trapezoid] = Trapezoid{};

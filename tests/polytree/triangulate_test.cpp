@@ -183,6 +183,21 @@ TEST(TriangulateRefuses, HolesThatOverlap) {
                   {{2.0, 2.0}, {6.0, 3.0}, {6.0, 6.0}, {3.0, 6.0}}});
 }
 
+// The hole's sides cross so often that one passes through a trapezoid that has been merged
+// away, and overwrites the link by which it was to be found again.
+TEST(TriangulateRefuses, AHoleThatComesBackToMergedTrapezoids) {
+  expect_refused(
+      {{{1, 1}, {14, 1}, {14, 14}, {1, 14}},
+       {{10, 1}, {14, 4}, {1, 3},  {0, 3},  {15, 5}, {15, 5}, {3, 6},  {8, 7},  {8, 7},  {1, 6},
+        {2, 6},  {9, 6},  {6, 7},  {13, 7}, {13, 7}, {13, 7}, {13, 7}, {13, 7}, {13, 7}, {13, 7},
+        {13, 7}, {13, 7}, {13, 7}, {13, 7}, {13, 7}, {13, 7}, {10, 1}, {10, 1}, {10, 1}, {10, 1},
+        {10, 1}, {10, 1}, {10, 1}, {13, 7}, {13, 7}, {13, 7}, {13, 7}, {13, 7}, {13, 7}, {1, 3},
+        {2, 3},  {2, 3},  {9, 6},  {10, 1}, {10, 1}, {10, 1}, {10, 1}, {10, 1}, {10, 1}, {10, 1},
+        {10, 1}, {10, 1}, {10, 1}, {10, 1}, {10, 1}, {10, 1}, {14, 4}, {1, 3},  {10, 1}, {10, 1},
+        {10, 1}, {10, 1}, {10, 1}, {10, 1}, {10, 1}, {10, 1}, {10, 1}, {10, 1}, {10, 1}, {10, 1},
+        {10, 1}, {1, 10}, {10, 1}, {10, 1}, {10, 1}, {10, 1}, {1, 1},  {3, 3},  {3, 4}}});
+}
+
 TEST(TriangulateRefuses, CoordinatesThatAreNoNumbers) {
   for (const double stray : {static_cast<double>(NAN), static_cast<double>(INFINITY)}) {
     expect_refused({{{0.0, 0.0}, {0.0, 1.0}, {stray, 1.0}, {1.0, 0.0}}});
