@@ -1,10 +1,14 @@
 // Small files of every kind, cut at every byte, and with every byte of their headers
-// replaced: every operation keeps to the statuses that it documents, and no array
-// grows beyond what the file can fill.
+// replaced; real layers cut at every field; files that change while they are open: every
+// operation keeps to the statuses that it documents, and no array grows beyond what the
+// file can fill.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -185,6 +189,145 @@ TEST_F(ShapeDamageTest, AnIndexOfAnotherFileIsSurvived) {
     for (const Layer& other : layers()) {
       SCOPED_TRACE(label(layer, "index of type", static_cast<std::size_t>(other.type)));
       read_everything(write(layer.writer().shp(), other.writer().shx()), layer.type);
+    }
+  }
+}
+
+// Real layers.
+
+std::string bytes_of(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::size_t big_at(const std::string& bytes, std::size_t place) {
+  std::size_t value = 0;
+  for (std::size_t i = place; i < place + 4; ++i) {
+    value = value << 8 | static_cast<unsigned char>(bytes.at(i));
+  }
+  return value;
+}
+
+/// Where the fields of a record begin, from its own start, and where it ends.
+std::vector<std::size_t> field_starts(const std::string& shp, std::size_t record,
+                                      std::int32_t type) {
+  const std::size_t end = 8 + 2 * big_at(shp, record + 4);
+  std::vector<std::size_t> starts{0, 4, 8, 12, 20};
+  if (type != 1) starts.insert(starts.end(), {28, 36, 44, 48});
+  if (type == 3 || type == 5) {
+    // Little-endian, and far below 65536 in these layers.
+    const auto parts = static_cast<unsigned char>(shp.at(record + 44)) +
+                       256U * static_cast<unsigned char>(shp.at(record + 45));
+    starts.insert(starts.end(), {52, 52 + std::size_t{4} * (parts - 1), 52 + 4 * parts});
+  }
+  starts.insert(starts.end(), {end - 16, end - 8, end});
+  std::sort(starts.begin(), starts.end());
+  return starts;
+}
+
+TEST_F(ShapeDamageTest, ARealLayerCutAtAnyFieldGives11ThereAndAllBeforeIt) {
+  struct RealLayer {
+    const char* name;
+    std::int32_t type;
+  };
+  for (const RealLayer& layer :
+       {RealLayer{"ne/ne_110m_places", 1}, RealLayer{"wdb/pby", 3}, RealLayer{"ne/ne_110m_land", 5},
+        RealLayer{"ne/ne_50m_places_by_country", 8}}) {
+    const std::string source = std::string(KZGIS_TEST_DATA_DIR "/") + layer.name;
+    const std::string shp = bytes_of(source + ".shp");
+    const std::string shx = bytes_of(source + ".shx");
+    const std::string base = write(shp, shx);
+    // From the back, so that each cut shortens the same file.
+    for (std::size_t n = (shx.size() - 100) / 8; n > 0; --n) {
+      const std::size_t record = 2 * big_at(shx, 100 + 8 * (n - 1));
+      const std::vector<std::size_t> starts = field_starts(shp, record, layer.type);
+      const std::size_t end = starts.back();
+      for (auto start = starts.rbegin(); start != starts.rend(); ++start) {
+        std::filesystem::resize_file(base + ".shp", record + *start);
+        KZ_GIS_ESRI_Shape_c shape(base.c_str());
+        ShapeRecord last;
+        ASSERT_EQ(shape.SeekToDataRecord(static_cast<kz_long>(n)), 1u);
+        ASSERT_EQ(read(shape, layer.type, last), *start < end ? 11u : 1u)
+            << layer.name << ", record " << n << " cut at byte " << *start;
+        const auto room = static_cast<kz_long>(*start);
+        ASSERT_LE(last.parts_capacity, room / 4);
+        ASSERT_LE(last.points_capacity, room / 16);
+      }
+      if (n == 1) break;
+      KZ_GIS_ESRI_Shape_c shape(base.c_str());
+      ShapeRecord before;
+      ASSERT_EQ(shape.SeekToDataRecord(static_cast<kz_long>(n - 1)), 1u);
+      ASSERT_EQ(read(shape, layer.type, before), 1u) << layer.name << ", record " << n - 1;
+    }
+  }
+}
+
+// Files that change while they are open.
+
+class ChangingShapeFile : public ShapeDamageTest {
+ protected:
+  static constexpr const char* kSource = KZGIS_TEST_DATA_DIR "/ne/ne_110m_countries";
+
+  ChangingShapeFile()
+      : shp_(bytes_of(std::string(kSource) + ".shp")),
+        shx_(bytes_of(std::string(kSource) + ".shx")) {}
+
+  /// Reads records until one fails, and gives its status.
+  static kz_ulong read_to_failure(KZ_GIS_ESRI_Shape_c& shape, ShapeRecord& record, int* whole) {
+    for (;; ++*whole) {
+      const kz_ulong status = record.read_polygon(shape);
+      if (status != 1) return status;
+    }
+  }
+
+  std::string shp_;
+  std::string shx_;
+};
+
+TEST_F(ChangingShapeFile, ThatGotShorterEndsEarlier) {
+  for (const std::size_t length : {std::size_t{0}, std::size_t{60}, std::size_t{100},
+                                   std::size_t{5000}, shp_.size() / 2, shp_.size() - 1}) {
+    SCOPED_TRACE(length);
+    const std::string base = write(shp_, shx_);
+    KZ_GIS_ESRI_Shape_c shape(base.c_str());
+    std::filesystem::resize_file(base + ".shp", length);
+    std::filesystem::resize_file(base + ".shx", 200);
+    ShapeRecord record;
+    int whole = 0;
+    EXPECT_EQ(read_to_failure(shape, record, &whole), 11u);
+    EXPECT_LT(whole, 177);
+    EXPECT_LE(record.points_capacity, static_cast<kz_long>(shp_.size() / 16));
+    kz_ulong count = 0;
+    EXPECT_THAT(shape.NumberOfPoints(&count), AnyOf(1u, 2u, 4u, 10u, 11u));
+    EXPECT_THAT(shape.SeekToDataRecord(170), AnyOf(1u, 2u, 10u));
+
+    // The object is whole: it takes other files.
+    ASSERT_NE(shape.FileName(kSource), nullptr);
+    EXPECT_EQ(record.read_polygon(shape), 1u);
+  }
+}
+
+TEST_F(ChangingShapeFile, ThatGotLongerGivesTheRecordsItHad) {
+  const std::string base = write(shp_, shx_);
+  KZ_GIS_ESRI_Shape_c shape(base.c_str());
+  std::ofstream(base + ".shp", std::ios::binary | std::ios::app) << std::string(100000, '\x7F');
+  ShapeRecord record;
+  int whole = 0;
+  EXPECT_THAT(read_to_failure(shape, record, &whole), AnyOf(2u, 4u, 10u, 11u));
+  EXPECT_EQ(whole, 177);
+}
+
+TEST_F(ChangingShapeFile, WhoseBytesAreOtherOnesIsSurvived) {
+  for (const char byte : {'\0', '\x7F', '\x80', '\xFF'}) {
+    const std::string base = write(shp_, shx_);
+    KZ_GIS_ESRI_Shape_c shape(base.c_str());
+    write_file(base + ".shp", std::string(shp_.size(), byte));
+    write_file(base + ".shx", std::string(shx_.size(), byte));
+    ShapeRecord record;
+    for (kz_long n = 177; n > 0; n -= 11) {
+      EXPECT_THAT(shape.SeekToDataRecord(n), AnyOf(1u, 2u, 10u));
+      EXPECT_THAT(record.read_polygon(shape), AnyOf(1u, 2u, 4u, 10u, 11u));
+      EXPECT_LE(record.points_capacity, static_cast<kz_long>(shp_.size() / 16));
     }
   }
 }
