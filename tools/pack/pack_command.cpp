@@ -41,7 +41,7 @@ int run(const Options& options) {
     throw CLI::ValidationError("FILE... DIR", "the directory to write comes last, after the files");
   }
   const std::string& directory = options.paths.back();
-  if (directory.ends_with(".shp")) {
+  if (directory.empty() || directory.ends_with(".shp")) {
     throw CLI::ValidationError(
         "FILE... DIR", in_quotes(directory) + " is no name for a directory of outline files");
   }

@@ -1,0 +1,252 @@
+#!/usr/bin/env python3
+"""odd_files_test.py KZGIS DATA_DIR MEMORY_MIB: inputs and outputs that are no ordinary files.
+
+Whatever stands where a file is expected, the command ends within seconds, says one line
+on standard error that begins with "kzgis: ", answers 1 or 2, and leaves no output behind,
+whole or half.  MEMORY_MIB bounds its address space; 0 for no bound.
+"""
+import gzip
+import os
+import pathlib
+import resource
+import shutil
+import subprocess
+import sys
+import tempfile
+
+KZGIS = sys.argv[1]
+DATA = pathlib.Path(sys.argv[2])
+MEMORY_MIB = int(sys.argv[3])
+TIMEOUT_S = 60  # a sanitizer's program on a busy machine; what hangs, hangs for ever
+NOBODY = 65534
+
+PACKED_AS = ["--theme", "river", "--continent", "europe", "--level", "@RANK"]
+
+# Each way to read a file: the arguments, IN and OUT standing for the files; the ending of
+# what it writes, or None; a sound input; and of its parts those that it opens.
+SHAPE_PARTS = [".shp", ".shx"]
+WAYS = [
+    (["info", "IN.shp"], None, "ne/ne_110m_lakes", SHAPE_PARTS),
+    (["info", "IN.cbd"], None, "BANK_FILE", [".cbd"]),
+    (["map", "IN.shp", "-o", "OUT"], ".svg", "ne/ne_110m_lakes", SHAPE_PARTS),
+    (["map", "--bank", "IN", "-o", "OUT"], ".png", "BANK", [""]),
+    (["triangulate", "IN.shp", "-o", "OUT"], ".obj", "ne/ne_110m_lakes", SHAPE_PARTS),
+    (["project", "--to", "mercator", "IN.csv", "-o", "OUT"], ".csv", "TABLE", [".csv"]),
+    (["pack", "IN.shp", "OUT", *PACKED_AS], "", "wdb/riv", [*SHAPE_PARTS, ".dbf"]),
+]
+
+problems = []
+
+
+def limit_memory():
+    if MEMORY_MIB:
+        resource.setrlimit(resource.RLIMIT_AS, (MEMORY_MIB << 20, resource.RLIM_INFINITY))
+
+
+def run(arguments, stdout=subprocess.DEVNULL, as_nobody=False):
+    """The finished run; None when it does not end."""
+    who = {"user": NOBODY, "group": NOBODY, "extra_groups": []} if as_nobody else {}
+    try:
+        return subprocess.run([KZGIS, *arguments], stdin=subprocess.DEVNULL, stdout=stdout,
+                              stderr=subprocess.PIPE, timeout=TIMEOUT_S, check=False,
+                              preexec_fn=limit_memory, **who)
+    except subprocess.TimeoutExpired:
+        return None
+
+
+def expect_refused(what, arguments, directory, **how):
+    """Runs and expects one line, exit code 1 or 2, and the directory as it was."""
+    before = sorted(directory.rglob("*"))
+    done = run(arguments, **how)
+    if done is None:
+        problems.append(f"{what}: does not end")
+        return
+    said = done.stderr.decode("utf-8", "replace")
+    if done.returncode not in (1, 2):
+        problems.append(f"{what}: exit code {done.returncode}: {said[:300]}")
+    elif not said.startswith("kzgis: ") or said.count("\n") != 1 or not said.endswith("\n"):
+        problems.append(f"{what}: says {said[:600]!r}")
+    left = [str(p) for p in sorted(directory.rglob("*")) if p not in before]
+    # pack makes its directories before their files.
+    left = [p for p in left if not (arguments[0] == "pack" and os.path.isdir(p))]
+    if left:
+        problems.append(f"{what}: leaves {left}")
+        for path in left:
+            os.unlink(path)
+
+
+def make_sound_inputs(directory):
+    """The inputs that are no sample files: a bank, one of its files, a table, a model."""
+    bank = directory / "bank"
+    subprocess.run([KZGIS, "pack", DATA / "wdb/pby.shp", bank], stdout=subprocess.DEVNULL,
+                   check=True)
+    shutil.copy(next(bank.rglob("*.cbd")), directory / "bank_file.cbd")
+    (directory / "table.csv").write_text("48.2,16.37\n", encoding="ascii")
+    with gzip.open(DATA / "dem/st_helens.dem.gz") as model:
+        (directory / "model.dem").write_bytes(model.read())
+
+
+def put_sound(sound, made, base):
+    """Copies a sound input to files or a directory named after `base`."""
+    if sound == "BANK":
+        shutil.copytree(made / "bank", base)
+        return
+    names = {"BANK_FILE": "bank_file", "TABLE": "table", "MODEL": "model"}
+    source = made / names[sound] if sound in names else DATA / sound
+    for file in source.parent.glob(source.name + ".*"):
+        shutil.copy(file, f"{base}{file.suffix}")
+
+
+def remove(path):
+    if path.is_dir() and not path.is_symlink():
+        shutil.rmtree(path)
+    else:
+        path.unlink(missing_ok=True)
+
+
+def link_to(target):
+    return lambda path: os.symlink(target, path)
+
+
+ODD = {
+    "missing": lambda path: None,
+    "a directory": os.mkdir,
+    "a pipe": os.mkfifo,
+    "an empty file": lambda path: path.touch(),
+    "one byte": lambda path: path.write_bytes(b"\n\xff"),
+    "/dev/zero": link_to("/dev/zero"),
+    "/dev/full": link_to("/dev/full"),
+    "a link to nowhere": link_to("/nowhere/at/all"),
+    "a link to itself": lambda path: os.symlink(path, path),
+    "a file that is not to be read": lambda path: (path.write_bytes(b"x" * 200), path.chmod(0)),
+}
+
+
+def is_legal(way, odd):
+    """What is unusual, and no reason to refuse."""
+    # A stream like standard input: a pipe, empty, or one bad line among others.
+    return way[0][0] == "project" and odd in ("a pipe", "an empty file", "one byte")
+
+
+def fill(arguments, base, out):
+    return [a.replace("IN", str(base)).replace("OUT", str(out)) for a in arguments]
+
+
+def name_of(way):
+    return " ".join(way[0][:2])
+
+
+def odd_inputs(made):
+    for way in WAYS:
+        arguments, ending, sound, parts = way
+        for part in parts:
+            for odd, make in ODD.items():
+                if is_legal(way, odd):
+                    continue
+                with tempfile.TemporaryDirectory() as tmp:
+                    directory = pathlib.Path(tmp)
+                    directory.chmod(0o777)
+                    base = directory / "in"
+                    put_sound(sound, made, base)
+                    path = pathlib.Path(f"{base}{part}")
+                    remove(path)
+                    make(path)
+                    forbidden = odd == "a file that is not to be read"
+                    as_nobody = forbidden and os.geteuid() == 0
+                    if as_nobody and not NOBODY_CAN_RUN:
+                        continue
+                    expect_refused(f"{name_of(way)}: {part} is {odd}",
+                                   fill(arguments, base, directory / f"out{ending}"), directory,
+                                   as_nobody=as_nobody)
+
+
+def odd_names(made):
+    for way in WAYS:
+        arguments, ending, sound, _ = way
+        for kind, name in {
+            "empty": "",
+            "4 KiB long": "n" * 4096,
+            "deep": "d/" * 2048,
+            "of several lines": "two\nlines\tand\x1b[31m colours",
+            "no UTF-8": os.fsdecode(b"\xff\xfe\x80"),
+            "full of variables": "$A<99999999999>$B<-1>$<0>${C}$",
+            "a blank": " ",
+        }.items():
+            with tempfile.TemporaryDirectory() as tmp:
+                directory = pathlib.Path(tmp)
+                base = f"{directory}/{name}" if name else ""
+                out = directory / f"out{ending}"
+                expect_refused(f"{name_of(way)}: a name {kind}", fill(arguments, base, out),
+                               directory)
+                # The whole argument, without an ending behind it.
+                bare = [name if "IN" in a else a.replace("OUT", str(out)) for a in arguments]
+                expect_refused(f"{name_of(way)}: a bare name {kind}", bare, directory)
+
+
+def odd_outputs(made):
+    for way in WAYS:
+        arguments, ending, sound, _ = way
+        if ending is None:
+            continue
+        with tempfile.TemporaryDirectory() as tmp:
+            directory = pathlib.Path(tmp)
+            base = directory / "in"
+            put_sound(sound, made, base)
+            (directory / f"full{ending}").symlink_to("/dev/full")
+            (directory / f"directory{ending}").mkdir()
+            (directory / "plain").touch()
+            for out in [f"{directory}/full{ending}", f"{directory}/nowhere/at/all{ending}",
+                        f"{directory}/{'n' * 4096}{ending}", "", f"{directory}/plain/x{ending}",
+                        f"{directory}/no\nwhere/x{ending}", f"{directory}/directory{ending}"]:
+                if arguments[0] == "pack" and out.endswith(("all", "where/x", "directory")):
+                    continue  # it makes directories
+                expect_refused(f"{name_of(way)}: into {out[:80]!r}",
+                               fill(arguments, base, out), directory)
+            if arguments[0] == "pack":
+                continue
+            to_standard = fill(arguments, base, "-")
+            if ending != ".csv":
+                to_standard += ["--format", ending[1:]]
+            with open("/dev/full", "wb") as full:
+                expect_refused(f"{name_of(way)}: standard output is full", to_standard, directory,
+                               stdout=full)
+    with open("/dev/full", "wb") as full, tempfile.TemporaryDirectory() as tmp:
+        directory = pathlib.Path(tmp)
+        for file in [DATA / "ne/ne_110m_lakes.shp", made / "bank", made / "bank_file.cbd"]:
+            expect_refused(f"info {file}: standard output is full", ["info", str(file)], directory,
+                           stdout=full)
+
+
+def sound_inputs(made):
+    """What the other runs change one thing of must be right itself."""
+    for arguments, ending, sound, _ in WAYS:
+        with tempfile.TemporaryDirectory() as tmp:
+            base = pathlib.Path(tmp) / "in"
+            put_sound(sound, made, base)
+            done = run(fill(arguments, base, pathlib.Path(tmp) / f"out{ending}"))
+            if done is None or done.returncode != 0:
+                problems.append(f"{arguments}: {done}")
+
+
+def can_nobody_run():
+    try:
+        done = run(["--version"], as_nobody=True)
+    except OSError:
+        return False
+    return done is not None and done.returncode == 0
+
+
+NOBODY_CAN_RUN = os.geteuid() == 0 and can_nobody_run()
+
+
+def main():
+    with tempfile.TemporaryDirectory() as tmp:
+        made = pathlib.Path(tmp)
+        make_sound_inputs(made)
+        for group in (sound_inputs, odd_inputs, odd_names, odd_outputs):
+            group(made)
+    if problems:
+        sys.exit("\n".join(problems))
+
+
+main()
