@@ -6,7 +6,7 @@
 
 namespace kzgis::tools {
 
-void report(const std::string& message) {
+std::string report_line(const std::string& message) {
   std::string line = "kzgis: ";
   for (const char c : message) {
     const auto byte = static_cast<unsigned char>(c);
@@ -22,8 +22,11 @@ void report(const std::string& message) {
       line += c;
     }
   }
-  std::cerr << line << '\n';
+  line += '\n';
+  return line;
 }
+
+void report(const std::string& message) { std::cerr << report_line(message); }
 
 std::string in_quotes(std::string_view text) {
   constexpr std::size_t kLongest = 60;

@@ -8,8 +8,11 @@
 
 namespace kzgis::tools {
 
-/// Writes "kzgis: " and the message as one line.  Control characters, which names of files
-/// and fields may hold, become "\n", "\t" or "\x1b".
+/// "kzgis: ", the message and a line end.  Control characters, which names of files and
+/// fields may hold, become "\n", "\t" or "\x1b".
+std::string report_line(const std::string& message);
+
+/// Writes that line.
 void report(const std::string& message);
 
 /// The text in quotes for use in a message, cut short when it is long.

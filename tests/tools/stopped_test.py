@@ -1,0 +1,154 @@
+#!/usr/bin/env python3
+"""stopped_test.py KZGIS DATA_DIR: output that could not be finished.
+
+A signal in the middle of writing, a limit of file size and a full disk leave no half
+output behind, keep what stood there before, and say so in one line.
+"""
+import contextlib
+import os
+import pathlib
+import resource
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+KZGIS = sys.argv[1]
+DATA = pathlib.Path(sys.argv[2])
+TIMEOUT_S = 60
+
+# Each way to write a file of some hundred KiB at least: the arguments and the ending.
+WAYS = [
+    (["triangulate", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".obj"),
+    (["map", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".svg"),
+    (["map", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".png"),
+    (["project", "--to", "mercator", "TABLE", "-o", "OUT"], ".csv"),
+    (["pack", DATA / "wdb/riv.shp", "OUT"], ""),
+]
+
+problems = []
+
+
+def expect(condition, what):
+    if not condition:
+        problems.append(what)
+
+
+def fill(arguments, table, out):
+    return [KZGIS, *({"OUT": out, "TABLE": table}.get(a, a) for a in arguments)]
+
+
+def files_in(directory):
+    return sorted(p.name for p in directory.rglob("*") if p.is_file())
+
+
+@contextlib.contextmanager
+def writing(directory, **how):
+    """A run that has begun to write OUT.csv and waits for more input."""
+    run = subprocess.Popen([KZGIS, "project", "--to", "mercator", "-o", directory / "out.csv"],
+                           stdin=subprocess.PIPE, stdout=subprocess.DEVNULL,
+                           stderr=subprocess.PIPE, **how)
+    run.stdin.write(b"48.2,16.4\n" * 10000)
+    run.stdin.flush()
+    deadline = time.monotonic() + TIMEOUT_S
+    while time.monotonic() < deadline:
+        if any(".part" in p.name and p.stat().st_size > 100000 for p in directory.iterdir()):
+            break
+        time.sleep(0.01)
+    else:
+        problems.append("no temporary file appears")
+    yield run
+    run.stdin.close()
+    run.stderr.close()
+
+
+def signals_remove_the_temporary_file():
+    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        for former in (None, "former"):
+            with tempfile.TemporaryDirectory() as tmp:
+                directory = pathlib.Path(tmp)
+                out = directory / "out.csv"
+                if former:
+                    out.write_text(former, encoding="ascii")
+                with writing(directory) as run:
+                    run.send_signal(number)
+                    code = run.wait(TIMEOUT_S)
+                    said = run.stderr.read().decode()
+                expect(code == -number, f"{number.name}: exit code {code}")
+                expect(said == f"kzgis: {out}: not written: stopped by a signal\n",
+                       f"{number.name}: says {said!r}")
+                expect(files_in(directory) == (["out.csv"] if former else []),
+                       f"{number.name}: leaves {files_in(directory)}")
+                expect(not former or out.read_text(encoding="ascii") == former,
+                       f"{number.name}: the former file is lost")
+
+
+def ignored_signals_stay_ignored():
+    def ignore():
+        signal.signal(signal.SIGHUP, signal.SIG_IGN)
+
+    with tempfile.TemporaryDirectory() as tmp:
+        directory = pathlib.Path(tmp)
+        with writing(directory, preexec_fn=ignore) as run:
+            run.send_signal(signal.SIGHUP)
+            time.sleep(0.1)
+            run.stdin.close()
+            expect(run.wait(TIMEOUT_S) == 0, "SIGHUP ends a run that was told to ignore it")
+        expect((directory / "out.csv").exists(), "no output after an ignored SIGHUP")
+
+
+def expect_one_line(what, arguments, directory, reason, **how):
+    done = subprocess.run(arguments, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                          stderr=subprocess.PIPE, timeout=TIMEOUT_S, check=False, **how)
+    said = done.stderr.decode()
+    expect(done.returncode == 1, f"{what}: exit code {done.returncode}")
+    expect(said.startswith("kzgis: ") and said.endswith(f": could not be written whole: {reason}\n")
+           and said.count("\n") == 1, f"{what}: says {said!r}")
+    expect(files_in(directory) == [], f"{what}: leaves {files_in(directory)}")
+
+
+def limits_of_file_size(table):
+    def limit():
+        resource.setrlimit(resource.RLIMIT_FSIZE, (20000, 20000))
+
+    for arguments, ending in WAYS:
+        with tempfile.TemporaryDirectory() as tmp:
+            directory = pathlib.Path(tmp)
+            expect_one_line(f"{arguments[0]} {ending}, 20 kB at most",
+                            fill(arguments, table, directory / f"out{ending}"), directory,
+                            "File too large", preexec_fn=limit)
+
+
+def full_disks(table):
+    """A disk of 16 KiB, where the host lets one be mounted."""
+    with tempfile.TemporaryDirectory() as tmp:
+        mounted = subprocess.run(["mount", "-t", "tmpfs", "-o", "size=16k", "tmpfs", tmp],
+                                 stderr=subprocess.DEVNULL, check=False).returncode == 0
+        if not mounted:
+            print("no disk can be mounted: full disks are not tested")
+            return
+        try:
+            for arguments, ending in WAYS:
+                directory = pathlib.Path(tmp)
+                expect_one_line(f"{arguments[0]} {ending}, disk full",
+                                fill(arguments, table, directory / f"out{ending}"), directory,
+                                "No space left on device")
+        finally:
+            subprocess.run(["umount", tmp], check=True)
+
+
+def main():
+    with tempfile.TemporaryDirectory() as tmp:
+        table = pathlib.Path(tmp) / "table.csv"
+        table.write_text("48.2,16.37\n" * 10000, encoding="ascii")
+        signals_remove_the_temporary_file()
+        ignored_signals_stay_ignored()
+        limits_of_file_size(table)
+        if os.geteuid() == 0:
+            full_disks(table)
+    if problems:
+        sys.exit("\n".join(problems))
+
+
+main()
