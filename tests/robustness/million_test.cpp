@@ -1,0 +1,112 @@
+// A polygon of a million vertices, on a thread with a stack of 256 KiB: nothing recurses by
+// the size of its input, and memory stays below a stated number of bytes per vertex.
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <cstdio>
+#include <functional>
+#include <random>
+#include <vector>
+
+#include "kzgis/mesh.h"
+#include "kzgis/polytree.h"
+#include "kzgis/triangulate.h"
+#include "robustness/process_memory.h"
+#include "triangulate/polygons.h"
+
+namespace {
+
+constexpr std::size_t kStackBytes = std::size_t{256} << 10;
+
+/// Runs `work` on a thread with that stack, and gives the bytes per vertex that it took at
+/// its peak.
+std::size_t bytes_per_vertex(std::size_t vertices, const std::function<void()>& work) {
+  release_tables();
+  give_back_free_memory();
+  forget_peak();
+  const std::size_t before = resident_bytes();
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  EXPECT_EQ(pthread_attr_setstacksize(&attributes, kStackBytes), 0);
+  pthread_t thread{};
+  const auto run = [](void* argument) -> void* {
+    (*static_cast<const std::function<void()>*>(argument))();
+    return nullptr;
+  };
+  // pthread_create only passes the pointer on.
+  const int failed =
+      pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work));
+  pthread_attr_destroy(&attributes);
+  EXPECT_EQ(failed, 0);
+  if (failed == 0) pthread_join(thread, nullptr);
+  return (peak_resident_bytes() - before) / vertices;
+}
+
+/// A polygon as both interfaces take it: boundary clockwise, hole counter-clockwise.
+struct Input {
+  std::vector<double> x, y;
+  std::vector<kz_long> starts;
+
+  explicit Input(const IntPolygon& polygon) {
+    for (const IntRing& ring : polygon.rings) {
+      starts.push_back(static_cast<kz_long>(x.size()));
+      for (auto p = ring.rbegin(); p != ring.rend(); ++p) {
+        x.push_back(static_cast<double>(p->x));
+        y.push_back(static_cast<double>(p->y));
+      }
+    }
+  }
+};
+
+class MillionVertices : public testing::Test {
+ protected:
+  std::mt19937_64 random_{20030417};
+  Input spiral_{transformed(spiral(kManyVertices, random_), 5, -3, 3, 5)};
+  // A comb's teeth make long monotone chains and deep query structures.
+  Input comb_{comb(kManyVertices, random_)};
+
+  static void report(const char* what, std::size_t bytes, std::size_t limit) {
+    std::printf("%s: %zu bytes per vertex\n", what, bytes);
+    if (kMemoryIsTheProgramsOwn) {
+      EXPECT_LE(bytes, limit) << what;
+    }
+  }
+};
+
+TEST_F(MillionVertices, AreTriangulatedByTheMesh) {
+  for (const Input* input : {&spiral_, &comb_}) {
+    const std::size_t bytes = bytes_per_vertex(input->x.size(), [&] {
+      const kzgis::Mesh mesh = kzgis::triangulate({input->x, input->y, input->starts});
+      EXPECT_EQ(mesh.flaw.message, "");
+      EXPECT_EQ(mesh.triangles.size(), 3 * (input->x.size() - 2));
+    });
+    report("kzgis::triangulate", bytes, 300);
+  }
+}
+
+TEST_F(MillionVertices, AreNested) {
+  const std::size_t bytes = bytes_per_vertex(spiral_.x.size(), [&] {
+    const kzgis::Nesting nesting = kzgis::nest({spiral_.x, spiral_.y, spiral_.starts});
+    EXPECT_EQ(nesting.flaw.message, "");
+    EXPECT_EQ(nesting.depth, std::vector<kz_long>{1});
+  });
+  report("kzgis::nest", bytes, 100);
+}
+
+TEST_F(MillionVertices, AreTriangulatedByTheTree) {
+  const std::size_t bytes = bytes_per_vertex(spiral_.x.size(), [&] {
+    const auto vertices = static_cast<kz_ulong>(spiral_.x.size());
+    const kz_ulong start = 0;
+    const KZ_GIS_PolygonTree_c tree(0, 0, 0, 0, 1, &start, vertices, spiral_.x.data(),
+                                    spiral_.y.data());
+    kz_ulong count = 0;
+    EXPECT_EQ(tree.NumberOfConnections(&count), 1U);
+    EXPECT_EQ(count, 3 * (vertices - 2));
+    std::vector<kz_ulong> connections(count);
+    EXPECT_EQ(tree.Triangulate(&count, connections.data()), 1U);
+  });
+  report("KZ_GIS_PolygonTree_c", bytes, 1200);
+}
+
+}  // namespace

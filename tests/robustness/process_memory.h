@@ -1,0 +1,54 @@
+// What the host says of this process's memory.  Zero where it says nothing.
+
+#ifndef KZGIS_TESTS_ROBUSTNESS_PROCESS_MEMORY_H
+#define KZGIS_TESTS_ROBUSTNESS_PROCESS_MEMORY_H
+
+#include <cstddef>
+#include <fstream>
+#include <string>
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define KZGIS_MEMORY_IS_SHADOWED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define KZGIS_MEMORY_IS_SHADOWED
+#endif
+#endif
+
+#ifdef KZGIS_MEMORY_IS_SHADOWED
+inline constexpr bool kMemoryIsTheProgramsOwn = false;  // a sanitizer's grows by itself
+inline constexpr int kUsualRounds = 2;
+inline constexpr int kManyVertices = 50000;
+#else
+inline constexpr bool kMemoryIsTheProgramsOwn = true;
+inline constexpr int kUsualRounds = 30;
+inline constexpr int kManyVertices = 1000000;
+#endif
+
+/// A line of /proc/self/status, in bytes: "VmRSS", "VmHWM".
+inline std::size_t status_bytes(const std::string& field) {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with(field + ":")) return std::stoul(line.substr(field.size() + 1)) << 10;
+  }
+  return 0;
+}
+
+inline std::size_t resident_bytes() { return status_bytes("VmRSS"); }
+inline std::size_t peak_resident_bytes() { return status_bytes("VmHWM"); }
+
+/// Returns what the heap keeps at hand to the host.
+inline void give_back_free_memory() {
+#ifdef __GLIBC__
+  malloc_trim(0);
+#endif
+}
+
+/// Makes the present size the peak.
+inline void forget_peak() { std::ofstream("/proc/self/clear_refs") << "5"; }
+
+#endif
