@@ -35,15 +35,16 @@ kz_long moved(kz_long lon, kz_long delta) {
 
 /// Where a line crosses an edge: moves from `from` by the share reach/run of `rise`.
 ///
-/// Single precision over a 32-bit product, the result truncated; what does not fit 32 bits
-/// becomes the smallest number.  Loaded outlines are compared point by point, so that the
-/// rounding, and the product's overflow beyond some 13 degrees, are kept
-/// (ReaderClip.WrapsTheProductInto32Bits).
+/// Single precision over a 32-bit product, the result truncated.  Loaded outlines are
+/// compared point by point, so that the rounding, and the product's overflow beyond some 13
+/// degrees, are kept (ReaderClip.WrapsTheProductInto32Bits).
+///
+/// Before: 0 <= reach < run.  The share is then 0 or at most half of what 32 bits hold, and
+/// the place always fits them.
 kz_long cut(kz_long from, kz_long rise, kz_long reach, kz_long run) {
   const auto product = static_cast<float>(wrapping_multiply(rise, reach));
   const float share = product / static_cast<float>(run);
-  const float place = share + static_cast<float>(from);
-  return place >= -0x1p31F && place < 0x1p31F ? static_cast<kz_long>(place) : INT32_MIN;
+  return static_cast<kz_long>(share + static_cast<float>(from));
 }
 
 /// How far a point may be from another on either axis and surely be nearer than the

@@ -127,6 +127,7 @@ TEST_F(ReaderSelection, TakesNegativeLongitudesModuloATurn) {
 TEST_F(ReaderSelection, TakesABoxOfOneLongitudeForAPlainOne) {
   EXPECT_TRUE(selects({1500, 500, 1001, 999}, 0, 1000, 2000, 1000));
   EXPECT_FALSE(selects({1500, 500, 1001, 1000}, 0, 1000, 2000, 1000));
+  EXPECT_FALSE(selects({1500, 500, 900, 500}, 0, 1000, 2000, 1000));
 }
 
 TEST_F(ReaderSelection, TakesRequestedLevelsOfTheThemeAlone) {

@@ -40,6 +40,15 @@ TEST_F(ReaderThinning, DropsPointsNearerThanThePrecisionToTheLastOneKept) {
   EXPECT_EQ(trace({{0, 0}, {3, 3}, {3, 4}, {9, 9}}, kGlobe, 5), (Lines{{{0, 0}, {3, 4}, {9, 9}}}));
 }
 
+TEST_F(ReaderThinning, MeasuresAcrossADiagonal) {
+  // 7071 squared twice is 1918 short of 10000 squared, 7072 squared twice is 26368 past it.
+  EXPECT_EQ(trace({{0, 0}, {7071, 7071}, {9, 9}}, kGlobe, 10000), (Lines{{{0, 0}, {9, 9}}}));
+  EXPECT_EQ(trace({{0, 0}, {7072, 7072}, {9, 9}}, kGlobe, 10000),
+            (Lines{{{0, 0}, {7072, 7072}, {9, 9}}}));
+  EXPECT_EQ(trace({{0, 9000}, {-7072, 1928}, {9, 9}}, kGlobe, 10000),
+            (Lines{{{0, 9000}, {-7072, 1928}, {9, 9}}}));
+}
+
 TEST_F(ReaderThinning, KeepsThePointOfTheLastPass) {
   EXPECT_EQ(trace({{0, 0}, {1, 0}, {2, 0}}, kGlobe, 3600), (Lines{{{0, 0}, {2, 0}}}));
   EXPECT_EQ(trace({{0, 0}, {0, 0}}, kGlobe, 3600), (Lines{{{0, 0}, {0, 0}}}));
@@ -110,6 +119,15 @@ TEST_F(ReaderClip, BeyondACornerCutsTheLatitudeAlone) {
             (Lines{{{1000, 21000}, {0, 19000}}}));
 }
 
+TEST_F(ReaderClip, OnALatitudesEdgeCutsTheLongitude) {
+  EXPECT_EQ(trace({{9000, 29000}, {10000, 31000}, {0, 0}}, kPlain),
+            (Lines{{{9000, 29000}, {9500, 30000}}}));
+  EXPECT_EQ(trace({{1000, 21000}, {0, 19000}, {0, 0}}, kPlain),
+            (Lines{{{1000, 21000}, {500, 20000}}}));
+  EXPECT_EQ(trace({{10000, 29000}, {10000, 31000}, {0, 0}}, kPlain),
+            (Lines{{{10000, 29000}, {10000, 30000}}}));
+}
+
 TEST_F(ReaderClip, WrapsTheProductInto32Bits) {
   // 100000 * 200000 is -1474836480 in 32 bits; -1474836480 / 250000 + 100000 = 94100.65.
   EXPECT_EQ(trace({{0, 100000}, {250000, 200000}, {0, 0}}, {0, 0, 200000, 1295999}),
@@ -168,6 +186,16 @@ TEST_F(ReaderSeam, SplitsAgainAndAgain) {
   EXPECT_EQ(trace({{0, -1}, {0, 1}, {0, -1}}, kWrap), (Lines{{{0, 1295999}, {0, 1295999}},
                                                              {{0, 0}, {0, 1}, {0, 0}},
                                                              {{0, 1295999}, {0, 1295999}}}));
+}
+
+TEST_F(ReaderSeam, IsAlsoWhereTheHalvesMeetAt180Degrees) {
+  // Only the halves are compared: a box that wide splits there too, at longitude 0.
+  constexpr Box kWide{-10000, 600000, 10000, 500000};
+  EXPECT_EQ(trace({{0, 648010}, {5, 647990}, {6, 640000}}, kWide, 3600),
+            (Lines{{{0, 648010}, {5, 1295999}}, {{5, 0}, {5, 647990}, {6, 640000}}}));
+  constexpr Box kWider{-10000, 700000, 10000, 690000};
+  EXPECT_EQ(trace({{0, 647990}, {5, 648010}, {6, 660000}}, kWider, 3600),
+            (Lines{{{0, 647990}, {5, 0}}, {{5, 1295999}, {5, 648010}, {6, 660000}}}));
 }
 
 TEST_F(ReaderSeam, IsNoneOfAPlainBox) {
