@@ -132,6 +132,28 @@ TEST_F(BankCheck, TakesEndsOfAnySize) {
   EXPECT_EQ(complaints_, Complaints{"segment 1 leaves the ends that its dictionary entry gives"});
 }
 
+TEST_F(BankCheck, TakesAWesternEndPastTheEasternForTheWayAcrossZero) {
+  // The second segment runs between the longitudes 1 and 1295999.
+  const std::string east_of_west("\x0A\x00\x00\x00\x76\xC6\x13\x00", 8);  // 10, 1295990
+  std::string bytes = sound_file();
+  bytes.replace(48 + 12, 8, east_of_west);
+  check(bytes);
+  EXPECT_EQ(complaints_, Complaints{});
+  bytes = sound_file();
+  bytes.replace(20 + 12, 8, east_of_west);  // the first one runs from 72000
+  check(bytes);
+  EXPECT_EQ(complaints_, Complaints{"segment 1 leaves the ends that its dictionary entry gives"});
+}
+
+TEST_F(BankCheck, StandsStillForADeltaBeyondATurn) {
+  std::string bytes = sound_file();
+  // Behind the first delta, in place of one of eight bytes: 1 to the east, 16384 * 65536 south.
+  bytes.replace(76 + 18 + 2, 8, std::string("\x00\x00\x01\x00\x00\x80\x00\x00", 8));
+  check(bytes);
+  EXPECT_EQ(complaints_, Complaints{});
+  EXPECT_EQ(summary_.points, 5U);
+}
+
 TEST_F(BankCheck, NamesASegmentThatLeavesTheGlobe) {
   std::string bytes = sound_file();
   bytes[76 + 6] = '\x10';  // the first latitude: 36000 becomes 1084576

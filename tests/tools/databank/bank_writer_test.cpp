@@ -167,4 +167,19 @@ TEST_F(RoundTrip, ReachesBoxesAcrossLongitudeZero) {
                 on_meridian, {{7200, 1290000}, {7200, 1295999}}, {{7200, 0}, {7200, 6000}}}));
 }
 
+TEST_F(RoundTrip, ReachesBoxesThatEndShortOfAnyPointPastLongitudeZero) {
+  // Readers look at the western end alone: the least longitude, 36000, is east of this box.
+  BankWriter writer;
+  ASSERT_TRUE(writer.add_line(Line{{0, 1290000}, {0, 1292000}, {0, 36000}}, 0, 1024));
+  write("africa.Map/cil.cbd", file_of(writer));
+  WorldMap map(directory().c_str());
+  map.setPOI(Coastal, Level0, 1);
+  map.setPrecision(0);
+  *map.fetchLowLeftBoundary() = LatLon(-10.0, 350.0);
+  *map.fetchUpRightBoundary() = LatLon(10.0, 5.0);
+  map.readData();
+  // A box across longitude 0 ends a line with the point outside.
+  EXPECT_EQ(lines_of(map, Coastal), (std::vector<Line>{{{0, 1290000}, {0, 1292000}, {0, 36000}}}));
+}
+
 }  // namespace
