@@ -19,6 +19,9 @@
 // The classes of this header take numbers as C's `atof` does, which stops at the letter D:
 // the usual "0.150000000000000D+03" is 0.15 to them.  They count on blocks that follow each
 // other without line ends.  `kzgis::read_dem` of kzgis/elevation.h has neither limit.
+//
+// An object serves one thread at a time; different ones serve different threads at once.
+// Their messages may mix.
 
 namespace kzgis::dem {
 

@@ -14,6 +14,9 @@
 /// NAME is made of ASCII letters, digits and '_', and does not begin with a digit.
 /// What was expanded is not expanded again.
 ///
+/// Any number of threads may expand at once, as long as none changes the environment
+/// meanwhile.  The same holds wherever a name with path variables opens a file.
+///
 /// @param name    the path; null is refused
 /// @param buffer  the caller's, with room for 1024 bytes
 /// @return `buffer`; null, with an empty text in `buffer`, when the expanded name and

@@ -32,6 +32,8 @@ enum direction {
 /// Whole arc-seconds (1/3600 degree) may be passed as any integer type.  Triples are
 /// degrees, minutes, seconds; each component carries its own sign, so 45d 30m south
 /// is (-45, -30, 0).
+///
+/// Points share nothing: several threads may work on different ones at once.
 class KZGIS_EXPORT LatLon {
  public:
   /// From whole arc-seconds: an argument of any integer type counts as arc-seconds.

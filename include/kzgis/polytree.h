@@ -14,6 +14,11 @@ class Nesting;
 // Rings that share one pair of coordinate arrays, nested by containment and cut into
 // triangles.  Statuses are those of kzgis/types.h; here 2 means refused.  No output
 // address may be null.
+//
+// A tree with all its nodes serves one thread at a time, since even questions compute boxes
+// that were not set; different trees serve different threads at once.  The exception is
+// `KZ_GIS_PolygonTree_c::Triangulate`: of it, and of all that uses the tables of
+// kzgis/triangulate.h, one call may run at a time in the whole process.
 
 /// Names a pair of coordinate arrays, which it borrows: the caller keeps them alive as
 /// long as anything refers to them.  Copies name the same arrays.

@@ -67,7 +67,8 @@ struct ProjectionTestAccess;
 /// forward projections read; the inverses store theirs in the geographic point
 /// (`fetchLLCoordinates()->fetchAltitude()`) and leave the object's alone.
 ///
-/// One thread at a time.
+/// One thread at a time; different objects serve different threads at once.  Refusals go to
+/// `std::cerr`, where lines of several threads may mix.
 class KZGIS_EXPORT Projection {
  public:
   /// Cartesian, radius 6378000.0 (the Earth's, in metres), base point (0, 0), both

@@ -20,6 +20,7 @@ inline constexpr kz_long multi_point = 8;
 ///
 /// It borrows the stream that it reads from and the name that it prints; both must
 /// outlive their use, and copies share them.  Its numbers are 0 until they are read.
+/// Headers with streams of their own serve different threads at once.
 /// The results are the statuses of kzgis/types.h.
 class KZGIS_EXPORT KZ_GIS_ESRI_ShapeHeader_c {
  public:
@@ -102,6 +103,9 @@ class KZGIS_EXPORT KZ_GIS_ESRI_ShapeHeader_c {
 /// record that claims more than the file holds gives 11 at the end of the file, with
 /// what was there stored and capacities that name what was really allocated, so after
 /// 11 the capacity may be less than the count.
+///
+/// One thread at a time; different objects, of the same files too, serve different threads
+/// at once.
 class KZGIS_EXPORT KZ_GIS_ESRI_Shape_c {
  public:
   /// Opens the pair of files named `name`, as `FileName` does; null opens nothing.

@@ -12,8 +12,9 @@ using OMstatus_handler = void (*)(int percent, const char* label, void* context)
 
 /// Installs the process-wide handler of progress reports; null removes it.
 ///
-/// The library reports from the caller's own thread.  Install the handler before
-/// work begins in several threads: the handler is not guarded by a lock.
+/// The library reports from the caller's own thread: a handler must bear calls from as many
+/// threads at once as load files.  Install it before work begins in several threads: it is
+/// not guarded by a lock.
 ///
 /// @return the handler that was installed before, or null
 KZGIS_EXPORT OMstatus_handler OMstatus_set_handler(OMstatus_handler handler, void* context);

@@ -17,8 +17,8 @@
 /// diagonals that cut it into y-monotone pieces; each piece is cut by one sweep.
 ///
 /// The plain functions at the top work on tables of the whole process, exported too, so
-/// only one triangulation may run at a time.  The same algorithm without that state is
-/// `kzgis::triangulation::Workspace`, at the end.
+/// only one of them may run at a time, `print_error` and the comparisons of points apart.
+/// The same algorithm without that state is `kzgis::triangulation::Workspace`, at the end.
 namespace kzgis::triangulation {
 
 struct Point {

@@ -5,7 +5,8 @@
 
 #include "kzgis/export.h"
 
-/// A date as three numbers, kept as given: nothing is tested or normalised.
+/// A date as three numbers, kept as given: nothing is tested or normalised.  Any number of
+/// threads may read one.
 class KZGIS_EXPORT UtDate {
  public:
   UtDate(short year, short month, short day);

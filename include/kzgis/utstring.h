@@ -11,6 +11,7 @@
 ///
 /// It may hold NUL characters, as fields read from files do; `c_str()`, stream output
 /// and comparison with text end at the first one, while `size()` counts them all.
+/// Strings share nothing: several threads may work on different ones at once.
 class KZGIS_EXPORT UtString {
  public:
   UtString() = default;

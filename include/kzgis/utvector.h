@@ -17,7 +17,8 @@ struct UtVectorTestAccess;
 ///
 /// It starts with one slot and doubles when it is full: 1, 2, 4, 8, ...  A failed
 /// allocation throws what `operator new[]` throws, and leaves the array as it was.
-/// It cannot be copied: two arrays would share one storage.
+/// It cannot be copied: two arrays would share one storage.  An array serves one thread at a
+/// time, different ones serve different threads at once.
 ///
 /// The library holds the two instantiations named above.
 template <typename T>

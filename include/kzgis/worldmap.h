@@ -92,6 +92,9 @@ KZGIS_EXPORT void increment(infoLevels& level);
 ///
 /// An enumerator past its last member is safe: it reads as empty, 0 or the collection of
 /// `Plates`, and writes nothing.
+///
+/// One thread at a time; different maps serve different threads at once, if the handler of
+/// progress bears it.  Messages of several threads may mix.
 class KZGIS_EXPORT WorldMap {
  public:
   /// Data directory "$KZ_PATH<0>/data/Maps", subdirectories "africa.Map", "asia.Map",

@@ -1,0 +1,230 @@
+// Distinct objects used by several threads at once give what they give one after the other.
+// Meant for the thread sanitizer, which also sees the races that go well.
+
+#include <gtest/gtest.h>
+
+#include <barrier>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "kzgis/dem.h"
+#include "kzgis/elevation.h"
+#include "kzgis/filetools.h"
+#include "kzgis/mesh.h"
+#include "kzgis/polytree.h"
+#include "kzgis/projection.h"
+#include "kzgis/triangulate.h"
+#include "kzgis/utdate.h"
+#include "support/polygon_layer.h"
+#include "worldmap/bank.h"
+
+namespace {
+
+constexpr const char* kElevations = KZGIS_TEST_DATA_DIR "/dem/st_helens_crater.dem";
+constexpr unsigned kThreads = 4;
+constexpr int kRounds = 3;
+
+// Each job makes its own objects, and tells all that they gave.
+
+template <typename Range>
+void put(std::ostream& os, const Range& numbers) {
+  for (const auto& number : numbers) os << number << ' ';
+}
+
+std::string read_shapes() {
+  std::ostringstream os;
+  PolygonLayer layer("ne_110m_lakes");
+  for (kz_ulong i = 0; i < layer.records(); ++i) {
+    const PolygonLayer::Record record = layer.next();
+    put(os, record.x);
+    put(os, record.y);
+    put(os, record.starts);
+  }
+  KZ_GIS_ESRI_Shape_c shape(KZGIS_TEST_DATA_DIR "/ne/ne_110m_countries");
+  kz_ulong points = 0;
+  os << shape.NumberOfPoints(&points) << points;
+  shape.ShapeHeader().PrintFileHeader(os);
+  KZ_GIS_ESRI_Shape_c missing("/nowhere/none.shp");
+  os << int{missing.ShapeFileIsOpen()};
+  return os.str();
+}
+
+std::string project_points() {
+  std::ostringstream os;
+  os.precision(17);
+  for (int type = 0; type < 20; ++type) {
+    Projection projection(static_cast<projType>(type), 45.0, 10.0);
+    projection.setFirstPar(30.0);
+    projection.setSecondPar(60.0);
+    for (int i = 0; i < 20; ++i) {
+      double* xyz = nullptr;
+      os << projection.FromTo(LatLon(20.0 + i, 5.0 + i), &xyz) << ' ';
+      if (xyz != nullptr) {
+        put(os, std::vector(xyz, xyz + 3));
+        LatLon back(0.0, 0.0);
+        if (projection.FromTo(xyz, &back) != 0) os << back;
+      }
+      delete[] xyz;
+    }
+  }
+  return os.str();
+}
+
+std::string compute_positions() {
+  std::ostringstream os;
+  LatLon position(0.0, 0.0);
+  for (int i = 0; i < 200; ++i) {
+    position += LatLon(0.37 * i, 1.9 * i);
+    os << position << position.distanceSQ(LatLon(10.0, 20.0))
+       << position.whichWay(LatLon(1.0, 2.0));
+  }
+  return os.str();
+}
+
+std::string read_profiles() {
+  std::ostringstream os;
+  DEM_LogicalRecord record{UtString(kElevations)};
+  os << static_cast<const DEM_LRA&>(record);
+  int more = 1;
+  while (more == 1) {
+    more = record.readRecord();
+    os << record;
+    put(os, std::vector(record.fetchElevations(),
+                        record.fetchElevations() + record.fetchElevationCount()));
+  }
+  return os.str();
+}
+
+std::string read_grid() {
+  std::ostringstream os;
+  const kzgis::ElevationGrid grid = kzgis::read_dem(kElevations);
+  os << grid.error.message << grid.rows << ' ' << grid.columns << ' ' << grid.lowest;
+  put(os, grid.elevations);
+  return os.str();
+}
+
+std::string mesh_polygons() {
+  std::ostringstream os;
+  PolygonLayer layer("ne_50m_lakes_with_islands");
+  for (kz_ulong i = 0; i < layer.records(); ++i) {
+    const PolygonLayer::Record record = layer.next();
+    const kzgis::Rings rings{record.x, record.y, record.starts};
+    put(os, kzgis::nest(rings).depth);
+    put(os, kzgis::triangulate(rings).triangles);
+  }
+  return os.str();
+}
+
+/// Nesting and counting, but for triangulation, which works on the tables of the process.
+std::string nest_polygons() {
+  std::ostringstream os;
+  PolygonLayer layer("ne_50m_lakes_with_islands");
+  for (kz_ulong i = 0; i < layer.records(); ++i) {
+    const PolygonLayer::Record record = layer.next();
+    const std::vector<kz_ulong> starts(record.starts.begin(), record.starts.end());
+    const KZ_GIS_PolygonTree_c tree(0, 0, 0, 0, static_cast<kz_ulong>(starts.size()), starts.data(),
+                                    static_cast<kz_ulong>(record.x.size()), record.x.data(),
+                                    record.y.data());
+    const KZ_GIS_PolygonTree_c copy(tree);
+    kz_ulong count = 0;
+    os << copy.NumberOfConnections(&count) << ' ' << count << ' ';
+  }
+  KZ_GIS_PolygonNode_c node;
+  os << node.VertexList().NumberOfVertices();
+  return os.str();
+}
+
+std::string triangulate_in_a_workspace() {
+  constexpr kz_long kVertices = 300;
+  std::vector<kzgis::triangulation::Point> points;
+  for (kz_long i = 0; i < kVertices / 2; ++i) points.push_back({1.0 * i, 0.01 * i * i});
+  for (kz_long i = kVertices / 2; i-- > 0;) points.push_back({1.0 * i, 500.0 + i % 7});
+  std::vector<kz_long> triangles(3 * (kVertices - 2));
+  std::ostringstream os;
+  kzgis::triangulation::Workspace workspace;
+  for (const std::uint64_t seed : {1U, 2U, 3U}) {
+    const kzgis::triangulation::Result result =
+        workspace.run(std::vector{kVertices}, points, 0.0, seed, triangles);
+    os << static_cast<int>(result.outcome) << ' ' << result.triangles << ' ';
+    put(os, triangles);
+  }
+  return os.str();
+}
+
+std::string handle_texts() {
+  std::ostringstream os;
+  UtString text("A longer text than is kept inside of a string object");
+  for (int i = 0; i < 50; ++i) text = text + "x";
+  os << text.lower() << UtDate(1987, 8, 1);
+  char buffer[1024];
+  os << FILEmap_variables("$KZGIS_THREADS<1>/$KZGIS_THREADS_NONE<0>/file", buffer);
+  return os.str();
+}
+
+class Threads : public BankTest {
+ protected:
+  Threads() {
+    // Before any thread reads it.
+    setenv("KZGIS_THREADS", "/one:/two", 1);
+    ArcLine line;
+    for (int i = 0; i < 300; ++i) line.emplace_back(3 * i, 5 * i);
+    write("africa.Map/cil.cbd", cbd_file(std::vector<Segment>(30, segment_through(line))));
+  }
+
+  std::string load_outlines() const {
+    WorldMap map;
+    ask_for_all(map);
+    map.readData();
+    std::ostringstream os;
+    os << map;
+    for (const ArcLine& line : lines_of(map)) {
+      for (const auto& [lat, lon] : line) os << lat << ' ' << lon << ' ';
+    }
+    return os.str();
+  }
+
+  std::vector<std::function<std::string()>> jobs() const {
+    return {read_shapes,       project_points,
+            compute_positions, read_profiles,
+            read_grid,         mesh_polygons,
+            nest_polygons,     triangulate_in_a_workspace,
+            handle_texts,      [this] { return load_outlines(); }};
+  }
+};
+
+TEST_F(Threads, GiveWhatOneGives) {
+  const auto work = jobs();
+  std::vector<std::string> expected;
+  for (const auto& job : work) {
+    expected.push_back(job());
+    ASSERT_GT(expected.back().size(), 40U);
+  }
+  // Every job meets itself, and each of the others at some time.
+  for (std::size_t shift = 0; shift < 2; ++shift) {
+    std::barrier together(kThreads);
+    std::vector<std::vector<std::string>> given(kThreads);
+    std::vector<std::thread> threads;
+    for (unsigned t = 0; t < kThreads; ++t) {
+      threads.emplace_back([&, t] {
+        for (int round = 0; round < kRounds; ++round) {
+          for (std::size_t i = 0; i < work.size(); ++i) {
+            together.arrive_and_wait();
+            given[t].push_back(work[(i + shift * t) % work.size()]());
+          }
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (unsigned t = 0; t < kThreads; ++t) {
+      for (std::size_t i = 0; i < given[t].size(); ++i) {
+        const std::size_t job = (i + shift * t) % work.size();
+        EXPECT_EQ(given[t][i], expected[job]) << "job " << job << " of thread " << t;
+      }
+    }
+  }
+}
+
+}  // namespace
