@@ -66,7 +66,13 @@ ElevationGrid refused(Error error) {
 }
 
 ElevationGrid no_memory(std::string_view name) {
-  return refused({ErrorKind::out_of_memory, std::string(name) + ": out of memory"});
+  Error error{ErrorKind::out_of_memory, {}};
+  try {
+    error.message = std::string(name) + ": out of memory";
+  } catch (const std::bad_alloc&) {
+    // Not even for that: the kind says it.
+  }
+  return refused(std::move(error));
 }
 
 /// A profile as it stands in the file.
@@ -443,10 +449,10 @@ ElevationGrid read_dem(const std::string& path) {
   struct Close {
     void operator()(std::FILE* file) const { (void)std::fclose(file); }
   };
-  const std::unique_ptr<std::FILE, Close> file(FILEfopen(path.c_str(), "rb"));
-  if (!file) return refuse("cannot be opened");
-  (void)std::setvbuf(file.get(), nullptr, _IONBF, 0);  // read in large pieces as it is
   try {
+    const std::unique_ptr<std::FILE, Close> file(FILEfopen(path.c_str(), "rb"));
+    if (!file) return refuse("cannot be opened");
+    (void)std::setvbuf(file.get(), nullptr, _IONBF, 0);  // read in large pieces as it is
     ElevationGrid grid = GridReader(file.get(), path).read();
     return std::ferror(file.get()) == 0 ? std::move(grid) : refuse("cannot be read");
   } catch (const std::bad_alloc&) {

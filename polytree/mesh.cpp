@@ -75,7 +75,11 @@ kz_long ring_of(const Rings& rings, kz_ulong vertex) {
 Flaw no_memory() {
   Flaw flaw;
   flaw.kind = ErrorKind::out_of_memory;
-  flaw.message = "there is not enough memory";
+  try {
+    flaw.message = "there is not enough memory";
+  } catch (const std::bad_alloc&) {
+    // Not even for that: the kind says it.
+  }
   return flaw;
 }
 

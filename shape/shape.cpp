@@ -12,6 +12,7 @@
 #include "kzgis/shape.h"
 
 #include <cstring>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -35,6 +36,16 @@ std::string_view without_extension(std::string_view name) {
     if (name.ends_with(extension)) return name.substr(0, name.size() - kExtensionLength);
   }
   return name;
+}
+
+void open_stream(std::ifstream& stream, const char* name) {
+  try {
+    stream.open(name, std::ios::in | std::ios::binary);
+  } catch (const std::bad_alloc&) {
+    // The file is open by then, without a buffer: closed, the stream can open it again.
+    stream.close();
+    stream.setstate(std::ios::failbit);
+  }
 }
 
 }  // namespace
@@ -64,18 +75,22 @@ const char* KZ_GIS_ESRI_Shape_c::FileName(const char* name) {
     CloseFiles();
     return base_name_;
   }
-  // The expansion is also the copy that makes it safe to be given one of our own names.
-  char expanded[kExpandedNameSize];
-  const char* const full_name = FILEmap_variables(name, expanded);
-  if (full_name != nullptr) {
-    const std::string base(without_extension(full_name));
-    if (base.size() + kExtensionLength <= kLongestName) {
-      std::memcpy(base_name_, base.c_str(), base.size() + 1);
-      if (ShapeFileName((base + ".shp").c_str()) != nullptr &&
-          IndexFileName((base + ".shx").c_str()) != nullptr) {
-        return base_name_;
+  try {
+    // The expansion is also the copy that makes it safe to be given one of our own names.
+    char expanded[kExpandedNameSize];
+    const char* const full_name = FILEmap_variables(name, expanded);
+    if (full_name != nullptr) {
+      const std::string base(without_extension(full_name));
+      if (base.size() + kExtensionLength <= kLongestName) {
+        std::memcpy(base_name_, base.c_str(), base.size() + 1);
+        if (ShapeFileName((base + ".shp").c_str()) != nullptr &&
+            IndexFileName((base + ".shx").c_str()) != nullptr) {
+          return base_name_;
+        }
       }
     }
+  } catch (const std::bad_alloc&) {
+    // Ends like a file that cannot be opened.
   }
   CloseFiles();
   return nullptr;
@@ -96,11 +111,14 @@ const char* KZ_GIS_ESRI_Shape_c::OpenFile(const char* name, std::ifstream& strea
     CloseFile(stream, open, open_name);
     return nullptr;
   }
-  const std::string wanted(name);  // `name` may be `open_name`, which closing empties
+  char wanted[kNameSize] = "";  // `name` may be `open_name`, which closing empties
+  const std::size_t length = std::strlen(name);
+  const bool fits = length < sizeof wanted;
+  if (fits) std::memcpy(wanted, name, length + 1);
   CloseFile(stream, open, open_name);
 
-  if (wanted.size() < sizeof open_name) {
-    stream.open(wanted, std::ios::in | std::ios::binary);
+  if (fits) {
+    open_stream(stream, wanted);
   } else {
     stream.setstate(std::ios::failbit);
   }
@@ -109,7 +127,7 @@ const char* KZ_GIS_ESRI_Shape_c::OpenFile(const char* name, std::ifstream& strea
     return nullptr;
   }
   open = true;
-  std::memcpy(open_name, wanted.c_str(), wanted.size() + 1);
+  std::memcpy(open_name, wanted, length + 1);
   header.FileName(open_name);
   header.FileStream(stream);
   if (header.ReadHeader() != status::success) {

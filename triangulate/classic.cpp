@@ -3,13 +3,16 @@
 // Each refuses numbers that lie outside the tables, so that a call out of turn, before
 // `initilize` or after `release_tables`, finds nothing instead of stale memory.
 
+#include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <iostream>
+#include <memory>
 #include <new>
-#include <string>
+#include <span>
 
 #include "kzgis/triangulate.h"
 #include "triangulate/monotone.h"
@@ -95,10 +98,19 @@ kz_long print_error(const char* format, ...) {
   // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the analyzer does not see va_start
   const int length = std::vsnprintf(nullptr, 0, format, arguments);
   va_end(arguments);
-  std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-  std::vsnprintf(text.data(), text.size() + 1, format, again);
+  // Most of what is printed is that memory ran out: short texts need none.
+  std::array<char, 256> room{};
+  std::span<char> text(room);
+  std::unique_ptr<char[]> longer;
+  if (length >= static_cast<int>(room.size())) {
+    const std::size_t size = static_cast<std::size_t>(length) + 1;
+    longer.reset(new (std::nothrow) char[size]);
+    if (longer) text = {longer.get(), size};
+  }
+  std::vsnprintf(text.data(), text.size(), format, again);
   va_end(again);
-  std::cerr << text << std::flush;
+  std::cerr.write(text.data(), std::clamp(length, 0, static_cast<int>(text.size()) - 1));
+  std::cerr << std::flush;
   return length;
 }
 

@@ -22,6 +22,8 @@
 //
 // An object serves one thread at a time; different ones serve different threads at once.
 // Their messages may mix.
+//
+// Opening and texts throw `std::bad_alloc` without memory; the object can open a file again.
 
 namespace kzgis::dem {
 

@@ -16,7 +16,8 @@ enum class ErrorKind {
 };
 
 /// The failure of an operation of namespace kzgis: what kind, and one sentence, without a
-/// line end, that a user can act on.  Nothing in kzgis throws an exception of its own.
+/// line end, that a user can act on; empty where there is no memory even for that.  Nothing
+/// in kzgis throws an exception of its own.
 struct Error {
   ErrorKind kind = ErrorKind::none;
   std::string message;

@@ -12,7 +12,7 @@
 /// its whole value.  A variable that is unset, or an n past the list's end, stays in
 /// the text as it stands, so that the message of a failed open shows what was missing.
 /// NAME is made of ASCII letters, digits and '_', and does not begin with a digit.
-/// What was expanded is not expanded again.
+/// What was expanded is not expanded again.  Throws `std::bad_alloc` without memory.
 ///
 /// Any number of threads may expand at once, as long as none changes the environment
 /// meanwhile.  The same holds wherever a name with path variables opens a file.
@@ -28,6 +28,8 @@ KZGIS_EXPORT char* FILEmap_variables(const char* name, char* buffer);
 /// Where the host separates directories by '/', every backslash of the expanded path
 /// is then turned into one.  A named pipe is refused: opening one waits, for ever if need
 /// be, until somebody opens its other end.
+///
+/// Throws `std::bad_alloc` where `FILEmap_variables` does.
 ///
 /// @return a stream that the caller closes with `std::fclose`; null when the path does
 ///         not fit 1024 bytes or the file cannot be opened

@@ -67,6 +67,9 @@ struct ProjectionTestAccess;
 /// forward projections read; the inverses store theirs in the geographic point
 /// (`fetchLLCoordinates()->fetchAltitude()`) and leave the object's alone.
 ///
+/// Construction, copies and whatever hands out world coordinates throw `std::bad_alloc`
+/// without memory; the object stays usable.
+///
 /// One thread at a time; different objects serve different threads at once.  Refusals go to
 /// `std::cerr`, where lines of several threads may mix.
 class KZGIS_EXPORT Projection {

@@ -124,7 +124,8 @@ class KZGIS_EXPORT KZ_GIS_ESRI_Shape_c {
   ///
   /// Path variables are expanded (see FILEmap_variables), then an ending ".shp",
   /// ".shx" or ".dbf", in lower case, is cut off: what is left is the base name.  The
-  /// headers are read, not judged: `ShapeHeader().ValidateFileHeader()` does that.
+  /// headers are read, not judged: `ShapeHeader().ValidateFileHeader()` does that.  Without
+  /// memory a file cannot be opened.
   ///
   /// @param name  null closes both files; may be a name that this object gave
   /// @return the base name, kept by the object until its next `FileName`; an empty

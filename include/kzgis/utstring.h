@@ -11,6 +11,7 @@
 ///
 /// It may hold NUL characters, as fields read from files do; `c_str()`, stream output
 /// and comparison with text end at the first one, while `size()` counts them all.
+/// What needs memory throws `std::bad_alloc` without it, and leaves the string as it was.
 /// Strings share nothing: several threads may work on different ones at once.
 class KZGIS_EXPORT UtString {
  public:

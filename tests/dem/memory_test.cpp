@@ -9,45 +9,15 @@
 #include "kzgis/dem.h"
 #include "kzgis/elevation.h"
 #include "support/capture.h"
-
-#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define KZGIS_ADDRESS_SANITIZER
-#endif
-#endif
-#ifndef KZGIS_ADDRESS_SANITIZER
-#define KZGIS_CAN_LIMIT_MEMORY
-#endif
-#endif
+#include "support/memory_limit.h"
 
 #ifdef KZGIS_CAN_LIMIT_MEMORY
-#include <sys/resource.h>
-
-#include <cstdio>
 
 namespace {
-
-/// Lets this process grow by `bytes` more than it has mapped.
-void limit_growth(std::uintmax_t bytes) {
-  long pages = 0;
-  if (std::FILE* statm = std::fopen("/proc/self/statm", "r")) {
-    if (std::fscanf(statm, "%ld", &pages) != 1) pages = 0;
-    std::fclose(statm);
-  }
-  const rlim_t limit = static_cast<rlim_t>(pages) * static_cast<rlim_t>(getpagesize()) + bytes;
-  const rlimit limits{limit, RLIM_INFINITY};
-  setrlimit(RLIMIT_AS, &limits);
-}
 
 void lift_limit() {
   const rlimit limits{RLIM_INFINITY, RLIM_INFINITY};
   setrlimit(RLIMIT_AS, &limits);
-}
-
-/// Ends the child process with 0 when `ok`, else with the number of the failed check.
-void check(bool ok, int number) {
-  if (!ok) std::_Exit(number);
 }
 
 constexpr std::uintmax_t kMany = 6'000'000;  // elevations: 24 MB of them in memory
