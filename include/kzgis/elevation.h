@@ -102,7 +102,7 @@ struct KZGIS_EXPORT ElevationGrid {
 /// put two profiles in one column, or whose header describes a quadrangle many times as large
 /// as the file can fill: memory stays within a small multiple of the file's size.
 ///
-/// @param path  may hold path variables (see FILEmap_variables), and be that of a pipe
+/// @param path  may hold path variables (see FILEmap_variables); a named pipe is refused
 KZGIS_EXPORT ElevationGrid read_dem(const std::string& path);
 
 /// The same for a file that is in memory already, uncompressed for instance.

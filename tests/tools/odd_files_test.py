@@ -30,6 +30,8 @@ WAYS = [
     (["info", "IN.cbd"], None, "BANK_FILE", [".cbd"]),
     (["map", "IN.shp", "-o", "OUT"], ".svg", "ne/ne_110m_lakes", SHAPE_PARTS),
     (["map", "--bank", "IN", "-o", "OUT"], ".png", "BANK", [""]),
+    (["info", "IN.dem"], None, "dem/st_helens_crater", [".dem"]),
+    (["dem", "IN.dem", "-o", "OUT"], ".png", "dem/st_helens_crater", [".dem"]),
     (["triangulate", "IN.shp", "-o", "OUT"], ".obj", "ne/ne_110m_lakes", SHAPE_PARTS),
     (["project", "--to", "mercator", "IN.csv", "-o", "OUT"], ".csv", "TABLE", [".csv"]),
     (["pack", "IN.shp", "OUT", *PACKED_AS], "", "wdb/riv", [*SHAPE_PARTS, ".dbf"]),
