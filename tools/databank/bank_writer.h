@@ -37,8 +37,8 @@ class BankWriter {
 
   struct Entry {
     Extent extent;
-    std::size_t offset;  ///< within data_: how long the dictionary will be shows at the end
-    int level;
+    std::size_t offset = 0;  ///< within data_: how long the dictionary will be shows at the end
+    int level = 0;
   };
 
   std::vector<Entry> entries_;

@@ -35,7 +35,7 @@ std::string choose_format(const Options& options) {
     throw CLI::ValidationError("--output",
                                "standard output needs --format png, svg, pdf, asc or csv");
   }
-  const std::string ending = ending_of(options.output);
+  std::string ending = ending_of(options.output);
   if (ending == "asc" || ending == "csv" || map::format_named(ending)) return ending;
   throw CLI::ValidationError("--output",
                              in_quotes(options.output) +

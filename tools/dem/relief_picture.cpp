@@ -218,7 +218,7 @@ class Sheet {
         if (std::isnan(elevation)) continue;  // stays transparent
         const Colour c = colour_of(elevation, light[cell]);
         const auto byte = [](double part) {
-          return static_cast<std::uint32_t>(part * 255.0 + 0.5);
+          return static_cast<std::uint32_t>(std::lround(part * 255.0));
         };
         pixels[column] = 0xFF000000U | byte(c.red) << 16U | byte(c.green) << 8U | byte(c.blue);
       }
@@ -244,7 +244,7 @@ class Sheet {
     const double top = height() - kFoot + 30.0;
     const double length = 0.5 * (width() - 2.0 * kMargin);
     constexpr double kThick = 16.0;
-    for (double x = 0.0; x < length; x += 1.0) {
+    for (int x = 0; x < length; ++x) {
       set(tint(x / length));
       cairo_rectangle(cairo_, left + x, top, std::min(1.0, length - x), kThick);
       cairo_fill(cairo_);
@@ -255,7 +255,10 @@ class Sheet {
     cairo_stroke(cairo_);
     const double span = static_cast<double>(grid_.highest) - grid_.lowest;
     const double step = round_step(span / 3.0);
-    for (double z = std::ceil(grid_.lowest / step) * step; z <= grid_.highest; z += step) {
+    const double first = std::ceil(grid_.lowest / step);
+    const double last = std::floor(grid_.highest / step);
+    for (int i = 0; first + i <= last; ++i) {
+      const double z = (first + i) * step;
       const double x = left + (z - grid_.lowest) / span * length;
       cairo_move_to(cairo_, x, top + kThick);
       cairo_line_to(cairo_, x, top + kThick + 5.0);

@@ -48,7 +48,8 @@ void add_info_command(CLI::App& app, int& exit_code) {
   command.add_flag("--records", options->records, "A line for every record or segment");
   command.footer(
       "Of a shapefile it prints the header report, the verdict on both headers, and how many\n"
-      "records, parts and points the file holds; of an elevation model the report of its header, and\n"
+      "records, parts and points the file holds; of an elevation model the report of its header, "
+      "and\n"
       "what its elevations are in truth; of an outline file its header, its extent, and\n"
       "the segments and points of each level; of a data bank its report, and the polylines and\n"
       "points of each theme's levels.  The exit code is 0 when everything is sound.\n"

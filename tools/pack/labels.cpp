@@ -15,7 +15,7 @@ using databank::continent_named;
 using databank::level_named;
 using databank::theme_named;
 
-const std::string kLevels = "0 to 15";
+constexpr const char* kLevels = "0 to 15";
 
 /// What the usual sources stand for.
 LabelSources completed(const std::string& file, LabelSources sources) {
