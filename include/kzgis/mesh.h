@@ -66,7 +66,7 @@ KZGIS_EXPORT Mesh triangulate(const Rings& rings);
 /// Finds the true containment of the rings, touching ones included.
 ///
 /// A ring of fewer than three different vertices has no inside: its depth is 0 and its
-/// parent -1.  At its peak it takes no more than 100 bytes per vertex of a polygon of a
+/// parent -1.  At its peak it takes no more than 200 bytes per vertex of a polygon of a
 /// million.
 KZGIS_EXPORT Nesting nest(const Rings& rings);
 

@@ -240,7 +240,7 @@ class KZGIS_EXPORT KZ_GIS_PolygonTree_c {
   /// `triangulate_polygon`, on the tables of the process, so that only one triangulation may
   /// run at a time; where that fails, from `kzgis::triangulation::Workspace`, and at last
   /// from `kzgis::triangulate`, which takes rings that touch.  At its peak it takes no more
-  /// than 1200 bytes per vertex of a boundary of a million; the tables of the process, most
+  /// than 1300 bytes per vertex of a boundary of a million; the tables of the process, most
   /// of them, stay until the next triangulation or `release_tables`.
   ///
   /// @param count        number of indices written
