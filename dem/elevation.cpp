@@ -8,11 +8,9 @@
 #include "kzgis/elevation.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
@@ -85,32 +83,10 @@ struct Profile {
   std::size_t count() const { return static_cast<std::size_t>(header.size[0]); }
 };
 
-/// The number in a field of six characters, which is nearly always one of up to six digits
-/// with blanks before it: eight bytes at a time, after D. Lemire, "Quickly parsing eight
-/// digits" (2018).  The two bytes before the field, which every file has, must be readable.
+/// The number in a field of six characters; the two before it must be readable.
 /// @return nothing when the field holds anything else than one integer
 std::optional<int> elevation_of(const char* field) {
-  if constexpr (std::endian::native == std::endian::little) {
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, field - 2, sizeof bytes);
-    bytes >>= 16;  // the first character lowest
-    // A blank is 0x20 and becomes '0', 0x30; digits are 0x30 to 0x39 and stay.
-    constexpr std::uint64_t kBit4 = 0x101010101010;
-    const std::uint64_t blanks = ~bytes & kBit4;
-    const int leading = std::countr_zero(bytes & kBit4) & ~7;
-    const std::uint64_t zeroed = (bytes | kBit4) ^ 0x303030303030;
-    const bool digits = ((zeroed | (zeroed + 0x060606060606)) & 0xF0F0F0F0F0F0) == 0 &&
-                        (zeroed & (blanks >> 4) * 0xF) == 0;
-    // Blanks nowhere but in front, and not everywhere.
-    if (digits && leading < 48 && blanks == (kBit4 & ((std::uint64_t{1} << leading) - 1))) {
-      std::uint64_t v = zeroed << 16;  // two zeros in front make eight
-      v = v * 10 + (v >> 8);
-      v = ((v & 0x000000FF000000FF) * 0x000F424000000064 +
-           ((v >> 16) & 0x000000FF000000FF) * 0x0000271000000001) >>
-          32;
-      return static_cast<int>(static_cast<std::uint32_t>(v));
-    }
-  }
+  if (const int plain = dem::plain_elevation(field); plain >= 0) return plain;
   const std::string_view text(field, dem::kElevationWidth);
   const auto number = dem::integer_of(text);
   if (number.length == 0 || !dem::is_whole(number, text)) return std::nullopt;
@@ -375,6 +351,8 @@ void GridReader::fill_columns(std::span<const Profile> profiles) {
     kz_long column;
   };
   std::array<Column, kTogether> columns{};
+  float* const cells = grid_.elevations.data();
+  const auto width = static_cast<std::size_t>(grid_.columns);
   for (std::size_t i = 0; i < profiles.size(); ++i) {
     const Profile& profile = profiles[i];
     columns[i] = {profile.values.data(), profile.row, profile.row + profile.header.size[0],
@@ -383,14 +361,17 @@ void GridReader::fill_columns(std::span<const Profile> profiles) {
         std::clamp(columns[i].to, 0, grid_.rows) - std::clamp(columns[i].from, 0, grid_.rows);
     grid_.left_out += profile.count() - static_cast<std::size_t>(inside);
   }
-  for (kz_long row = 0; row < grid_.rows; ++row) {
-    const kz_long from_south = grid_.rows - 1 - row;
-    float* const cells = grid_.elevations.data() +
-                         static_cast<std::size_t>(row) * static_cast<std::size_t>(grid_.columns);
+  // Square by square, so that what is read and what is written share lines of cache.
+  constexpr auto kSide = static_cast<kz_long>(kTogether);
+  for (kz_long south = 0; south < grid_.rows; south += kSide) {
     for (std::size_t i = 0; i < profiles.size(); ++i) {
       const Column& c = columns[i];
-      if (from_south >= c.from && from_south < c.to)
-        cells[c.column] = c.values[from_south - c.from];
+      const kz_long from = std::max(south, c.from);
+      const kz_long to = std::min({south + kSide, c.to, grid_.rows});
+      for (kz_long row = from; row < to; ++row) {
+        cells[static_cast<std::size_t>(grid_.rows - 1 - row) * width +
+              static_cast<std::size_t>(c.column)] = c.values[row - c.from];
+      }
     }
   }
 }

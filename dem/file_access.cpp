@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iostream>
 #include <limits>
+#include <string>
 
 #include "dem/layout.h"
 #include "dem/number_text.h"
@@ -103,19 +104,36 @@ int DEM_LRA::readFile(char* c) {
   return 1;
 }
 
+/// Counts and reads bytes one after another, those of a block in one piece.
+/// @return how many of the `most` there were before the end of the file
+int DEM_LRA::read_in_block(char* bytes, int most) {
+  incByteCount();
+  read(bytes, most);
+  const auto got = static_cast<int>(gcount());
+  // A byte that is not there has been asked for, and counts.
+  byte_count_ += std::min(got, most - 1);
+  return got;
+}
+
 int DEM_LRA::readFile(UtString* s, int width) {
   *s = "";
   if (width < 0) return -1;
-  for (int i = 0; i < width; ++i) {
-    if (!good()) return -1;
-    incByteCount();
-    const int c = get();
-    // The last characters of a field may be missing: they are no characters.
-    if (!good()) return -1;
-    s->append(static_cast<char>(c));
+  std::string text;
+  char piece[kzgis::dem::kBlockLimit];
+  for (int missing = width; missing > 0;) {
+    if (!good()) break;
+    // Bytes are counted up to 1020; one more, uncounted, begins the next block.
+    const int room = kzgis::dem::kBlockLimit - 1 - std::max(byte_count_, 0);
+    const int wanted = std::min(missing, room > 0 ? room : kzgis::dem::kBlockLimit);
+    const int got = read_in_block(piece, wanted);
+    text.append(piece, static_cast<std::size_t>(got));
+    missing -= got;
   }
-  s->append('\0');
-  return 1;
+  // The last characters of a field may be missing: they are no characters.
+  const bool whole = text.size() == static_cast<std::size_t>(width);
+  if (whole) text += '\0';
+  *s = text;
+  return whole ? 1 : -1;
 }
 
 int DEM_LRA::readFile(int* v, int width) {
@@ -138,4 +156,21 @@ int DEM_LRA::readFile(UtDate* d, int width) {
   if (readFile(&n, width) == -1) return -1;
   *d = kzgis::dem::date_of(n);
   return 1;
+}
+
+int DEM_LRA::read_elevations(int* values, int most) {
+  using kzgis::dem::kElevationWidth;
+  constexpr int kBefore = 2;  // that plain_elevation looks at
+  char piece[kBefore + kzgis::dem::kBlockLimit] = {};
+  if (std::int64_t{byte_count_} + kElevationWidth >= kzgis::dem::kBlockLimit) moveToNextBlock();
+  if (!good()) return 0;
+  const int room = (kzgis::dem::kBlockLimit - 1 - std::max(byte_count_, 0)) / kElevationWidth;
+  const int count =
+      read_in_block(piece + kBefore, std::min(most, room) * kElevationWidth) / kElevationWidth;
+  for (int i = 0; i < count; ++i) {
+    const char* const field = piece + kBefore + i * kElevationWidth;
+    const int plain = kzgis::dem::plain_elevation(field);
+    values[i] = plain >= 0 ? plain : kzgis::dem::integer_of({field, kElevationWidth}).value;
+  }
+  return count;
 }

@@ -1,7 +1,9 @@
 // Logical record B of a USGS DEM: one profile of elevations, and its report.
 
+#include <algorithm>
 #include <cstdint>
 #include <iostream>
+#include <iterator>
 #include <new>
 
 #include "dem/layout.h"
@@ -38,14 +40,14 @@ int DEM_LogicalRecord::readRecord() {
     std::cout << "DEM_LogicalRecord:readRecord: EOF trying to read " << *missing << std::endl;
     return -1;
   }
-  if (read_elevations() == -1) return -1;
+  if (read_all_elevations() == -1) return -1;
   moveToNextBlock();
   return b_.id[0] != fetchRows() || b_.id[1] != fetchColumns() ? 1 : 0;
 }
 
 /// Reads as many elevations as the profile claims, or as many as there are.
 /// @return 1; -1, with one line on standard output and those read kept
-int DEM_LogicalRecord::read_elevations() {
+int DEM_LogicalRecord::read_all_elevations() {
   std::vector<int>().swap(elevations_);
   const auto refuse = [this] {
     std::cout << "DEM_LogicalRecord:readRecord: No memory for " << b_.size[0] << " x " << b_.size[1]
@@ -55,19 +57,24 @@ int DEM_LogicalRecord::read_elevations() {
   // One negative number makes a size that no memory can hold; two make a profile without
   // elevations, as 0 does.
   if (std::int64_t{b_.size[0]} * b_.size[1] < 0) return refuse();
-  for (int r = 0; r < b_.size[0]; ++r) {
-    for (int c = 0; c < b_.size[1]; ++c) {
-      int elevation = 0;
-      if (readFile(&elevation, kzgis::dem::kElevationWidth) == -1) {
-        std::cout << "DEM_LogicalRecord:readRecord: EOF reading Elevation[" << r << "][" << c << "]"
-                  << std::endl;
-        return -1;
-      }
-      try {
-        elevations_.push_back(elevation);
-      } catch (const std::bad_alloc&) {
-        return refuse();
-      }
+  if (b_.size[0] <= 0 || b_.size[1] <= 0) return 1;
+  const auto columns = static_cast<std::size_t>(b_.size[1]);
+  const std::size_t total = static_cast<std::size_t>(b_.size[0]) * columns;
+  while (elevations_.size() < total) {
+    int piece[kzgis::dem::kBlockBytes / kzgis::dem::kElevationWidth];
+    const std::size_t missing = total - elevations_.size();
+    const int count =
+        read_elevations(piece, static_cast<int>(std::min(missing, std::size_t{std::size(piece)})));
+    if (count == 0) {
+      std::cout << "DEM_LogicalRecord:readRecord: EOF reading Elevation["
+                << elevations_.size() / columns << "][" << elevations_.size() % columns << "]"
+                << std::endl;
+      return -1;
+    }
+    try {
+      elevations_.insert(elevations_.end(), piece, piece + count);
+    } catch (const std::bad_alloc&) {
+      return refuse();
     }
   }
   return 1;

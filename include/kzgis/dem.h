@@ -190,9 +190,14 @@ class KZGIS_EXPORT DEM_LRA : public std::ifstream {
   int readFile(UtDate* d, int width);
 
  private:
+  friend class DEM_LogicalRecord;
   friend KZGIS_EXPORT std::ostream& operator<<(std::ostream& os, const DEM_LRA& record);
 
   void move_forward(std::int64_t bytes);
+  int read_in_block(char* bytes, int most);
+  // What up to `most` (> 0) reads of integers of six characters give, those of one block at
+  // once; answers how many, 0 when the file ends before the first does.
+  int read_elevations(int* values, int most);
 
   UtString field_buffer_;
   UtString file_name_;
@@ -261,7 +266,7 @@ class KZGIS_EXPORT DEM_LogicalRecord : public DEM_LRA {
  private:
   friend KZGIS_EXPORT std::ostream& operator<<(std::ostream& os, const DEM_LogicalRecord& record);
 
-  int read_elevations();
+  int read_all_elevations();
 
   kzgis::dem::ProfileHeader b_;
   std::vector<int> elevations_;

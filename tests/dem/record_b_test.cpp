@@ -1,5 +1,7 @@
 // Logical record B: profiles, one after the other, their messages and their report.
 
+#include <cstdlib>
+#include <random>
 #include <sstream>
 
 #include "dem/dem_writer.h"
@@ -91,6 +93,27 @@ TEST_F(RecordBTest, ElevationsGoOnAtEveryBlockBoundary) {
     ASSERT_EQ(record.readRecord(), 0) << count;
     EXPECT_EQ(elevations_of(record), std::vector<int>{5}) << count;
   }
+}
+
+// Fields are taken by the block, the usual ones eight bytes at a time.
+TEST_F(RecordBTest, ElevationsAreWhatAtoiMakesOfTheirFields) {
+  constexpr unsigned kSeed = 19790601;
+  constexpr int kCount = 2000;
+  std::mt19937 generator(kSeed);
+  std::vector<int> expected;
+  std::string profile = ProfileText{.elevations = counting(kCount)}.text();
+  for (int i = 0; i < kCount; ++i) {
+    std::string field(6, ' ');
+    for (char& c : field) c = "0123456789       -+D.\t/:"[generator() % 24];
+    const int behind = i - 146;  // elevations of the first block
+    const int offset = i < 146 ? 144 + 6 * i : 1024 * (1 + behind / 170) + 6 * (behind % 170);
+    profile.replace(static_cast<std::size_t>(offset), 6, field);
+    expected.push_back(std::atoi(field.c_str()));
+  }
+  DEM_LogicalRecord record{UtString(write(RecordAText().text() + profile))};
+  ASSERT_EQ(record.readRecord(), 1);
+  EXPECT_EQ(elevations_of(record), expected) << "seed " << kSeed;
+  EXPECT_EQ(record.tellg(), 1024 + static_cast<std::streamoff>(profile.size()));
 }
 
 TEST_F(RecordBTest, AProfileOfNoRowsHasNoElevations) {
