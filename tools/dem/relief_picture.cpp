@@ -171,10 +171,10 @@ class Sheet {
     const bool framed = trace_quadrangle();
     cairo_path_t* const quadrangle = cairo_copy_path(cairo_);
     if (framed) cairo_clip(cairo_);
+    cairo_new_path(cairo_);  // or the next shape to be filled would have it too
     draw_cells(framed ? with_rim(grid_) : grid_);
     cairo_restore(cairo_);
     if (framed) {
-      cairo_new_path(cairo_);
       cairo_append_path(cairo_, quadrangle);
       set(map::colours::frame);
       cairo_set_line_width(cairo_, 1.0);
@@ -229,9 +229,7 @@ class Sheet {
   void draw_head() {
     const double middle = 0.5 * width();
     say(middle, 44.0, 26.0, grid_.name, 0.5);
-    std::string line = ground_text(grid_) +
-                       text_of("; %.6g to %.6g ", grid_.lowest, grid_.highest) +
-                       unit_name(grid_.elevation_unit);
+    std::string line = ground_text(grid_) + "; " + range_text(grid_);
     if (style_.shaded) {
       line += text_of("; light from %.6g\u00B0, %.6g\u00B0 high", style_.sun.azimuth_deg,
                       style_.sun.altitude_deg);
@@ -295,6 +293,11 @@ class Sheet {
 };
 
 }  // namespace
+
+std::string range_text(const ElevationGrid& grid) {
+  if (grid.empty_cells == grid.elevations.size()) return "no elevations";
+  return text_of("%.6g to %.6g ", grid.lowest, grid.highest) + unit_name(grid.elevation_unit);
+}
 
 void draw_relief(std::ostream& out, map::Format format, const ElevationGrid& grid,
                  const ReliefStyle& style) {

@@ -4,6 +4,7 @@
 #include <kzgis/elevation.h>
 
 #include <ostream>
+#include <string>
 
 #include "tools/dem/relief.h"
 #include "tools/map/render.h"
@@ -16,6 +17,9 @@ struct ReliefStyle {
   bool tinted = true;
   Sun sun;
 };
+
+/// The lowest and the highest elevation with their unit, or that there are none.
+std::string range_text(const ElevationGrid& grid);
 
 /// Draws a grid with its name, a scale of colours in the unit of the elevations, and a
 /// scale of distance where the ground has a unit.

@@ -55,15 +55,19 @@ std::string summary(const ElevationGrid& grid) {
   const char* const height = grid.elevation_unit == ElevationUnit::feet     ? " feet"
                              : grid.elevation_unit == ElevationUnit::metres ? " metres"
                                                                             : "";
+  const std::size_t elevations = grid.elevations.size() - grid.empty_cells;
   std::array<char, 320> text{};
   std::snprintf(text.data(), text.size(),
                 ": %d columns and %d rows, %.9g by %.9g%s apart, x %.10g to %.10g, y %.10g to "
-                "%.10g; %zu elevations from %.9g to %.9g%s",
+                "%.10g; %zu elevations",
                 static_cast<int>(grid.columns), static_cast<int>(grid.rows), grid.step_x,
                 grid.step_y, ground, grid.x(0), grid.x(grid.columns - 1), grid.y(grid.rows - 1),
-                grid.y(0), grid.elevations.size() - grid.empty_cells,
-                static_cast<double>(grid.lowest), static_cast<double>(grid.highest), height);
-  return grid.name + text.data();
+                grid.y(0), elevations);
+  std::string line = grid.name + text.data();
+  if (elevations == 0) return line;
+  std::snprintf(text.data(), text.size(), " from %.9g to %.9g%s", static_cast<double>(grid.lowest),
+                static_cast<double>(grid.highest), height);
+  return line + text.data();
 }
 
 }  // namespace
