@@ -163,7 +163,9 @@ class Sheet {
     cairo_close_path(cairo_);
     const auto filled = static_cast<double>(grid_.elevations.size() - grid_.empty_cells);
     const double rim = static_cast<double>(2 * (grid_.columns + grid_.rows));
-    return std::fabs(0.5 * std::fabs(twice_area) - filled) <= rim;
+    const double area = 0.5 * std::fabs(twice_area);
+    // Corners are points: those of a single row or column enclose nothing to be seen.
+    return std::fabs(area - filled) <= rim && area >= 0.5 * filled;
   }
 
   void draw_map() {

@@ -49,6 +49,17 @@ TEST(DrawRelief, ShowsElevationsWhereTheCornersAreNotTheirs) {
   EXPECT_LT(colour & 0xFFU, 180U);
 }
 
+// Its corners enclose no area.  The map, 12 by 60, begins at (344, 92).
+TEST(DrawRelief, ShowsASingleColumn) {
+  ElevationGrid grid = small_grid(5, 1, [](kz_long row, kz_long) { return row; });
+  grid.lowest = 0.0F;
+  grid.highest = 4.0F;
+  grid.corners = {{{500000, 4000050}, {500000, 4000090}, {500000, 4000090}, {500000, 4000050}}};
+  std::ostringstream out;
+  draw_relief(out, map::Format::png, grid, {false, true, {}});
+  EXPECT_LT(pixel_of(out.str(), 347, 122) & 0xFFU, 180U);  // straw, not white
+}
+
 TEST(DrawRelief, OfVoidsAloneSaysSo) {
   ElevationGrid grid =
       small_grid(3, 3, [](kz_long, kz_long) { return std::numeric_limits<double>::quiet_NaN(); });
