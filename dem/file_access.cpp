@@ -122,9 +122,9 @@ int DEM_LRA::readFile(UtString* s, int width) {
   char piece[kzgis::dem::kBlockLimit];
   for (int missing = width; missing > 0;) {
     if (!good()) break;
-    // Bytes are counted up to 1020; one more, uncounted, begins the next block.
+    // At 1020 one byte, uncounted, begins the next block.
     const int room = kzgis::dem::kBlockLimit - 1 - std::max(byte_count_, 0);
-    const int wanted = std::min(missing, room > 0 ? room : kzgis::dem::kBlockLimit);
+    const int wanted = std::min(missing, std::max(room, 1));
     const int got = read_in_block(piece, wanted);
     text.append(piece, static_cast<std::size_t>(got));
     missing -= got;
@@ -168,7 +168,7 @@ int DEM_LRA::read_elevations(int* values, int most) {
   const int count =
       read_in_block(piece + kBefore, std::min(most, room) * kElevationWidth) / kElevationWidth;
   for (int i = 0; i < count; ++i) {
-    const char* const field = piece + kBefore + i * kElevationWidth;
+    const char* const field = piece + kBefore + std::ptrdiff_t{i} * kElevationWidth;
     const int plain = kzgis::dem::plain_elevation(field);
     values[i] = plain >= 0 ? plain : kzgis::dem::integer_of({field, kElevationWidth}).value;
   }

@@ -197,6 +197,9 @@ TEST_F(ByteCount, SurvivesAbsurdNumbers) {
   Reader reader{UtString(write(digits(3000)))};
   for (int i = 0; i < 4; ++i) reader.addByteCount(std::numeric_limits<int>::min());
   EXPECT_LT(reader.fetchByteCount(), 0);
+  UtString s;
+  EXPECT_EQ(reader.readFile(&s, 2000), 1);
+  EXPECT_EQ(s.str(), digits(2000) + '\0');
   reader.moveToNextBlock();  // by two milliards: past the end
   EXPECT_EQ(reader.fetchByteCount(), 0);
   EXPECT_TRUE(reader.eof());
@@ -357,8 +360,9 @@ TEST_F(ReadText, OfNegativeWidthFailsAndEmptiesTheText) {
 TEST_F(ReadText, KeepsWhatTheFileStillHad) {
   Reader reader{UtString(write("ABC"))};
   UtString s;
-  EXPECT_EQ(reader.readFile(&s, 4), -1);
+  EXPECT_EQ(reader.readFile(&s, 6), -1);
   EXPECT_EQ(s.str(), "ABC");
+  EXPECT_EQ(reader.fetchByteCount(), 4);  // the one that is missing was asked for
   EXPECT_EQ(reader.readFile(&s, 4), -1);
   EXPECT_EQ(s.str(), "");
 }

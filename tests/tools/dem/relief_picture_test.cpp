@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -30,7 +31,8 @@ std::uint32_t pixel_of(const std::string& png, int x, int y) {
   std::uint32_t pixel = 0;
   std::memcpy(&pixel,
               cairo_image_surface_get_data(image.get()) +
-                  std::ptrdiff_t{y} * cairo_image_surface_get_stride(image.get()) + x * 4,
+                  std::ptrdiff_t{y} * cairo_image_surface_get_stride(image.get()) +
+                  std::ptrdiff_t{x} * 4,
               sizeof pixel);
   return pixel & 0xFFFFFFU;
 }
