@@ -7,7 +7,6 @@
 #define KZGIS_TESTS_DEM_DEM_WRITER_H
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstddef>
 #include <cstdio>
@@ -16,6 +15,8 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "support/temporary_directory.h"
 
 /// A number in `width` characters, blanks before it.
 inline std::string integer_field(long long value, int width = 6) {
@@ -138,12 +139,6 @@ inline std::vector<int> counting(int count, int first = 1) {
 /// A test with a directory of its own.
 class DemTest : public testing::Test {
  protected:
-  void SetUp() override {
-    directory_ = (std::filesystem::temp_directory_path() / "kzgis_dem_XXXXXX").string();
-    ASSERT_NE(mkdtemp(directory_.data()), nullptr);
-  }
-  void TearDown() override { std::filesystem::remove_all(directory_); }
-
   /// Writes a file and gives its name.
   std::string write(const std::string& bytes, const std::string& name = "test.dem") const {
     const std::string path = directory_ + "/" + name;
@@ -153,7 +148,8 @@ class DemTest : public testing::Test {
   const std::string& directory() const { return directory_; }
 
  private:
-  std::string directory_;
+  TemporaryDirectory place_;
+  const std::string directory_ = place_.path().string();
 };
 
 #endif

@@ -4,7 +4,6 @@
 #define KZGIS_TESTS_WORLDMAP_BANK_H
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <cstdint>
@@ -17,6 +16,7 @@
 
 #include "kzgis/status.h"
 #include "kzgis/worldmap.h"
+#include "support/temporary_directory.h"
 
 inline std::string u16(std::uint32_t value) {
   return {static_cast<char>(value), static_cast<char>(value >> 8)};
@@ -101,15 +101,9 @@ inline std::string cbd_file(const std::vector<Segment>& segments) {
 class BankTest : public ::testing::Test {
  protected:
   BankTest() {
-    root_ = (std::filesystem::temp_directory_path() / "kzgis_bank_XXXXXX").string();
-    if (mkdtemp(root_.data()) == nullptr) std::abort();
     for (const char* continent : {"africa", "asia", "europe", "namer", "samer"}) {
       std::filesystem::create_directory(root_ + "/" + continent + ".Map");
     }
-  }
-  ~BankTest() override {
-    std::error_code ignored;
-    std::filesystem::remove_all(root_, ignored);
   }
 
   void write(const std::string& name, const std::string& bytes) const {
@@ -154,7 +148,8 @@ class BankTest : public ::testing::Test {
     return load(bytes, [](WorldMap&) {});
   }
 
-  std::string root_;
+  TemporaryDirectory directory_;
+  const std::string root_ = directory_.path().string();
 };
 
 /// Records progress reports while it lives.
