@@ -29,6 +29,7 @@ struct Product {
 };
 
 /// The sign of the sum of all products a b: -1, 0 or 1; exact for factors `in_range`.
+/// Throws `std::bad_alloc` without memory for two numbers per product.
 KZGIS_EXPORT int sign_of_sum(std::span<const Product> products);
 
 }  // namespace kzgis::exact

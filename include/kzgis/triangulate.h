@@ -234,10 +234,11 @@ KZGIS_EXPORT void refresh_segment_roots(kz_long s);
 // Monotone pieces and triangles.
 
 /// Cuts the polygon of segments 1 to n, whose trapezoids are built, into y-monotone pieces.
-/// @return number of pieces
+/// @return number of pieces; 0 when memory runs out
 KZGIS_EXPORT kz_long monotonate_trapezoids(kz_long n);
 
-/// Walks the trapezoids that can be reached from `t` and draws their diagonals.
+/// Walks the trapezoids that can be reached from `t` and draws their diagonals, as far as
+/// memory lasts.
 /// @param m     piece the walk is in
 /// @param from  trapezoid the walk comes from
 /// @param dir   1 when `from` lies above, 2 below
@@ -260,7 +261,8 @@ KZGIS_EXPORT double angle_measure(const kzgis::triangulation::Point* p,
                                   const kzgis::triangulation::Point* q,
                                   const kzgis::triangulation::Point* r);
 
-/// Cuts every monotone piece into triangles, written from `triangles[0]` on.
+/// Cuts every monotone piece into triangles, written from `triangles[0]` on.  A piece for
+/// which there is no memory is left out, with one line on standard error.
 /// @return number of triangles, at most n + 2 (contours - 1) - 2
 KZGIS_EXPORT kz_long triangulate_monotone_polygons(kz_long n, kz_long pieces,
                                                    kz_long (*triangles)[3]);

@@ -16,6 +16,7 @@
 
 #include "kzgis/dem.h"
 #include "kzgis/elevation.h"
+#include "kzgis/exact.h"
 #include "kzgis/filetools.h"
 #include "kzgis/mesh.h"
 #include "kzgis/polytree.h"
@@ -78,6 +79,58 @@ long triangulate_classic() {
   triangulate_polygon(1, &contour, xy, triangles);
   release_tables();
   return triangles[1][0] != 0 ? 2 : triangles[0][0] != 0 ? 1 : 0;
+}
+
+// The classic functions one by one, on a square with a hole.
+constexpr kz_long kBlockContours[] = {4, 4};
+constexpr kz_long kBlockVertices = 8;
+constexpr double kBlocks[][2] = {{0, 0}, {0, 0}, {9, 0}, {9, 9}, {0, 9},
+                                 {3, 3}, {3, 6}, {6, 6}, {6, 3}};
+
+/// Allocates the tables and fills the segments as `triangulate_polygon` does; false without
+/// the memory.
+bool set_up_tables() {
+  if (initilize(kBlockVertices + 1) != 0) return false;
+  kz_long first = 1;
+  for (const kz_long count : kBlockContours) {
+    for (kz_long i = 0; i < count; ++i) {
+      const kz_long next = first + (i + 1) % count;
+      kzgis::triangulation::Segment& segment = seg[first + i];
+      segment.start = {kBlocks[first + i][0], kBlocks[first + i][1]};
+      segment.end = {kBlocks[next][0], kBlocks[next][1]};
+      segment.next_seg = next;
+      segment.prev_seg = first + (i + count - 1) % count;
+    }
+    first += count;
+  }
+  return true;
+}
+
+long initilize_tables() {
+  const kz_long status = initilize(kBlockVertices + 1);
+  release_tables();
+  return status;
+}
+
+/// Which stage of the triangulation of the blocks failed, from 1; 0 when none did.
+long triangulate_stage_by_stage() {
+  long failed = 0;
+  kz_long triangles[10][3] = {};
+  if (!set_up_tables()) {
+    failed = 1;
+  } else if (generate_random_ordering(kBlockVertices) != 0) {
+    failed = 2;
+  } else {
+    construct_trapezoids(kBlockVertices);
+    const kz_long pieces = monotonate_trapezoids(kBlockVertices);
+    if (pieces < 2) {
+      failed = 3;
+    } else if (triangulate_monotone_polygons(kBlockVertices, pieces, triangles) < 8) {
+      failed = 4;
+    }
+  }
+  release_tables();
+  return failed;
 }
 
 long triangulate_in_a_workspace() {
@@ -235,6 +288,15 @@ std::vector<Operation> operations() {
          return nesting.flaw ? static_cast<long>(nesting.flaw.kind) : 100L + nesting.depth[2];
        }},
       {"triangulate_polygon", {0, 1}, triangulate_classic},
+      {"initilize", {1}, initilize_tables},
+      {"triangulate_monotone_polygons", {1, 2, 3, 4}, triangulate_stage_by_stage},
+      {"print_error", {}, [] { return static_cast<long>(print_error("%300d\n", 7)); }},
+      {"kzgis::exact::sign_of_sum",
+       {kThrew},
+       [] {
+         const kzgis::exact::Product products[] = {{1.0, 2.0}, {-3.0, 1.0}};
+         return static_cast<long>(kzgis::exact::sign_of_sum(products));
+       }},
       {"Workspace", {workspace_full, kThrew}, triangulate_in_a_workspace},
       {"KZ_GIS_ESRI_Shape_c",
        {13, 14, 2, 4, 10, 11},
