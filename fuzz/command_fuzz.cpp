@@ -1,4 +1,4 @@
-// Fuzzes the arguments of the kzgis command, in a directory that holds one small layer.
+// Fuzzes the arguments of the kzgis command, in a directory that holds small files of each kind.
 //
 // Input: arguments, one a line.  Names of files are relative, so that nothing is read or
 // written elsewhere; large numbers are left out, since a picture may rightly take as much
@@ -9,52 +9,58 @@
 
 #include <cctype>
 #include <cstdint>
-#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "fuzz/harness.h"
 #include "fuzz/scratch.h"
 #include "tools/command.h"
 
 namespace {
 
-/// A square with a hole, a null record, and a table without columns.
-void write_layer(const ScratchDirectory& scratch) {
-  const auto write = [&scratch](const char* name, const std::string& bytes) {
-    scratch.write(name, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-  };
-  for (const char* const name : {"layer.shp", "layer.shx", "riv.shp", "riv.shx", "riv.dbf"}) {
-    std::ifstream seed(std::string(KZGIS_FUZZ_FILES "/") + name, std::ios::binary);
-    if (!seed) std::abort();
-    write(name, std::string(std::istreambuf_iterator<char>(seed), {}));
-  }
-}
-
-struct Stage {
+/// The working directory of the command, with small files of each kind.
+class Stage {
+ public:
   Stage() {
-    write_layer(scratch);
-    home = open(".", O_RDONLY | O_DIRECTORY);
-    here = open(scratch.path().c_str(), O_RDONLY | O_DIRECTORY);
-    if (home < 0 || here < 0) std::abort();
-    // Standard input is empty, and what goes to the standard streams is of no interest.
+    for (const auto& file : std::filesystem::directory_iterator(KZGIS_FUZZ_FILES)) {
+      std::ifstream seed(file.path(), std::ios::binary);
+      const std::string name = file.path().filename();
+      files_[name == "cil.cbd" ? "bank/africa.Map/cil.cbd" : name] =
+          std::string(std::istreambuf_iterator<char>(seed), {});
+    }
+    require(!files_.empty());
+    home_ = open(".", O_RDONLY | O_DIRECTORY);
+    here_ = open(scratch_.path().c_str(), O_RDONLY | O_DIRECTORY);
+    require(home_ >= 0 && here_ >= 0);
+    // Standard input is empty.
     const int null = open("/dev/null", O_RDONLY);
-    if (null < 0 || dup2(null, STDIN_FILENO) < 0) std::abort();
+    require(null >= 0 && dup2(null, STDIN_FILENO) >= 0);
     close(null);
-    std::cout.rdbuf(&nowhere);
-    std::cerr.rdbuf(&nowhere);
   }
 
-  struct Nowhere : std::streambuf {
-    int overflow(int c) override { return traits_type::not_eof(c); }
-  };
+  /// Makes the directory anew, so that no input depends on what another one wrote.
+  void set_out() const {
+    for (const auto& entry : std::filesystem::directory_iterator(scratch_.path())) {
+      std::filesystem::remove_all(entry.path());
+    }
+    std::filesystem::create_directories(scratch_.path() + "/bank/africa.Map");
+    for (const auto& [name, bytes] : files_) {
+      scratch_.write(name, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    }
+  }
+  void enter() const { require(fchdir(here_) == 0); }
+  void leave() const { require(fchdir(home_) == 0); }
 
-  ScratchDirectory scratch;
-  Nowhere nowhere;
-  int home = -1;  ///< where the fuzzer has its corpus
-  int here = -1;  ///< where the command works
+ private:
+  ScratchDirectory scratch_;
+  std::map<std::string, std::string> files_;
+  int home_ = -1;  ///< where the fuzzer has its corpus
+  int here_ = -1;  ///< where the command works
 };
 
 bool is_harmless(const std::string& argument) {
@@ -69,7 +75,8 @@ bool is_harmless(const std::string& argument) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static Stage stage;
+  static const Stage stage;
+  silence();
   std::istringstream lines(std::string(data, data + size));
   std::vector<std::string> arguments{"kzgis"};
   for (std::string line; std::getline(lines, line);) {
@@ -78,9 +85,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   std::vector<const char*> argv;
   for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-  if (fchdir(stage.here) != 0) std::abort();
+  stage.set_out();
+  stage.enter();
   const int exit_code = kzgis::tools::run_command(static_cast<int>(argv.size()), argv.data());
-  if (fchdir(stage.home) != 0 || exit_code < 0 || exit_code > 2) std::abort();
+  stage.leave();
+  require(exit_code >= 0 && exit_code <= 2);
   std::cin.clear();
   std::cout.clear();
   return 0;

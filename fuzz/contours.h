@@ -14,20 +14,26 @@
 struct Contours {
   std::vector<double> x, y;
   std::vector<kz_long> starts;
-  bool on_grid = false;  ///< all coordinates are whole numbers from 0 to 15
+  bool on_grid = false;  ///< all coordinates are whole numbers, small enough for exact products
 };
 
-/// Input: a byte whose lowest bit says how coordinates are written, its other bits how
-/// often all rings are repeated, shifted; then vertices.  On the grid a vertex is one byte,
-/// four bits each way, so that vertices coincide, touch and line up often; otherwise two
-/// doubles as they are in memory, NaN and infinities among them.  A byte 0xFF in front of
-/// a vertex starts a new ring.
+/// Input: a byte that says how; then vertices.
+///
+/// The byte's lowest bit is 0 for vertices on a grid: one byte each, four bits each way, so
+/// that they coincide, touch and line up often; 1 for two doubles as they are in memory, NaN
+/// and infinities among them.  A byte 0xFF in front of a vertex starts a new ring.  The next
+/// four bits are how often all rings are repeated, shifted; where the upper three are set,
+/// a hundred times as often and, if odd, not as rings of their own but as one with the last:
+/// up to 10,000 vertices from a few bytes.
 inline Contours contours_of(const std::uint8_t* data, std::size_t size) {
   constexpr std::size_t kMostVertices = 10000;
   Contours contours;
   if (size == 0) return contours;
   contours.on_grid = (data[0] & 1U) == 0;
-  const unsigned repeats = data[0] >> 1U & 0x0FU;
+  const unsigned written = data[0] >> 1U & 0x0FU;
+  const bool large = data[0] >> 5U == 7U;
+  const bool in_one = large && written % 2 == 1;
+  const unsigned repeats = large ? 100 * (written + 1) : written;
   contours.starts.push_back(0);
   const std::size_t width = contours.on_grid ? 1 : 16;
   for (std::size_t at = 1; at + width <= size;) {
@@ -50,7 +56,7 @@ inline Contours contours_of(const std::uint8_t* data, std::size_t size) {
   const std::size_t vertices = contours.x.size();
   const std::size_t rings = contours.starts.size();
   for (unsigned n = 1; n <= repeats && (n + 1) * vertices <= kMostVertices; ++n) {
-    for (std::size_t r = 0; r < rings; ++r) {
+    for (std::size_t r = 0; r < rings && !in_one; ++r) {
       contours.starts.push_back(static_cast<kz_long>(n * vertices) + contours.starts[r]);
     }
     for (std::size_t i = 0; i < vertices; ++i) {

@@ -4,51 +4,40 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
-#include <iostream>
 #include <sstream>
 #include <string>
 
+#include "fuzz/harness.h"
 #include "fuzz/scratch.h"
 #include "kzgis/dem.h"
 #include "kzgis/elevation.h"
 
 namespace {
 
-/// Ends the run when a promise is broken.
-void require(bool kept) {
-  if (!kept) std::abort();
-}
-
 /// Reads every profile; a loop over any file must end.
 void read_classic(const std::string& path, std::size_t size) {
-  std::ostringstream said;
-  std::streambuf* const before = std::cout.rdbuf(said.rdbuf());
-  {
-    DEM_LogicalRecord record{UtString(path)};
-    std::ostringstream report;
-    report << static_cast<const DEM_LRA&>(record);
-    std::size_t profiles = 0;
-    int result = 1;
-    while (result == 1) {
-      result = record.readRecord();
-      // A profile takes 144 bytes at least.
-      require(++profiles <= size / 144 + 1);
-      require(record.fetchElevationCount() <= size / 6);
-      report << record;
-      // Have the sanitizer see each elevation.
-      int highest = 0;
-      for (std::size_t i = 0; i < record.fetchElevationCount(); ++i) {
-        highest = std::max(highest, record.fetchElevations()[i]);
-      }
-      const int rows = record.fetchElevRows();
-      const int columns = record.fetchElevCols();
-      highest = std::max(highest, record.fetchElevation(rows - 1, columns - 1));
-      highest = std::max(highest, record.ElevIndex(rows, columns));
-      [[maybe_unused]] volatile const int sink = highest;
+  DEM_LogicalRecord record{UtString(path)};
+  std::ostringstream report;
+  report << static_cast<const DEM_LRA&>(record);
+  std::size_t profiles = 0;
+  int result = 1;
+  while (result == 1) {
+    result = record.readRecord();
+    // A profile takes 144 bytes at least.
+    require(++profiles <= size / 144 + 1);
+    require(record.fetchElevationCount() <= size / 6);
+    report << record;
+    // Have the sanitizer see each elevation.
+    int highest = 0;
+    for (std::size_t i = 0; i < record.fetchElevationCount(); ++i) {
+      highest = std::max(highest, record.fetchElevations()[i]);
     }
+    const int rows = record.fetchElevRows();
+    const int columns = record.fetchElevCols();
+    highest = std::max(highest, record.fetchElevation(rows - 1, columns - 1));
+    highest = std::max(highest, record.ElevIndex(rows, columns));
+    [[maybe_unused]] volatile const int sink = highest;
   }
-  std::cout.rdbuf(before);
 }
 
 bool same(float a, float b) { return a == b || (std::isnan(a) && std::isnan(b)); }
@@ -73,6 +62,7 @@ void check(const kzgis::ElevationGrid& grid, std::size_t size) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const ScratchDirectory scratch;
+  silence();
   scratch.write("quadrangle.dem", data, size);
   const std::string path = scratch.path() + "/quadrangle.dem";
   read_classic(path, size);

@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
 """make_seeds.py: writes the seeds of the fuzzers, small files of every kind they take.
 
-The seeds are kept in the repository; this says where they come from.
+The seeds are kept in the repository; this says where they come from: made here, or cut
+from the sample data.
 """
 import pathlib
 import struct
 
 HERE = pathlib.Path(__file__).parent
+DATA = HERE.parent / "data"
 
 
 def write(name, data):
@@ -59,6 +61,16 @@ POINTS = shapefile(1, [struct.pack("<i2d", 1, 3, 4), struct.pack("<i2d", 1, -3, 
 MULTI = shapefile(8, [struct.pack("<i4di4d", 8, 0, 0, 9, 9, 2, 1, 2, 3, 4)])
 
 
+def real_rings():
+    """The rings of the sample's first polygon that has an island, as in fuzz/contours.h."""
+    shp = (DATA / "ne/ne_50m_lakes_with_islands.shp").read_bytes()
+    parts, points = struct.unpack_from("<2i", shp, 144)
+    starts = [*struct.unpack_from(f"<{parts}i", shp, 152), points]
+    first = 152 + 4 * parts
+    rings_of = [shp[first + 16 * a:first + 16 * (b - 1)] for a, b in zip(starts, starts[1:])]
+    return b"\xff".join(rings_of)
+
+
 # The outline files of World DataBank II.
 TURN = 1296000
 
@@ -84,6 +96,16 @@ def bank(segments):
     return head + body + dictionary
 
 
+def real_segment():
+    """The beginning of a coast of the sample data, in whole arc-seconds."""
+    shp = (DATA / "wdb/cil.shp").read_bytes()
+    parts, points = struct.unpack_from("<2i", shp, 144)
+    first = 152 + 4 * parts
+    line = [(round(3600 * x) % TURN, round(3600 * y))
+            for x, y in struct.iter_unpack("<2d", shp[first:first + 16 * min(points, 60)])]
+    return segment(*line[0], [(b[0] - a[0], b[1] - a[1]) for a, b in zip(line, line[1:])])
+
+
 def write_banks():
     # Corners in hundredths of a degree, precision in arc-seconds; then the file.
     files = {
@@ -92,6 +114,7 @@ def write_banks():
         'seam': bank([segment(TURN - 300, 0, [(60, 1)] * 12),
                       segment(300, 0, [(-60, 1)] * 12)]),
         'beyond': bank([segment(5, 5, [(1, 1)], count=0xFFFFFFFF)]),
+        'real': bank([real_segment()]),
         'many': bank([segment(36000 + i, 3600, [(50, 50)] * 3) for i in range(19)]),
     }
     boxes = {
@@ -105,10 +128,63 @@ def write_banks():
                   struct.pack("<4hH", *settings) + data)
 
 
+# USGS, Standards for Digital Elevation Models, 1998: records of 1024 characters.
+def number(value, width=24, digits=15):
+    """As FORTRAN writes it: 0.1D+01."""
+    if value == 0:
+        return f"{0:.{digits}f}".rjust(width - 4) + "D+00"
+    mantissa, exponent = f"{value / 10:.{digits - 1}E}".split("E")
+    sign, figures = ("-", mantissa[1:]) if value < 0 else ("", mantissa)
+    text = f"{sign}0.{figures.replace('.', '')}"
+    return f"{text}{'D' if width == 24 else 'E'}{int(exponent) + 2:+03d}".rjust(width)
+
+
+def record_a(system, zone_unit, corners, lowest, highest, resolution, profiles):
+    return ("TEST QUADRANGLE".ljust(40) + "MADE FOR TESTS".ljust(95) + "2 NW1MAPC"
+            + "".join(f"{n:6d}" for n in (3, 1, system, 10)) + number(0) * 15
+            + "".join(f"{n:6d}" for n in (*zone_unit, 4))
+            + "".join(number(c) for corner in corners for c in corner)
+            + number(lowest) + number(highest) + number(0) + f"{0:6d}"
+            + "".join(number(r, 12, 6) for r in resolution) + f"{1:6d}{profiles:6d}"
+            + "   402   10119871951I2 3 1 1   1   0")
+
+
+def profile(column, base, elevations):
+    """The blocks of one profile: 146 elevations in the first, 170 in each of the others."""
+    head = ("".join(f"{n:6d}" for n in (1, column, len(elevations), 1))
+            + "".join(number(v) for v in (*base, 0, 100, 200)))
+    texts = [f"{e:6d}" for e in elevations]
+    blocks = [head + "".join(texts[:146])]
+    return blocks + ["".join(texts[i:i + 170]) for i in range(146, len(texts), 170)]
+
+
+def write_elevations():
+    corners = [(499990, 5000130), (500100, 5000110), (500110, 5000025)]
+    tilted = [record_a(1, (2, 2), [(500000, 5000010), *corners], 100, 200, (30, 30, 1), 3),
+              *profile(1, (500010, 5000010), [1, 2, 3]),
+              *profile(2, (500040, 5000040), [11, 12, -32767, 14]),
+              *profile(3, (500070, 5000040), [21, -22, 23])]
+    west, east, south, north = -432000, -431997, 162000, 162450
+    seconds = [record_a(0, (3, 2), [(west, south), (west, north), (east, north), (east, south)],
+                        100, 200, (3, 3, 1), 2),
+               *profile(1, (west, south), range(-5, 146)),
+               *profile(2, (east, south), range(2000, 2150))]
+    in_blocks = {"tilted": tilted, "arc_seconds": seconds}
+    for name, blocks in in_blocks.items():
+        write(f"corpus/dem/{name}", "".join(b.ljust(1024) for b in blocks).encode())
+    write("corpus/dem/lines", "".join(b + "\r\n" for b in tilted).encode())
+    # Record A and the first profiles of the sample.
+    write("corpus/dem/real", (DATA / "dem/st_helens_crater.dem").read_bytes()[:4 * 1024])
+
+
 def main():
     write_banks()
+    write_elevations()
     for name, (shp, shx) in {"polygons": POLYGONS, "lines": LINES, "points": POINTS,
                              "multi": MULTI, "empty": shapefile(5, [])}.items():
+        write(f"corpus/shapefile/{name}", struct.pack("<H", len(shp)) + shp + shx)
+    for name in ("ne_110m_lakes", "ne_110m_places"):
+        shp, shx = ((DATA / f"ne/{name}{suffix}").read_bytes() for suffix in (".shp", ".shx"))
         write(f"corpus/shapefile/{name}", struct.pack("<H", len(shp)) + shp + shx)
 
     # fuzz/contours.h: on the grid a vertex is y * 16 + x.
@@ -125,6 +201,10 @@ def main():
         "bow_tie": b"\0" + bow_tie, "touching": b"\0" + grid + b"\xff" + touching,
         "many": b"\x1e" + grid + b"\xff" + hole, "one": b"\0\x11", "two": b"\0\x11\x22",
         "exact": b"\1" + exact, "odd": b"\1" + odd,
+        # Thousands of vertices: as they stand, in many rings, in one.
+        "dense": b"\0" + bytes(17 * i % 255 for i in range(1000)),
+        "rings": bytes([0xF0]) + grid, "chain": bytes([0xF2]) + bow_tie,
+        "real": b"\1" + real_rings(),
     }
     for name, data in contours.items():
         write(f"corpus/polygon/{name}", data)
@@ -146,6 +226,9 @@ def main():
     write("files/layer.shx", POLYGONS[1])
     write("files/riv.shp", LINES[0])
     write("files/riv.shx", LINES[1])
+    write("files/small.dem", (HERE / "corpus/dem/tilted").read_bytes())
+    write("files/points.csv", b"name,lat,lon\nRome,41.9,12.5\n\"a, b\",45d30m,-7\n")
+    write("files/cil.cbd", bank([real_segment()]))
     write("files/riv.dbf", table([("CONT", 8), ("RANK", 4)], [("europe", "1")]))
     commands = {
         "help": ["--help"], "version": ["--version"],
@@ -162,10 +245,16 @@ def main():
                    "asia", "--continent", "@CONT", "--level", "3", "--segment", "2"],
         "triangulate": ["triangulate", "layer.shp", "-o", "-", "--format", "geojson",
                         "--records", "1:2"],
+        "grid": ["dem", "small.dem", "-o", "a.asc"],
+        "relief": ["dem", "small.dem", "--shade", "--sun", "300,30", "-o", "a.png"],
+        "heights": ["dem", "small.dem", "--tint", "-o", "-", "--format", "csv"],
+        "elevations": ["info", "--records", "small.dem", "bank", "layer.shp"],
+        "csv": ["project", "--to", "mercator", "--columns", "2,3", "points.csv", "-o", "b.csv"],
         "globe": ["triangulate", "layer.shp", "--check", "--project", "globe", "--radius", "1"],
     }
     for name, arguments in commands.items():
         write(f"corpus/command/{name}", "\n".join(arguments).encode())
 
 
-main()
+if __name__ == "__main__":
+    main()

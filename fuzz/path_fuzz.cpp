@@ -1,6 +1,7 @@
-// Fuzzes the expansion of path variables in file names.
+// Fuzzes what takes names: the expansion of path variables, the readers' names of files, the
+// names of projections.
 //
-// Input: the value of two environment variables up to the first NUL; then a name.
+// Input: the value of an environment variable up to the first NUL; then a name.
 
 #include <algorithm>
 #include <cstdint>
@@ -8,7 +9,29 @@
 #include <cstring>
 #include <string>
 
+#include "fuzz/harness.h"
+#include "kzgis/dem.h"
 #include "kzgis/filetools.h"
+#include "kzgis/projection.h"
+#include "kzgis/shape.h"
+
+namespace {
+
+/// Every name in turn in the same objects, which keep theirs; none may open anything.
+void name_everything(const std::string& name) {
+  static KZ_GIS_ESRI_Shape_c shape(nullptr);
+  static DEM_LRA record;
+  static Projection projection;
+  const std::string path = "/nonexistent/" + name;
+  require(shape.FileName(path.c_str()) == nullptr);
+  require(shape.ShapeFileName(path.c_str()) == nullptr);
+  require(shape.IndexFileName(path.c_str()) == nullptr);
+  require(record.setFN(UtString(path)) == -1);
+  require(projection.setProjection(UtString(name)) == 1);
+  require(projection.fetchProjectionName().size() > 0);
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::uint8_t* const end = std::find(data, data + size, 0);
@@ -22,16 +45,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   char buffer[1024];
   const char* const expanded = FILEmap_variables(name.c_str(), buffer);
-  if (std::memchr(buffer, 0, sizeof buffer) == nullptr) std::abort();
-  if (expanded == nullptr && buffer[0] != 0) std::abort();
+  require(std::memchr(buffer, 0, sizeof buffer) != nullptr);
+  require(expanded != nullptr || buffer[0] == 0);
   // Without a variable the name stays as it is.
-  if (expanded != nullptr && name.find('$') == std::string::npos &&
-      std::strcmp(expanded, name.c_str()) != 0) {
-    std::abort();
-  }
+  require(expanded == nullptr || name.find('$') != std::string::npos ||
+          std::strcmp(expanded, name.c_str()) == 0);
   // What can be opened is anybody's file: "r" harms none of them, a name in a directory
   // that does not exist opens none.
   std::FILE* const file = FILEfopen(("/nonexistent/" + name).c_str(), "r");
   if (file != nullptr) std::fclose(file);
+  silence();
+  name_everything(name);
   return 0;
 }

@@ -4,20 +4,14 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdlib>
-#include <iostream>
-#include <streambuf>
 #include <string>
 #include <vector>
 
+#include "fuzz/harness.h"
 #include "fuzz/scratch.h"
 #include "tools/command.h"
 
 namespace {
-
-struct Nowhere : std::streambuf {
-  int overflow(int c) override { return traits_type::not_eof(c); }
-};
 
 constexpr std::array kProjections = {"cartesian", "mercator",          "lambert cylindrical",
                                      "gnomonic",  "stereographic",     "orthographic",
@@ -29,9 +23,7 @@ constexpr std::array kProjections = {"cartesian", "mercator",          "lambert 
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const ScratchDirectory scratch;
-  static Nowhere nowhere;
-  std::cout.rdbuf(&nowhere);
-  std::cerr.rdbuf(&nowhere);
+  silence();
   if (size < 2) return 0;
   const unsigned options = data[0];
   scratch.write("points.csv", data + 2, size - 2);
@@ -46,6 +38,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if ((options & 4U) != 0) argv.insert(argv.end(), {"--columns", "2,1,3"});
   if ((options & 8U) != 0) argv.insert(argv.end(), {"--columns", "lat,lon"});
   const int exit_code = kzgis::tools::run_command(static_cast<int>(argv.size()), argv.data());
-  if (exit_code < 0 || exit_code > 2) std::abort();
+  require(exit_code >= 0 && exit_code <= 2);
   return 0;
 }

@@ -1,5 +1,5 @@
-// Fuzzes the shapefile reader with a pair of files: every record operation in file order,
-// then a random run of operations, both taken from the input.
+// Fuzzes the shapefile reader with a pair of files: every record operation in file order, then
+// by the index as clients that ask for sizes first do, then a random run of operations.
 //
 // Input: 2 bytes, little-endian, length of the ".shp" (of what follows, modulo its size
 // plus one); the ".shp"; the rest is the ".shx", whose bytes also choose the operations.
@@ -10,6 +10,7 @@
 #include <sstream>
 #include <string>
 
+#include "fuzz/harness.h"
 #include "fuzz/scratch.h"
 #include "kzgis/shape.h"
 
@@ -34,16 +35,12 @@ struct Record {
 
   /// Gives `status` back when it and the arrays are as promised.
   kz_ulong checked(kz_ulong status, bool has_parts, std::size_t file_size) const {
-    if (status != 1 && status != 2 && status != 4 && status != 10 && status != 11 && status != 13) {
-      std::abort();
-    }
+    require(status == 1 || status == 2 || status == 4 || status == 10 || status == 11 ||
+            status == 13);
     // Arrays never outgrow the file.
-    if (parts_capacity < 0 || static_cast<std::size_t>(parts_capacity) > file_size / 4) {
-      std::abort();
-    }
-    if (points_capacity < 0 || static_cast<std::size_t>(points_capacity) > file_size / 16 + 1) {
-      std::abort();
-    }
+    require(parts_capacity >= 0 && static_cast<std::size_t>(parts_capacity) <= file_size / 4);
+    require(points_capacity >= 0 &&
+            static_cast<std::size_t>(points_capacity) <= file_size / 16 + 1);
     if (status != 1) return status;
     // All that was claimed is there: have the sanitizer see each element.
     std::uint64_t sum = 0;
@@ -55,7 +52,9 @@ struct Record {
 };
 
 constexpr unsigned kOperations = 16;
-constexpr unsigned kReaders = 7;  // the first of them read a record each
+constexpr unsigned kReaders = 7;        // the first of them read a record each
+constexpr unsigned kInfosAfter = 4;     // how far behind a reader its Get...Info stands
+constexpr unsigned kReadersOfMany = 3;  // the readers that have one
 
 /// Runs one of the operations; `argument` serves those that need a number.
 /// @return its status; 1 for operations that have none
@@ -90,6 +89,7 @@ kz_ulong run(KZ_GIS_ESRI_Shape_c& shape, Record& r, unsigned operation, kz_long 
     case 7:
       return shape.ReadNullShape();
     case 8:
+      return shape.NumberOfDataRecords(&total);
     case 9:
       return shape.SeekToDataRecord(argument);
     case 10:
@@ -107,6 +107,23 @@ kz_ulong run(KZ_GIS_ESRI_Shape_c& shape, Record& r, unsigned operation, kz_long 
     default:
       shape.IndexFileName((base + (argument % 2 == 0 ? ".shx" : ".shp")).c_str());
       return 1;
+  }
+}
+
+/// Asks for the size of each record, goes back and reads it.
+void read_by_index(const std::string& base, std::size_t shp_size, std::size_t shx_size) {
+  for (unsigned reader = 0; reader < kReadersOfMany; ++reader) {
+    KZ_GIS_ESRI_Shape_c shape(base.c_str());
+    if (shape.ShapeFileIsOpen() == 0) return;
+    shape.IndexHeader().ValidateFileHeader();
+    Record record;
+    for (std::size_t i = 1; i <= shx_size / 8 + 1; ++i) {
+      const auto number = static_cast<kz_long>(i);
+      if (shape.SeekToDataRecord(number) != 1) break;
+      run(shape, record, reader + kInfosAfter, 0, base, shp_size);
+      if (shape.SeekToDataRecord(number) != 1) break;
+      run(shape, record, reader, 0, base, shp_size);
+    }
   }
 }
 
@@ -135,6 +152,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       status = run(shape, record, reader, 0, base, shp_size);
     }
   }
+
+  read_by_index(base, shp_size, shx_size);
 
   // At random: the ".shx", from its end backwards, is the script.
   KZ_GIS_ESRI_Shape_c shape(base.c_str());
