@@ -30,7 +30,11 @@ int DEM_LRA::setFN(const UtString& name) {
   FILEmap_variables(name.c_str(), expanded);  // leaves an empty name when it is too long
   file_name_ = expanded;
   clear();
-  open(file_name_.c_str());
+  if (kzgis::is_named_pipe(file_name_.c_str())) {
+    setstate(failbit);
+  } else {
+    open(file_name_.c_str());
+  }
   ingested_ = 0;
   if (!is_open()) {
     std::cerr << "DEM_LRA::setFN(): Could not open " << name << std::endl;

@@ -110,7 +110,10 @@ std::FILE* FILEfopen(const char* path, const char* mode) {
   if (!kBackslashSeparates) {
     std::replace(expanded, expanded + std::strlen(expanded), '\\', '/');
   }
+  return kzgis::is_named_pipe(expanded) ? nullptr : std::fopen(expanded, mode);
+}
+
+bool kzgis::is_named_pipe(const char* path) {
   std::error_code unknown;
-  if (std::filesystem::is_fifo(expanded, unknown)) return nullptr;
-  return std::fopen(expanded, mode);
+  return std::filesystem::is_fifo(path, unknown);
 }

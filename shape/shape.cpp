@@ -40,7 +40,11 @@ std::string_view without_extension(std::string_view name) {
 
 void open_stream(std::ifstream& stream, const char* name) {
   try {
-    stream.open(name, std::ios::in | std::ios::binary);
+    if (is_named_pipe(name)) {
+      stream.setstate(std::ios::failbit);
+    } else {
+      stream.open(name, std::ios::in | std::ios::binary);
+    }
   } catch (const std::bad_alloc&) {
     // The file is open by then, without a buffer: closed, the stream can open it again.
     stream.close();

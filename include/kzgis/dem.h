@@ -101,8 +101,8 @@ class KZGIS_EXPORT DEM_LRA : public std::ifstream {
   /// The fields of the former file stay until `ingest` reads the new ones.
   ///
   /// @param name  may hold path variables (see FILEmap_variables)
-  /// @return 1 with the file at its first byte; -1 when it cannot be opened: one line goes
-  ///         to standard error, the fail flag is set
+  /// @return 1 with the file at its first byte; -1 when it cannot be opened or is a named
+  ///         pipe: one line goes to standard error, the fail flag is set
   int setFN(const UtString& name);
   /// Closes the file and clears the stream's flags; the fields stay.  Always 1.
   int closeFN();

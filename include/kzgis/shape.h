@@ -86,6 +86,7 @@ class KZGIS_EXPORT KZ_GIS_ESRI_ShapeHeader_c {
 /// `ShapeHeader().ShapeType()`; each reader takes one record and leaves the stream
 /// behind what it read.  Offsets and lengths are bytes; record numbers count from 1.
 ///
+/// A named pipe in the place of either file cannot be opened (see kzgis::is_named_pipe).
 /// Every operation that needs a file answers 13 while that file is closed.  A read or
 /// seek that failed leaves its flags on the stream, so that later operations on the
 /// file fail too (10, 11 or 4) until it is opened again.  A null record, met where a

@@ -164,8 +164,8 @@ class KZGIS_EXPORT WorldMap {
   /// Discards what was loaded and loads every requested theme of every continent.
   ///
   /// A file that cannot be opened or read does not stop the others; what was read from
-  /// it stays.  A damaged file is reported on standard error, in a line that begins with
-  /// "CIA: ".
+  /// it stays.  A named pipe cannot be opened (see kzgis::is_named_pipe).  A damaged file is
+  /// reported on standard error, in a line that begins with "CIA: ".
   void readData();
 
  private:

@@ -9,6 +9,7 @@
 #include "dem/dem_writer.h"
 #include "kzgis/dem.h"
 #include "support/capture.h"
+#include "support/named_pipe.h"
 
 namespace {
 
@@ -133,6 +134,22 @@ TEST_F(OpenDemFile, TakesADirectoryThatNoReaderGetsAnythingFrom) {
   EXPECT_EQ(reader.readFile(&c), -1);
   EXPECT_EQ(c, 'q');
   EXPECT_EQ(reader.skipFile(1), -1);
+}
+
+TEST_F(OpenDemFile, RefusesANamedPipeWithoutWaiting) {
+  const std::string path = directory() + "/pipe.dem";
+  const NamedPipe pipe(path);
+  Reader reader;
+  StderrCapture err;
+  EXPECT_EQ(reader.setFN(path), -1);
+  EXPECT_EQ(err.text(), "DEM_LRA::setFN(): Could not open " + path + "\n");
+  EXPECT_TRUE(reader.fail());
+  EXPECT_FALSE(reader.is_open());
+  EXPECT_EQ(reader.fetchFileName().str(), path);
+  EXPECT_EQ(reader.setFN(write("abc")), 1);
+  char c = 0;
+  EXPECT_EQ(reader.readFile(&c), 1);
+  EXPECT_EQ(c, 'a');
 }
 
 TEST_F(OpenDemFile, IsUndoneByClose) {

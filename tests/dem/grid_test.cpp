@@ -1,7 +1,5 @@
 // The grid of a whole quadrangle.  Real files and GDAL's are compared in gdal_test.py.
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -9,6 +7,7 @@
 
 #include "dem/dem_writer.h"
 #include "kzgis/elevation.h"
+#include "support/named_pipe.h"
 
 namespace {
 
@@ -487,7 +486,7 @@ TEST_F(ReadDemFile, ReadsLargeFiles) {
 
 TEST_F(ReadDemFile, RefusesAPipeWithoutWaiting) {
   const std::string path = directory() + "/pipe";
-  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  const NamedPipe pipe(path);
   const ElevationGrid grid = read_dem(path);
   EXPECT_EQ(grid.error.kind, ErrorKind::cannot_read);
   EXPECT_EQ(grid.error.message, path + ": cannot be opened");

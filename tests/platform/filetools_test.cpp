@@ -9,6 +9,8 @@
 #include <fstream>
 #include <string>
 
+#include "support/named_pipe.h"
+
 namespace {
 
 /// Sets an environment variable while it lives.
@@ -154,6 +156,26 @@ TEST_F(FILEfopenTest, AnswersNullForWhatCannotBeOpened) {
   EXPECT_EQ(FILEfopen("$KZTEST_UNSET<0>/file.txt", "rb"), nullptr);
   EXPECT_EQ(FILEfopen(std::string(2000, 'a').c_str(), "rb"), nullptr);
   EXPECT_EQ(FILEfopen(nullptr, "rb"), nullptr);
+}
+
+TEST_F(FILEfopenTest, AnswersNullForANamedPipeWithoutWaiting) {
+  const std::string path = directory_.string() + "/pipe";
+  const NamedPipe pipe(path);
+  EXPECT_EQ(FILEfopen(path.c_str(), "rb"), nullptr);
+  EXPECT_EQ(FILEfopen(path.c_str(), "wb"), nullptr);
+}
+
+TEST_F(FILEfopenTest, TellsNamedPipesFromAllElse) {
+  const std::string path = directory_.string() + "/pipe";
+  const NamedPipe pipe(path);
+  std::filesystem::create_symlink(path, directory_ / "link");
+  EXPECT_TRUE(kzgis::is_named_pipe(path.c_str()));
+  EXPECT_TRUE(kzgis::is_named_pipe((directory_ / "link").c_str()));
+  for (const char* const other : {"sub/file.txt", "sub", "missing", "sub/file.txt/below"}) {
+    EXPECT_FALSE(kzgis::is_named_pipe((directory_ / other).c_str())) << other;
+  }
+  EXPECT_FALSE(kzgis::is_named_pipe(""));
+  EXPECT_FALSE(kzgis::is_named_pipe(std::string(5000, 'a').c_str()));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "kzgis/shape.h"
 #include "shape/shape_record.h"
 #include "shape/shapefile_writer.h"
+#include "support/named_pipe.h"
 
 namespace {
 
@@ -170,6 +171,31 @@ TEST_F(ShapeOpenTest, DirectoriesAreRefused) {
   expect_closed(shape);
   const std::string base = write(two_points());
   EXPECT_STREQ(shape.FileName(base.c_str()), base.c_str());
+}
+
+TEST_F(ShapeOpenTest, NamedPipesAreRefusedWithoutWaiting) {
+  const NamedPipe no_shapes(path("shapes.shp"));
+  const NamedPipe no_index(path("index.shx"));
+  write_file(path("shapes.shx"), two_points().shx());
+  write_file(path("index.shp"), two_points().shp());
+  std::filesystem::create_symlink(path("shapes.shp"), path("link.shp"));
+  const KZ_GIS_ESRI_Shape_c constructed(path("shapes").c_str());
+  expect_closed(constructed);
+  KZ_GIS_ESRI_Shape_c shape(nullptr);
+  for (const char* const name : {"shapes", "index", "link"}) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(shape.FileName(path(name).c_str()), nullptr);
+    expect_closed(shape);
+    kz_ulong count;
+    EXPECT_EQ(shape.NumberOfPoints(&count), 13u);
+    EXPECT_EQ(shape.SeekToFirstDataRecord(), 13u);
+  }
+  EXPECT_EQ(shape.ShapeFileName(path("shapes.shp").c_str()), nullptr);
+  EXPECT_EQ(shape.IndexFileName(path("index.shx").c_str()), nullptr);
+  expect_closed(shape);
+  const std::string base = write(two_points());
+  EXPECT_STREQ(shape.FileName(base.c_str()), base.c_str());
+  EXPECT_EQ(next_x(shape), 1.5);
 }
 
 TEST_F(ShapeOpenTest, HeadersAreReadNotJudged) {

@@ -2,9 +2,9 @@
 // takes long or much.
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include "support/capture.h"
+#include "support/named_pipe.h"
 #include "worldmap/bank.h"
 
 namespace {
@@ -187,7 +187,7 @@ TEST_F(ReaderHostile, DirectoryIsNoMap) {
 }
 
 TEST_F(ReaderHostile, NamedPipeIsNotWaitedFor) {
-  ASSERT_EQ(mkfifo((root_ + "/africa.Map/cil.cbd").c_str(), 0600), 0);
+  const NamedPipe pipe(root_ + "/africa.Map/cil.cbd");
   WorldMap map;
   ask_for_all(map);
   const StdoutCapture out;
