@@ -11,6 +11,8 @@
 
 namespace kzgis::shape_fields {
 
+inline constexpr kz_ulong kIndexRecordSize = 8;
+
 /// Reads `count` bytes; every read of this folder gets its status here.
 ///
 /// The streams of this library set their fail flag whenever bytes are missing, so that

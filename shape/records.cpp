@@ -333,14 +333,22 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReturnTo(std::streampos position, kz_ulong result)
 /// Adds up one 32-bit field, `fieldOffset` bytes into the content, over all records
 /// whose content is longer than `fixedSize`.
 ///
-/// The index header may claim more records than there are: the first one that cannot
-/// be read ends the walk.
+/// The index header may claim more records than there are: the first one that the file,
+/// by its size, does not hold ends the walk.  A device that is read without end, such as
+/// /dev/zero, has no size, and so holds none.
 kz_ulong KZ_GIS_ESRI_Shape_c::SumOverRecords(kz_long fixedSize, kz_long fieldOffset,
                                              kz_ulong* sum) {
   *sum = 0;
   kz_ulong records = 0;
   NumberOfDataRecords(&records);
+  if (records == 0) return status::success;
+  if (!index_file_open_) return status::not_open;
+  const std::streamoff index_end = index_stream_.seekg(0, std::ios::end).tellg();
+  if (index_stream_.fail()) return status::seek_failed;
+  const std::int64_t held =
+      (index_end - index_header_.HeaderLength()) / std::int64_t{kIndexRecordSize};
   for (kz_ulong number = 1; number <= records; ++number) {
+    if (number > held) return fail_at_end(index_stream_);
     kz_long offset = 0;
     kz_long length = 0;
     kz_ulong result = ReadIndexRecord(static_cast<kz_long>(number), &offset, &length);

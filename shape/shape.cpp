@@ -27,7 +27,6 @@ namespace {
 constexpr std::size_t kExpandedNameSize = 1024;  // what FILEmap_variables needs
 constexpr std::size_t kLongestName = 255;        // of a file, extension included
 constexpr std::size_t kExtensionLength = 4;
-constexpr kz_ulong kIndexRecordSize = 8;
 
 constinit const GIS_ByteUtil_c byte_util;
 

@@ -215,6 +215,9 @@ class KZGIS_EXPORT KZ_GIS_ESRI_Shape_c {
   /// Writes the number of parts in the whole file, and leaves the shape stream where
   /// it was.  Each record of a null, point or multi-point file counts as one part.
   ///
+  /// The walk goes no further than the index file's own size, which may be less than its
+  /// header claims: 11.  A device of no size, such as /dev/zero, holds no record.
+  ///
   /// @return 1; 2 for any other shape type; 13, 10, 11 or 4 where the walk through the
   ///         index stopped, with `*count` the sum so far; 10 also when the shape stream
   ///         could not be put back, as after any failed read of it

@@ -144,6 +144,26 @@ TEST_F(ShapeCountsTest, AnIndexShorterThanItSaysEndsTheWalkWith11) {
   }
 }
 
+// Its zeros are a header that claims 0 bytes, so 536870899 records, all of no content.
+TEST_F(ShapeCountsTest, AnIndexWithoutEndHoldsNoRecord) {
+  if (!std::filesystem::exists("/dev/zero")) GTEST_SKIP() << "no /dev/zero";
+  for (const std::int32_t type : {3, 5, 8}) {
+    SCOPED_TRACE(type);
+    const std::string base = write(ShapefileWriter(type).add(arc_content({0}, some_points(5))));
+    std::filesystem::remove(base + ".shx");
+    std::filesystem::create_symlink("/dev/zero", base + ".shx");
+    KZ_GIS_ESRI_Shape_c shape(base.c_str());
+    ASSERT_EQ(shape.IndexFileIsOpen(), 1);
+    kz_ulong records = 0;
+    EXPECT_EQ(shape.NumberOfDataRecords(&records), 1u);
+    EXPECT_EQ(records, 536870899u);
+    EXPECT_EQ(points(shape), (Count{11, 0}));
+    EXPECT_EQ(bytes_at_stream(shape), 1);  // the shape stream is back
+    EXPECT_EQ(points(shape), (Count{10, 0}));
+    std::filesystem::remove(base + ".shx");
+  }
+}
+
 TEST_F(ShapeCountsTest, AnIndexLongerThanItSaysIsReadAsFarAsItSays) {
   ShapefileWriter writer(3);
   writer.add(arc_content({0, 1}, some_points(5))).add(arc_content({0}, some_points(6)));

@@ -51,7 +51,9 @@ class ShapeDamageTest : public ShapefileTest {
   /// Reads every record with the reader of the layer's kind, in file order and from
   /// record to record, and asks for everything else there is to know.
   void read_everything(const std::string& base, std::int32_t type) {
-    const auto bytes = static_cast<kz_long>(std::filesystem::file_size(base + ".shp"));
+    // A device has no size.
+    const bool sized = std::filesystem::is_regular_file(base + ".shp");
+    const auto bytes = static_cast<kz_long>(sized ? std::filesystem::file_size(base + ".shp") : 0);
     for (const bool by_index : {false, true}) {
       KZ_GIS_ESRI_Shape_c shape(base.c_str());
       ShapeRecord record;
@@ -189,6 +191,20 @@ TEST_F(ShapeDamageTest, AnIndexOfAnotherFileIsSurvived) {
     for (const Layer& other : layers()) {
       SCOPED_TRACE(label(layer, "index of type", static_cast<std::size_t>(other.type)));
       read_everything(write(layer.writer().shp(), other.writer().shx()), layer.type);
+    }
+  }
+}
+
+TEST_F(ShapeDamageTest, AFileWithoutEndTakesNoMoreThanOthers) {
+  if (!std::filesystem::exists("/dev/zero")) GTEST_SKIP() << "no /dev/zero";
+  for (const Layer& layer : layers()) {
+    for (const char* const endless : {".shp", ".shx"}) {
+      SCOPED_TRACE(label(layer, endless, 0));
+      const std::string base = write(layer.writer());
+      std::filesystem::remove(base + endless);
+      std::filesystem::create_symlink("/dev/zero", base + endless);
+      read_everything(base, layer.type);
+      std::filesystem::remove(base + endless);
     }
   }
 }
