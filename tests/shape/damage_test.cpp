@@ -1,7 +1,7 @@
 // Small files of every kind, cut at every byte, and with every byte of their headers
-// replaced; real layers cut at every field; files that change while they are open: every
-// operation keeps to the statuses that it documents, and no array grows beyond what the
-// file can fill.
+// replaced; every real layer and its index cut at their fields; files that change while they
+// are open: every operation keeps to the statuses that it documents, and no array grows
+// beyond what the file can fill.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -224,56 +224,155 @@ std::size_t big_at(const std::string& bytes, std::size_t place) {
   return value;
 }
 
-/// Where the fields of a record begin, from its own start, and where it ends.
-std::vector<std::size_t> field_starts(const std::string& shp, std::size_t record,
-                                      std::int32_t type) {
-  const std::size_t end = 8 + 2 * big_at(shp, record + 4);
-  std::vector<std::size_t> starts{0, 4, 8, 12, 20};
-  if (type != 1) starts.insert(starts.end(), {28, 36, 44, 48});
-  if (type == 3 || type == 5) {
-    // Little-endian, and far below 65536 in these layers.
-    const auto parts = static_cast<unsigned char>(shp.at(record + 44)) +
-                       256U * static_cast<unsigned char>(shp.at(record + 45));
-    starts.insert(starts.end(), {52, 52 + std::size_t{4} * (parts - 1), 52 + 4 * parts});
+std::size_t little_at(const std::string& bytes, std::size_t place) {
+  std::size_t value = 0;
+  for (std::size_t i = place + 4; i-- > place;) {
+    value = value << 8 | static_cast<unsigned char>(bytes.at(i));
   }
-  starts.insert(starts.end(), {end - 16, end - 8, end});
-  std::sort(starts.begin(), starts.end());
-  return starts;
+  return value;
+}
+
+/// One of the sample layers: its bytes, and where its records lie by the index.
+struct RealLayer {
+  explicit RealLayer(const std::filesystem::path& shape_file)
+      : name(shape_file.stem().string()),
+        shp(bytes_of(shape_file.string())),
+        shx(bytes_of(std::filesystem::path(shape_file).replace_extension(".shx").string())),
+        type(static_cast<std::int32_t>(little_at(shp, 32))) {
+    for (std::size_t place = 100; place < shx.size(); place += 8) {
+      starts.push_back(2 * big_at(shx, place));
+    }
+  }
+  std::size_t end_of(std::size_t record) const {
+    return starts[record] + 8 + 2 * big_at(shp, starts[record] + 4);
+  }
+  std::size_t points_of(std::size_t record) const {
+    return type == 1 ? 1 : little_at(shp, starts[record] + (type == 8 ? 44 : 48));
+  }
+
+  std::string name;
+  std::string shp;
+  std::string shx;
+  std::int32_t type;
+  std::vector<std::size_t> starts;
+};
+
+std::vector<RealLayer> real_layers() {
+  std::vector<RealLayer> found;
+  for (const char* const directory : {"/ne", "/wdb"}) {
+    for (const auto& entry :
+         std::filesystem::directory_iterator(std::string(KZGIS_TEST_DATA_DIR) + directory)) {
+      if (entry.path().extension() == ".shp") found.emplace_back(entry.path());
+    }
+  }
+  return found;
+}
+
+/// A place between two fields of a record, in bytes of the file.
+struct Cut {
+  std::size_t place;
+  std::size_t record;
+  bool operator<(const Cut& other) const { return place < other.place; }
+};
+
+/// Adds `most` of the cuts at most, from all over them.  Their distance is odd: of two
+/// coordinates by turns, both are met.
+void add_some(std::vector<Cut>& chosen, const std::vector<Cut>& cuts, std::size_t most) {
+  const std::size_t step = (cuts.size() / most + 1) | 1U;
+  for (std::size_t i = 0; i < cuts.size(); i += step) chosen.push_back(cuts[i]);
+}
+
+/// Cuts at the fields of all records: those that every record has, the starts of parts, the
+/// coordinates.  In a large layer, some of each.
+std::vector<Cut> cuts_of(const RealLayer& layer) {
+  constexpr std::size_t kMost = 3000;  // of either
+  std::vector<Cut> fixed;
+  std::vector<Cut> arrays;
+  for (std::size_t record = 0; record < layer.starts.size(); ++record) {
+    const std::size_t start = layer.starts[record];
+    const std::size_t end = layer.end_of(record);
+    std::vector<std::size_t> fields{0, 4, 8, 12, 20};
+    if (layer.type != 1) fields.insert(fields.end(), {28, 36, 44});
+    if (layer.type == 3 || layer.type == 5) fields.push_back(48);
+    for (const std::size_t field : fields) fixed.push_back({start + field, record});
+    fixed.push_back({end, record});
+    if (layer.type == 1) continue;
+    std::size_t place = end - 16 * layer.points_of(record);
+    for (std::size_t part = start + 52; part < place; part += 4) arrays.push_back({part, record});
+    for (; place < end; place += 8) arrays.push_back({place, record});
+  }
+  std::vector<Cut> chosen;
+  add_some(chosen, fixed, kMost);
+  add_some(chosen, arrays, kMost);
+  std::sort(chosen.begin(), chosen.end());
+  return chosen;
 }
 
 TEST_F(ShapeDamageTest, ARealLayerCutAtAnyFieldGives11ThereAndAllBeforeIt) {
-  struct RealLayer {
-    const char* name;
-    std::int32_t type;
-  };
-  for (const RealLayer& layer :
-       {RealLayer{"ne/ne_110m_places", 1}, RealLayer{"wdb/pby", 3}, RealLayer{"ne/ne_110m_land", 5},
-        RealLayer{"ne/ne_50m_places_by_country", 8}}) {
-    const std::string source = std::string(KZGIS_TEST_DATA_DIR "/") + layer.name;
-    const std::string shp = bytes_of(source + ".shp");
-    const std::string shx = bytes_of(source + ".shx");
-    const std::string base = write(shp, shx);
+  const std::vector<RealLayer> layers = real_layers();
+  ASSERT_GE(layers.size(), 15U);
+  for (const RealLayer& layer : layers) {
+    ASSERT_TRUE(std::is_sorted(layer.starts.begin(), layer.starts.end())) << layer.name;
+    const std::string base = write(layer.shp, layer.shx);
     // From the back, so that each cut shortens the same file.
-    for (std::size_t n = (shx.size() - 100) / 8; n > 0; --n) {
-      const std::size_t record = 2 * big_at(shx, 100 + 8 * (n - 1));
-      const std::vector<std::size_t> starts = field_starts(shp, record, layer.type);
-      const std::size_t end = starts.back();
-      for (auto start = starts.rbegin(); start != starts.rend(); ++start) {
-        std::filesystem::resize_file(base + ".shp", record + *start);
-        KZ_GIS_ESRI_Shape_c shape(base.c_str());
-        ShapeRecord last;
-        ASSERT_EQ(shape.SeekToDataRecord(static_cast<kz_long>(n)), 1u);
-        ASSERT_EQ(read(shape, layer.type, last), *start < end ? 11u : 1u)
-            << layer.name << ", record " << n << " cut at byte " << *start;
-        const auto room = static_cast<kz_long>(*start);
-        ASSERT_LE(last.parts_capacity, room / 4);
-        ASSERT_LE(last.points_capacity, room / 16);
-      }
-      if (n == 1) break;
+    const std::vector<Cut> cuts = cuts_of(layer);
+    for (auto cut = cuts.rbegin(); cut != cuts.rend(); ++cut) {
+      SCOPED_TRACE(layer.name + ", record " + std::to_string(cut->record + 1) + " cut at byte " +
+                   std::to_string(cut->place));
+      std::filesystem::resize_file(base + ".shp", cut->place);
       KZ_GIS_ESRI_Shape_c shape(base.c_str());
-      ShapeRecord before;
-      ASSERT_EQ(shape.SeekToDataRecord(static_cast<kz_long>(n - 1)), 1u);
-      ASSERT_EQ(read(shape, layer.type, before), 1u) << layer.name << ", record " << n - 1;
+      const auto number = static_cast<kz_long>(cut->record + 1);
+      if (number > 1) {
+        ShapeRecord before;
+        ASSERT_EQ(shape.SeekToDataRecord(number - 1), 1u);
+        ASSERT_EQ(read(shape, layer.type, before), 1u);
+      }
+      ShapeRecord last;
+      ASSERT_EQ(shape.SeekToDataRecord(number), 1u);
+      ASSERT_EQ(read(shape, layer.type, last), cut->place < layer.end_of(cut->record) ? 11u : 1u);
+      const auto room = static_cast<kz_long>(cut->place - layer.starts[cut->record]);
+      ASSERT_LE(last.parts_capacity, room / 4);
+      ASSERT_LE(last.points_capacity, room / 16);
+    }
+  }
+}
+
+TEST_F(ShapeDamageTest, ARealIndexCutAtAnyFieldKnowsTheRecordsBeforeIt) {
+  for (const RealLayer& layer : real_layers()) {
+    const std::string base = write(layer.shp, layer.shx);
+    const std::size_t records = layer.starts.size();
+    std::vector<kz_ulong> points{0};  // in so many records from the first
+    for (std::size_t i = 0; i < records; ++i) {
+      points.push_back(points.back() + static_cast<kz_ulong>(layer.points_of(i)));
+    }
+    const std::size_t counted = 4 * (1 + records / 25);  // counts walk through all the index
+    for (std::size_t length = layer.shx.size(); length > 0;) {
+      length -= 4;
+      SCOPED_TRACE(layer.name + ", index cut at byte " + std::to_string(length));
+      std::filesystem::resize_file(base + ".shx", length);
+      KZ_GIS_ESRI_Shape_c shape(base.c_str());
+      ASSERT_EQ(shape.IndexFileIsOpen(), length < 100 ? 0 : 1);
+      ASSERT_EQ(shape.ShapeFileIsOpen(), length < 100 ? 0 : 1);
+      if (length < 100) continue;
+
+      kz_ulong count = 0;
+      ASSERT_EQ(shape.NumberOfDataRecords(&count), 1u);
+      ASSERT_EQ(count, records);
+      const std::size_t held = (length - 100) / 8;
+      const auto last = static_cast<kz_long>(held);
+      if (last > 0) {
+        ASSERT_EQ(shape.SeekToDataRecord(last), 1u);
+        ShapeRecord record;
+        ASSERT_EQ(read(shape, layer.type, record), 1u);
+        if (layer.type != 1) {
+          ASSERT_EQ(record.num_points, static_cast<kz_long>(layer.points_of(held - 1)));
+        }
+      }
+      if (layer.type != 1 && length % counted == 0) {
+        ASSERT_EQ(shape.NumberOfPoints(&count), 11u);
+        ASSERT_EQ(count, points[held]);
+      }
+      ASSERT_EQ(shape.SeekToDataRecord(last + 1), 2u);
     }
   }
 }

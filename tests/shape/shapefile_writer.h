@@ -182,8 +182,11 @@ class ShapefileTest : public testing::Test {
   /// Writes both files and gives the base name that opens them.
   std::string write(const std::string& shp, const std::string& shx,
                     const std::string& name = "layer") const {
-    write_file(path(name + ".shp"), shp);
-    write_file(path(name + ".shx"), shx);
+    // Anew: some hosts wait for the disk when a file is emptied and written again.
+    for (const auto& [ending, bytes] : {std::pair(".shp", &shp), std::pair(".shx", &shx)}) {
+      std::filesystem::remove(path(name + ending));
+      write_file(path(name + ending), *bytes);
+    }
     return path(name);
   }
   std::string write(const ShapefileWriter& writer, const std::string& name = "layer") const {
