@@ -6,16 +6,24 @@
 #include <cstdlib>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define KZGIS_HEAP_IS_OWNED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define KZGIS_HEAP_IS_OWNED
+#include "support/sanitized.h"
+
+// What those who replace the C heap call instead: glibc's own names for it, or the
+// address sanitizer's, which goes on finding leaks and overflows that way.
+// NOLINTBEGIN(bugprone-reserved-identifier)
+#ifdef KZGIS_ADDRESS_SANITIZER
+#define KZGIS_HEAP(name) __interceptor_##name
+#else
+#define KZGIS_HEAP(name) __libc_##name
 #endif
-#endif
-#if !defined(__GLIBC__)
-#define KZGIS_HEAP_IS_OWNED
-#endif
+
+extern "C" {
+void* KZGIS_HEAP(malloc)(std::size_t size);
+void* KZGIS_HEAP(calloc)(std::size_t count, std::size_t size);
+void* KZGIS_HEAP(realloc)(void* block, std::size_t size);
+void KZGIS_HEAP(free)(void* block);
+}
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 
@@ -25,7 +33,8 @@ bool failed = false;
 long live = 0;
 
 /// Counts one allocation; false when it is to fail.
-bool granted() {
+bool granted(std::size_t size) {
+  if (size > PTRDIFF_MAX) return false;  // as glibc says by itself; the sanitizer ends the program
   if (to_go < 0) return true;
   if (to_go > 0) {
     --to_go;
@@ -44,59 +53,23 @@ void* counted(void* block) {
 
 }  // namespace
 
-#ifdef KZGIS_HEAP_IS_OWNED
-
-const bool failing_memory::c_heap_fails = false;
-
-namespace {
-
-void* allocate(std::size_t size) {
-  if (size > PTRDIFF_MAX || !granted()) return nullptr;  // sanitizers refuse such sizes loudly
-  return counted(std::malloc(size == 0 ? 1 : size));
-}
-void release(void* block) {
-  if (block != nullptr) --live;
-  std::free(block);
-}
-
-}  // namespace
-
-#else
-
-const bool failing_memory::c_heap_fails = true;
-
-// The host's own, under the names that glibc gives them for those who replace them.
-// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
-void* __libc_malloc(std::size_t size);
-void* __libc_calloc(std::size_t count, std::size_t size);
-void* __libc_realloc(void* block, std::size_t size);
-void __libc_free(void* block);
-
-void* malloc(std::size_t size) { return granted() ? counted(__libc_malloc(size)) : nullptr; }
+void* malloc(std::size_t size) {
+  return granted(size) ? counted(KZGIS_HEAP(malloc)(size)) : nullptr;
+}
 void* calloc(std::size_t count, std::size_t size) {
-  return granted() ? counted(__libc_calloc(count, size)) : nullptr;
+  return granted(size) ? counted(KZGIS_HEAP(calloc)(count, size)) : nullptr;
 }
 void* realloc(void* block, std::size_t size) {
-  if (!granted()) return nullptr;
-  void* const grown = __libc_realloc(block, size);
+  if (!granted(size)) return nullptr;
+  void* const grown = KZGIS_HEAP(realloc)(block, size);
   return block == nullptr ? counted(grown) : grown;
 }
 void free(void* block) {
   if (block != nullptr) --live;
-  __libc_free(block);
+  KZGIS_HEAP(free)(block);
 }
 }
-// NOLINTEND(bugprone-reserved-identifier)
-
-namespace {
-
-void* allocate(std::size_t size) { return malloc(size == 0 ? 1 : size); }
-void release(void* block) { free(block); }
-
-}  // namespace
-
-#endif
 
 namespace failing_memory {
 
@@ -115,15 +88,19 @@ long live_blocks() { return live; }
 
 }  // namespace failing_memory
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return malloc(size == 0 ? 1 : size);
+}
 void* operator new(std::size_t size) {
-  void* const block = allocate(size);
+  void* const block = operator new(size, std::nothrow);
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
 void* operator new[](std::size_t size) { return operator new(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void operator delete(void* block) noexcept { release(block); }
-void operator delete[](void* block) noexcept { release(block); }
-void operator delete(void* block, std::size_t) noexcept { release(block); }
-void operator delete[](void* block, std::size_t) noexcept { release(block); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return operator new(size, std::nothrow);
+}
+void operator delete(void* block) noexcept { free(block); }
+void operator delete[](void* block) noexcept { free(block); }
+void operator delete(void* block, std::size_t) noexcept { free(block); }
+void operator delete[](void* block, std::size_t) noexcept { free(block); }
