@@ -5,8 +5,10 @@
 // the ACM 5 (1962).  Every comparison is exact.
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <new>
 
 #include "kzgis/polytree.h"
 #include "polytree/refused.h"
@@ -70,9 +72,10 @@ KZ_GIS_VertexList_c& KZ_GIS_PolygonNode_c::VertexList(KZ_GIS_VertexList_c& list)
 
 KZ_GIS_VertexList_c& KZ_GIS_PolygonNode_c::VertexList() const {
   if (list_ != nullptr) return *list_;
-  thread_local KZ_GIS_VertexList_c none(0, nullptr, nullptr);
-  none.SetVertices(0, nullptr, nullptr);  // whatever the last one asked has made of it
-  return none;
+  // Made anew each time, whatever the last one asked has made of it, and never destroyed:
+  // arranging for that at a thread's end takes memory, without which glibc ends the program.
+  alignas(KZ_GIS_VertexList_c) thread_local std::byte room[sizeof(KZ_GIS_VertexList_c)];
+  return *new (room) KZ_GIS_VertexList_c(0, nullptr, nullptr);
 }
 
 void KZ_GIS_PolygonNode_c::SetBounds(double xMin, double yMin, double xMax, double yMax) {

@@ -4,6 +4,7 @@
 
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "kzgis/mesh.h"
@@ -232,5 +233,17 @@ std::vector<Operation> meshes() {
 INSTANTIATE_TEST_SUITE_P(Nodes, FailingMemory, testing::ValuesIn(nodes()), name_of);
 INSTANTIATE_TEST_SUITE_P(Trees, FailingMemory, testing::ValuesIn(trees()), name_of);
 INSTANTIATE_TEST_SUITE_P(Meshes, FailingMemory, testing::ValuesIn(meshes()), name_of);
+
+TEST(PolygonNodeWithoutMemory, HasAVertexListInAThreadOfItsOwn) {
+  // Nothing that is made once per thread may need memory: glibc ends the program without.
+  kz_ulong vertices = 1;
+  std::thread([&vertices] {
+    KZ_GIS_PolygonNode_c node;
+    failing_memory::fail_from(0, true);
+    vertices = node.VertexList().NumberOfVertices();
+    EXPECT_FALSE(failing_memory::succeed());
+  }).join();
+  EXPECT_EQ(vertices, 0U);
+}
 
 }  // namespace
