@@ -23,7 +23,10 @@
 // An object serves one thread at a time; different ones serve different threads at once.
 // Their messages may mix.
 //
-// Opening and texts throw `std::bad_alloc` without memory; the object can open a file again.
+// Without memory, opening answers as for a file that cannot be opened, or throws
+// `std::bad_alloc`; what reads a field other than a character, or hands out a text, throws; and
+// elevations that find no room are a failure of `readRecord`.  Nothing else needs memory.  The
+// object can open a file again after each of these.
 
 namespace kzgis::dem {
 

@@ -14,7 +14,9 @@
 #include "kzgis/types.h"
 
 // A USGS DEM as one grid of elevations, the numbers taken as they are meant.  Nothing here is
-// shared: any number of threads may call at once.
+// shared: any number of threads may call at once.  Without memory the error is of kind
+// `ErrorKind::out_of_memory`, or `cannot_read` where the host could not make a stream for the
+// file; reading does not throw, and asking a grid needs no memory.
 
 namespace kzgis {
 

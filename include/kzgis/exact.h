@@ -10,7 +10,7 @@
 // After J. R. Shewchuk, "Adaptive Precision Floating-Point Arithmetic and Fast Robust
 // Geometric Predicates", Discrete & Computational Geometry 18 (1997): double arithmetic where
 // its error bound settles the sign, an exact sum of the rounding errors where it does not.
-// Nothing is shared: any number of threads may call at once.
+// Nothing is shared: any number of threads may call at once.  Only `sign_of_sum` needs memory.
 
 namespace kzgis::exact {
 

@@ -28,7 +28,7 @@ KZGIS_EXPORT char* FILEmap_variables(const char* name, char* buffer);
 /// Where the host separates directories by '/', every backslash of the expanded path
 /// is then turned into one.  A named pipe is refused (see kzgis::is_named_pipe).
 ///
-/// Throws `std::bad_alloc` where `FILEmap_variables` does.
+/// Without memory it throws `std::bad_alloc`, or cannot open the file.
 ///
 /// @return a stream that the caller closes with `std::fclose`; null when the path does
 ///         not fit 1024 bytes or the file cannot be opened

@@ -33,7 +33,8 @@ enum direction {
 /// degrees, minutes, seconds; each component carries its own sign, so 45d 30m south
 /// is (-45, -30, 0).
 ///
-/// Points share nothing: several threads may work on different ones at once.
+/// Points share nothing: several threads may work on different ones at once.  None of their
+/// operations needs memory.
 class KZGIS_EXPORT LatLon {
  public:
   /// From whole arc-seconds: an argument of any integer type counts as arc-seconds.

@@ -9,7 +9,8 @@
 #include "kzgis/types.h"
 
 // Polygons as they come in real files, nested and triangulated.  Nothing here is shared:
-// any number of threads may call at once.
+// any number of threads may call at once.  Without memory the flaw is of kind
+// `ErrorKind::out_of_memory`; nothing throws.
 
 namespace kzgis {
 

@@ -15,6 +15,9 @@ class Nesting;
 // triangles.  Statuses are those of kzgis/types.h; here 2 means refused.  No output
 // address may be null.
 //
+// Nothing here throws.  Without memory a status is 14, and what has none to give is left
+// empty, as its class says; what says nothing of memory needs none.
+//
 // A tree with all its nodes serves one thread at a time, since even questions compute boxes
 // that were not set; different trees serve different threads at once.  The exception is
 // `KZ_GIS_PolygonTree_c::Triangulate`: of it, and of all that uses the tables of
@@ -107,13 +110,13 @@ class KZGIS_EXPORT KZ_GIS_TreeNode_c {
 ///
 /// A ring may be open or end with a vertex that repeats the first; that makes no
 /// difference to any answer.  The vertex list is borrowed.  An index that the vertex list
-/// does not have stands for a vertex that is not a number.
+/// does not have stands for a vertex that is not a number.  A node that finds no memory for a
+/// copy of indices, by construction, copy or assignment, has no indices.
 class KZGIS_EXPORT KZ_GIS_PolygonNode_c : public KZ_GIS_TreeNode_c {
  public:
   /// A node without vertex list and indices; its box is all zeros.
   KZ_GIS_PolygonNode_c() = default;
-  /// Refers to `list`, copies the indices and stores the box as given.  Where the copy
-  /// finds no memory the node has no indices.
+  /// Refers to `list`, copies the indices and stores the box as given.
   KZ_GIS_PolygonNode_c(KZ_GIS_VertexList_c& list, kz_ulong count, const kz_ulong* indices,
                        double xMin, double yMin, double xMax, double yMax);
   /// Copies all but the tree links: the copy has neither parent nor children.
@@ -214,7 +217,7 @@ class KZGIS_EXPORT KZ_GIS_PolygonTree_c {
                        const kz_ulong* polygonStarts, kz_ulong totalVertices, const double* x,
                        const double* y);
   /// Copies deeply, except for the borrowed coordinates.  Without memory for it the copy
-  /// is empty.
+  /// is empty, the target of an assignment too.
   KZ_GIS_PolygonTree_c(const KZ_GIS_PolygonTree_c& other);
   KZ_GIS_PolygonTree_c& operator=(const KZ_GIS_PolygonTree_c& other);
   virtual ~KZ_GIS_PolygonTree_c();

@@ -67,8 +67,11 @@ struct ProjectionTestAccess;
 /// forward projections read; the inverses store theirs in the geographic point
 /// (`fetchLLCoordinates()->fetchAltitude()`) and leave the object's alone.
 ///
-/// Construction, copies and whatever hands out world coordinates throw `std::bad_alloc`
-/// without memory; the object stays usable.
+/// World coordinates take memory, and so do names: without it `std::bad_alloc` is thrown by
+/// copies, by whatever stores world coordinates where there are none yet or hands them out as
+/// an array, by `setLLCoordinates` and all forms of `FromTo`, and by the operations that take
+/// or give a name.  The object stays usable; a pointer to an array that was passed in is null
+/// or as it was.  Everything else, each inverse called by itself included, needs no memory.
 ///
 /// One thread at a time; different objects serve different threads at once.  Refusals go to
 /// `std::cerr`, where lines of several threads may mix.

@@ -20,7 +20,8 @@ inline constexpr kz_long multi_point = 8;
 ///
 /// It borrows the stream that it reads from and the name that it prints; both must
 /// outlive their use, and copies share them.  Its numbers are 0 until they are read.
-/// Headers with streams of their own serve different threads at once.
+/// Headers with streams of their own serve different threads at once.  Nothing here needs
+/// memory.
 /// The results are the statuses of kzgis/types.h.
 class KZGIS_EXPORT KZ_GIS_ESRI_ShapeHeader_c {
  public:
@@ -105,6 +106,9 @@ class KZGIS_EXPORT KZ_GIS_ESRI_ShapeHeader_c {
 /// what was there stored and capacities that name what was really allocated, so after
 /// 11 the capacity may be less than the count.
 ///
+/// Nothing here throws.  Without memory a file cannot be opened, by whatever operation, and an
+/// output array gives 14; nothing else needs memory.
+///
 /// One thread at a time; different objects, of the same files too, serve different threads
 /// at once.
 class KZGIS_EXPORT KZ_GIS_ESRI_Shape_c {
@@ -125,8 +129,7 @@ class KZGIS_EXPORT KZ_GIS_ESRI_Shape_c {
   ///
   /// Path variables are expanded (see FILEmap_variables), then an ending ".shp",
   /// ".shx" or ".dbf", in lower case, is cut off: what is left is the base name.  The
-  /// headers are read, not judged: `ShapeHeader().ValidateFileHeader()` does that.  Without
-  /// memory a file cannot be opened.
+  /// headers are read, not judged: `ShapeHeader().ValidateFileHeader()` does that.
   ///
   /// @param name  null closes both files; may be a name that this object gave
   /// @return the base name, kept by the object until its next `FileName`; an empty

@@ -3,6 +3,8 @@
 
 #include "kzgis/export.h"
 
+// Neither installing a handler nor reporting to it needs memory.
+
 /// Receives progress reports.
 ///
 /// @param percent  as reported: reports are passed on as they come, and may leave 0 to 100

@@ -19,6 +19,9 @@
 /// The plain functions at the top work on tables of the whole process, exported too, so
 /// only one of them may run at a time, `print_error` and the comparisons of points apart.
 /// The same algorithm without that state is `kzgis::triangulation::Workspace`, at the end.
+///
+/// Of all that is declared here only `bounded_by` throws.  What needs memory says what it gives
+/// without.
 namespace kzgis::triangulation {
 
 struct Point {
@@ -164,8 +167,9 @@ KZGIS_EXPORT kz_long math_N(kz_long n, kz_long h);
 /// value falls below 1, less one; -1 when n < 1.
 KZGIS_EXPORT kz_long math_logstar_n(kz_long n);
 
-/// Formatted print, as by `std::printf`, to standard error.
-/// @return number of characters written
+/// Formatted print, as by `std::printf`, to standard error.  Texts of 256 characters and more
+/// need memory: without it their first 255 are printed.
+/// @return number of characters of the whole text
 [[gnu::format(printf, 1, 2)]] KZGIS_EXPORT kz_long print_error(const char* format, ...);
 
 // Order of points: by y, and by x where the two heights are no more than 1e-7 apart.
@@ -286,6 +290,7 @@ namespace kzgis::triangulation {
 /// @param contours   number of vertices of each contour
 /// @param triangles  three vertex numbers each, counted from 0, contour after contour;
 ///                   with a number that is no vertex's the answer is no
+/// Throws `std::bad_alloc` without memory.
 KZGIS_EXPORT bool bounded_by(std::span<const kz_long> contours, std::span<const kz_long> triangles);
 
 /// How `Workspace::run` ended.
@@ -305,7 +310,8 @@ struct Result {
 ///
 /// Workspaces are independent of each other and of the process-wide tables: as many threads
 /// may triangulate at once as there are workspaces.  One used again keeps most of its
-/// memory.  At its peak a run takes some 500 bytes per vertex, out of an address space of 1100.
+/// memory, and takes no memory before its first run.  At its peak a run takes some 500 bytes per
+/// vertex, out of an address space of 1100.
 class KZGIS_EXPORT Workspace {
  public:
   Workspace();
@@ -313,7 +319,8 @@ class KZGIS_EXPORT Workspace {
   Workspace(Workspace&& other) noexcept;
   Workspace& operator=(Workspace&& other) noexcept;
 
-  /// Triangulates one outer boundary with its holes; prints nothing and does not throw.
+  /// Triangulates one outer boundary with its holes; prints nothing.  After
+  /// `Outcome::out_of_memory` the workspace serves again.
   ///
   /// The input is that of `triangulate_polygon`, except that vertices and their numbers
   /// count from 0.  What is `complete` has been checked, exactly: the number of triangles,

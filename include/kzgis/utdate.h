@@ -6,7 +6,7 @@
 #include "kzgis/export.h"
 
 /// A date as three numbers, kept as given: nothing is tested or normalised.  Any number of
-/// threads may read one.
+/// threads may read one, and nothing of it needs memory.
 class KZGIS_EXPORT UtDate {
  public:
   UtDate(short year, short month, short day);

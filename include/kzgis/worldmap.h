@@ -93,6 +93,13 @@ KZGIS_EXPORT void increment(infoLevels& level);
 /// An enumerator past its last member is safe: it reads as empty, 0 or the collection of
 /// `Plates`, and writes nothing.
 ///
+/// Without memory the constructors, `readData` and the operations that give or take a name
+/// throw `std::bad_alloc`; a name that could not be replaced stays, and a map whose loading
+/// threw keeps what it had loaded and can load again.  Where memory runs out inside a file,
+/// `readData` may end that file instead, with a line on standard error that begins with
+/// "CIA: Out of memory ", or take the file for one that cannot be opened.  Nothing else needs
+/// memory.
+///
 /// One thread at a time; different maps serve different threads at once, if the handler of
 /// progress bears it.  Messages of several threads may mix.
 class KZGIS_EXPORT WorldMap {
@@ -165,7 +172,11 @@ class KZGIS_EXPORT WorldMap {
   ///
   /// A file that cannot be opened or read does not stop the others; what was read from
   /// it stays.  A named pipe cannot be opened (see kzgis::is_named_pipe).  A damaged file is
-  /// reported on standard error, in a line that begins with "CIA: ".
+  /// reported on standard error, in a line that begins with "CIA: ".  Without memory for its
+  /// dictionary, a polyline or a point, a file ends with one of these lines, "CIA: Out of
+  /// memory " and "initializing dictionary", "preparing new polyline", "instancing new
+  /// polyline", "instancing new map point" or "instancing new map point 2"; the polyline at
+  /// hand is dropped.
   void readData();
 
  private:

@@ -3,11 +3,13 @@
 #include "kzgis/triangulate.h"
 
 #include <array>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "kzgis/exact.h"
 #include "memory/failing.h"
+#include "support/capture.h"
 
 namespace {
 
@@ -211,6 +213,15 @@ std::vector<Operation> operations() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Triangulate, FailingMemory, testing::ValuesIn(operations()), name_of);
+
+TEST(PrintErrorWithoutMemory, PrintsTheFirst255Characters) {
+  const FixedCapture err;
+  failing_memory::fail_from(0, true);
+  const kz_long length = print_error("%s%300d\n", "begin", 7);
+  EXPECT_TRUE(failing_memory::succeed());
+  EXPECT_EQ(length, 306);
+  EXPECT_EQ(err.text(), "begin" + std::string(250, ' '));
+}
 
 TEST(WorkspaceWithoutMemory, TriangulatesAgain) {
   using kzgis::triangulation::Workspace;

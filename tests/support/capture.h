@@ -3,8 +3,10 @@
 #ifndef KZGIS_TESTS_SUPPORT_CAPTURE_H
 #define KZGIS_TESTS_SUPPORT_CAPTURE_H
 
+#include <array>
 #include <iostream>
 #include <sstream>
+#include <streambuf>
 #include <string>
 
 class StreamCapture {
@@ -28,6 +30,23 @@ struct StderrCapture : StreamCapture {
 };
 struct StdoutCapture : StreamCapture {
   StdoutCapture() : StreamCapture(std::cout) {}
+};
+
+/// Captures the first thousand characters of standard error, without memory.
+class FixedCapture : private std::streambuf {
+ public:
+  FixedCapture() : saved_(std::cerr.rdbuf(this)) {
+    setp(room_.data(), room_.data() + room_.size());
+  }
+  ~FixedCapture() override { std::cerr.rdbuf(saved_); }
+  FixedCapture(const FixedCapture&) = delete;
+  FixedCapture& operator=(const FixedCapture&) = delete;
+
+  std::string text() const { return {pbase(), pptr()}; }
+
+ private:
+  std::array<char, 1000> room_{};
+  std::streambuf* saved_;
 };
 
 #endif

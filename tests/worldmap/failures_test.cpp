@@ -5,14 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
-#include <iostream>
 #include <memory>
 #include <new>
 #include <set>
 #include <sstream>
-#include <streambuf>
 #include <string>
 #include <vector>
 
@@ -77,23 +74,6 @@ std::vector<Outcome> fail_each_allocation(Operation operation) {
 }
 
 const std::vector<Outcome> kThrowsOnce{Outcome::threw};
-
-/// Captures standard error without memory.
-class FixedCapture : private std::streambuf {
- public:
-  FixedCapture() : saved_(std::cerr.rdbuf(this)) {
-    setp(room_.data(), room_.data() + room_.size());
-  }
-  ~FixedCapture() override { std::cerr.rdbuf(saved_); }
-  FixedCapture(const FixedCapture&) = delete;
-  FixedCapture& operator=(const FixedCapture&) = delete;
-
-  std::string text() const { return {pbase(), pptr()}; }
-
- private:
-  std::array<char, 1000> room_{};
-  std::streambuf* saved_;
-};
 
 class WorldMapFailures : public BankTest {
  protected:
