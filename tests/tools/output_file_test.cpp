@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <csignal>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -25,8 +27,9 @@ class OutputFileTest : public ::testing::Test {
   }
   void TearDown() override { std::filesystem::remove_all(directory_); }
 
-  std::string contents() const {
-    std::ifstream file(path_);
+  std::string contents() const { return contents(path_); }
+  static std::string contents(const std::string& path) {
+    std::ifstream file(path);
     return {std::istreambuf_iterator<char>(file), {}};
   }
   long files() const { return std::distance(std::filesystem::directory_iterator(directory_), {}); }
@@ -78,6 +81,60 @@ TEST_F(OutputFileTest, ReportsAFullDevice) {
   OutputFile output("/dev/full");
   output.stream() << "text";
   EXPECT_THROW(output.commit(), CommandError);
+}
+
+/// Three files, written and not yet committed, that are parts of one output.
+class OutputFilesTest : public OutputFileTest {
+ protected:
+  void SetUp() override {
+    OutputFileTest::SetUp();
+    for (const char* const name : {"a", "b", "c"}) {
+      OutputFile& output = outputs_.emplace_back((directory_ / name).string(), "abc");
+      output.stream() << "whole " << name;
+      output.finish();
+    }
+  }
+  bool there(const char* name) const { return std::filesystem::exists(directory_ / name); }
+
+  std::deque<OutputFile> outputs_;
+};
+
+TEST_F(OutputFilesTest, AppearTogether) {
+  EXPECT_FALSE(there("a") || there("b") || there("c"));
+  OutputFile::commit_together(outputs_);
+  outputs_.clear();
+  EXPECT_EQ(contents((directory_ / "a").string()), "whole a");
+  EXPECT_EQ(contents((directory_ / "c").string()), "whole c");
+  EXPECT_EQ(files(), 3);
+}
+
+TEST_F(OutputFilesTest, LeaveNothingBehindOtherwise) {
+  outputs_.pop_front();
+  outputs_.pop_back();
+  EXPECT_EQ(files(), 1);
+  outputs_.clear();
+  EXPECT_EQ(files(), 0);
+}
+
+TEST_F(OutputFilesTest, SayWhichCouldNotBeRenamed) {
+  std::filesystem::create_directory(directory_ / "b");
+  try {
+    OutputFile::commit_together(outputs_);
+    FAIL() << "renamed to a directory";
+  } catch (const CommandError& error) {
+    EXPECT_EQ(std::string(error.what()),
+              (directory_ / "b").string() + ": cannot be written: Is a directory; what was " +
+                  "written up to " + (directory_ / "a").string() + " stays");
+  }
+  outputs_.clear();
+  EXPECT_EQ(files(), 2);
+  EXPECT_FALSE(there("c"));
+}
+
+TEST_F(OutputFilesTest, AreAllRemovedByASignal) {
+  ASSERT_EXIT(::raise(SIGTERM), ::testing::KilledBySignal(SIGTERM),
+              "^kzgis: abc: not written: stopped by a signal\n$");
+  EXPECT_EQ(files(), 0);
 }
 
 }  // namespace

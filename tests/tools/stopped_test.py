@@ -25,6 +25,8 @@ WAYS = [
     (["map", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".png"),
     (["project", "--to", "mercator", "TABLE", "-o", "OUT"], ".csv"),
     (["pack", DATA / "wdb/riv.shp", "OUT"], ""),
+    # The limit stops the fourth of its five files, when three are whole.
+    (["pack", DATA / "wdb/pby.shp", "OUT"], ""),
 ]
 
 problems = []
@@ -43,6 +45,19 @@ def files_in(directory):
     return sorted(p.name for p in directory.rglob("*") if p.is_file())
 
 
+def temporary_files(directory):
+    return [p for p in directory.rglob("*") if ".part" in p.name]
+
+
+def wait_until(condition, otherwise):
+    deadline = time.monotonic() + TIMEOUT_S
+    while not condition():
+        if time.monotonic() > deadline:
+            problems.append(otherwise)
+            return
+        time.sleep(0.01)
+
+
 @contextlib.contextmanager
 def writing(directory, **how):
     """A run that has begun to write OUT.csv and waits for more input."""
@@ -51,13 +66,8 @@ def writing(directory, **how):
                            stderr=subprocess.PIPE, **how)
     run.stdin.write(b"48.2,16.4\n" * 10000)
     run.stdin.flush()
-    deadline = time.monotonic() + TIMEOUT_S
-    while time.monotonic() < deadline:
-        if any(".part" in p.name and p.stat().st_size > 100000 for p in directory.iterdir()):
-            break
-        time.sleep(0.01)
-    else:
-        problems.append("no temporary file appears")
+    wait_until(lambda: any(p.stat().st_size > 100000 for p in temporary_files(directory)),
+               "no temporary file appears")
     yield run
     run.stdin.close()
     run.stderr.close()
@@ -82,6 +92,26 @@ def signals_remove_the_temporary_file():
                        f"{number.name}: leaves {files_in(directory)}")
                 expect(not former or out.read_text(encoding="ascii") == former,
                        f"{number.name}: the former file is lost")
+
+
+def signals_remove_every_file_of_a_bank():
+    """The last file of the bank is a pipe: the run waits for its reader, four files written."""
+    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        with tempfile.TemporaryDirectory() as tmp:
+            bank = pathlib.Path(tmp) / "bank"
+            (bank / "samer.Map").mkdir(parents=True)
+            os.mkfifo(bank / "samer.Map/pby.cbd")
+            with subprocess.Popen([KZGIS, "pack", DATA / "wdb/pby.shp", bank],
+                                  stdout=subprocess.DEVNULL, stderr=subprocess.PIPE) as run:
+                wait_until(lambda: sum(1 for p in temporary_files(bank) if p.stat().st_size) == 4,
+                           "pack writes no four temporary files")
+                run.send_signal(number)
+                code = run.wait(TIMEOUT_S)
+                said = run.stderr.read().decode()
+            expect(code == -number, f"pack, {number.name}: exit code {code}")
+            expect(said == f"kzgis: {bank}: not written: stopped by a signal\n",
+                   f"pack, {number.name}: says {said!r}")
+            expect(files_in(bank) == [], f"pack, {number.name}: leaves {files_in(bank)}")
 
 
 def ignored_signals_stay_ignored():
@@ -143,6 +173,7 @@ def main():
         table = pathlib.Path(tmp) / "table.csv"
         table.write_text("48.2,16.37\n" * 10000, encoding="ascii")
         signals_remove_the_temporary_file()
+        signals_remove_every_file_of_a_bank()
         ignored_signals_stay_ignored()
         limits_of_file_size(table)
         if os.geteuid() == 0:

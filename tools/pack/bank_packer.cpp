@@ -2,8 +2,10 @@
 
 #include <cmath>
 #include <cstdio>
+#include <deque>
 #include <filesystem>
 #include <span>
+#include <sstream>
 #include <vector>
 
 #include "tools/databank/names.h"
@@ -86,6 +88,8 @@ void BankPacker::write(const std::string& directory, std::ostream& summary) cons
   std::uint64_t segments = 0;
   std::uint64_t points = 0;
   std::uintmax_t bytes = 0;
+  std::deque<OutputFile> outputs;
+  std::ostringstream lines;
   for (std::size_t c = 0; c < NumMapSections; ++c) {
     for (std::size_t t = 0; t < themes_.size(); ++t) {
       if (!themes_[t].packed) continue;
@@ -95,19 +99,20 @@ void BankPacker::write(const std::string& directory, std::ostream& summary) cons
           databank::theme_file(static_cast<overlaySections>(t));
       const auto path = std::filesystem::path(directory) / place;
       make_directory(path.parent_path());
-      OutputFile output(path.string());
+      OutputFile& output = outputs.emplace_back(path.string(), directory);
       writer.write(output.stream());
-      output.commit();
-      summary << place.string() << ": " << writer.segments() << " segments, " << writer.points()
-              << " points, " << writer.bytes() << " bytes\n";
+      output.finish();
+      lines << place.string() << ": " << writer.segments() << " segments, " << writer.points()
+            << " points, " << writer.bytes() << " bytes\n";
       ++files;
       segments += writer.segments();
       points += writer.points();
       bytes += writer.bytes();
     }
   }
-  summary << directory << ": " << files << " files, " << segments << " segments, " << points
-          << " points, " << bytes << " bytes";
+  OutputFile::commit_together(outputs);
+  summary << lines.str() << directory << ": " << files << " files, " << segments << " segments, "
+          << points << " points, " << bytes << " bytes";
   if (shape_bytes_ > 0) {
     summary << " (" << (bytes * 100 + shape_bytes_ / 2) / shape_bytes_ << " % of the shapefiles' "
             << shape_bytes_ << ')';

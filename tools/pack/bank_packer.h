@@ -29,7 +29,7 @@ class BankPacker {
   void add_file(const std::string& file, const LabelSources& sources);
 
   /// Writes the five files of every theme that has a line, those without one too: what an
-  /// earlier run left there belongs to an earlier bank.
+  /// earlier run left there belongs to an earlier bank.  All of them appear or none.
   ///
   /// @param summary  receives a line for each file, and the sums
   /// Throws `CommandError`.

@@ -22,13 +22,14 @@ std::string ending_of(const std::string& path) {
   return dot != std::string::npos && path[dot] == '.' ? path.substr(dot + 1) : std::string();
 }
 
+// A list of them that a signal handler can walk: it changes only while the signals wait.
 struct OutputFile::Unfinished {
   std::string path;
   std::string line;  // written when it is removed
+  Unfinished* former = nullptr;
 
-  // The handler takes it from here, and nothing else that is not constant.
-  static inline std::atomic<const Unfinished*> latest{nullptr};
-  static_assert(std::atomic<const Unfinished*>::is_always_lock_free);
+  static inline std::atomic<Unfinished*> latest{nullptr};
+  static_assert(std::atomic<Unfinished*>::is_always_lock_free);
 };
 
 namespace {
@@ -61,11 +62,13 @@ class SignalsWait {
 
 /// Calls nothing that a signal handler may not.
 void OutputFile::remove_unfinished(int signal_number) {
-  if (const Unfinished* const file = Unfinished::latest.exchange(nullptr)) {
+  const Unfinished* const latest = Unfinished::latest.exchange(nullptr);
+  for (const Unfinished* file = latest; file != nullptr; file = file->former) {
     ::unlink(file->path.c_str());
-    if (::write(STDERR_FILENO, file->line.data(), file->line.size()) < 0) {
-      // Nobody is left to be told.
-    }
+  }
+  // Files that are open together are parts of one output, and their lines the same.
+  if (latest != nullptr && ::write(STDERR_FILENO, latest->line.data(), latest->line.size()) < 0) {
+    // Nobody is left to be told.
   }
   // The handler is in place for one signal: this one, delivered on return, ends the process.
   ::raise(signal_number);
@@ -92,24 +95,40 @@ void OutputFile::handle_signals() {
   set_unless_changed(SIGXFSZ, action);
 }
 
-OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
+/// Makes the temporary file known to the signal handler.
+void OutputFile::enlist(const std::string& whole) {
+  const std::string over_progress = ::isatty(STDERR_FILENO) != 0 ? "\r\x1b[K" : "";
+  unfinished_ = std::make_unique<Unfinished>(Unfinished{
+      temporary_path_, over_progress + report_line(whole + ": not written: stopped by a signal")});
+  const SignalsWait until_it_is_linked;
+  unfinished_->former = Unfinished::latest.exchange(unfinished_.get());
+}
+
+/// The temporary file is gone, by name at least.
+void OutputFile::strike_out() {
+  const SignalsWait until_it_is_unlinked;
+  if (Unfinished::latest == unfinished_.get()) {
+    Unfinished::latest = unfinished_->former;
+  } else {
+    Unfinished* later = Unfinished::latest;
+    while (later->former != unfinished_.get()) later = later->former;
+    later->former = unfinished_->former;
+  }
+  unfinished_.reset();
+}
+
+OutputFile::OutputFile(std::string path, const std::string& whole) : path_(std::move(path)) {
   if (path_ == "-") return;
   // A device or a pipe cannot be replaced by a rename: it is written as it stands.
   struct stat info {};
   const bool replaceable = ::stat(path_.c_str(), &info) != 0 || S_ISREG(info.st_mode);
   temporary_path_ = replaceable ? path_ + ".part" + std::to_string(::getpid()) : path_;
   handle_signals();
-  if (replaceable) {
-    const std::string over_progress = ::isatty(STDERR_FILENO) != 0 ? "\r\x1b[K" : "";
-    unfinished_ = std::make_unique<const Unfinished>(
-        Unfinished{temporary_path_,
-                   over_progress + report_line(path_ + ": not written: stopped by a signal")});
-    Unfinished::latest = unfinished_.get();
-  }
+  if (replaceable) enlist(whole);
   file_.open(temporary_path_, std::ios::binary | std::ios::trunc);
   if (!file_) {
     const int why = errno;
-    Unfinished::latest = nullptr;
+    if (unfinished_ != nullptr) strike_out();
     throw CommandError(path_ + ": cannot be written: " + std::strerror(why));
   }
 }
@@ -117,12 +136,13 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
 OutputFile::~OutputFile() {
   if (unfinished_ == nullptr) return;
   std::remove(temporary_path_.c_str());
-  Unfinished::latest = nullptr;
+  strike_out();
 }
 
 std::ostream& OutputFile::stream() { return to_standard_output() ? std::cout : file_; }
 
-void OutputFile::commit() {
+void OutputFile::finish() {
+  if (std::exchange(finished_, true)) return;
   const bool failed = !stream();
   errno = 0;
   if (failed && unfinished_ != nullptr) {
@@ -137,13 +157,31 @@ void OutputFile::commit() {
     const std::string reason = errno != 0 ? std::strerror(errno) : "the write failed";
     throw CommandError(name + ": could not be written whole: " + reason);
   }
-  if (unfinished_ == nullptr) return;
+}
+
+/// Returns false, and errno says why, when the file keeps its temporary name.
+bool OutputFile::rename() {
+  if (unfinished_ == nullptr) return true;
+  if (std::rename(temporary_path_.c_str(), path_.c_str()) != 0) return false;
+  strike_out();
+  return true;
+}
+
+void OutputFile::commit() {
+  finish();
   const SignalsWait until_it_is_known_which;
-  if (std::rename(temporary_path_.c_str(), path_.c_str()) != 0) {
-    throw CommandError(path_ + ": cannot be written: " + std::strerror(errno));
+  if (!rename()) throw CommandError(path_ + ": cannot be written: " + std::strerror(errno));
+}
+
+void OutputFile::commit_together(std::deque<OutputFile>& files) {
+  for (OutputFile& file : files) file.finish();
+  const SignalsWait until_all_are_there;
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    if (files[i].rename()) continue;
+    std::string why = files[i].path_ + ": cannot be written: " + std::strerror(errno);
+    if (i > 0) why += "; what was written up to " + files[i - 1].path_ + " stays";
+    throw CommandError(why);
   }
-  Unfinished::latest = nullptr;
-  unfinished_.reset();
 }
 
 }  // namespace kzgis::tools
