@@ -2,6 +2,9 @@
 
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <iostream>
+#include <new>
+#include <stdexcept>
 #include <string>
 
 #include "tools/dem/dem_command.h"
@@ -57,13 +60,27 @@ int run(int argc, const char* const* argv) {
   return exit_code;
 }
 
+/// Throws when memory runs out, and nothing else.
+int run_and_report(int argc, const char* const* argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::length_error&) {
+    throw std::bad_alloc();  // no memory could be as large as was asked for
+  } catch (const std::exception& error) {
+    report(error.what());
+    return kFailed;
+  }
+}
+
 }  // namespace
 
 int run_command(int argc, const char* const* argv) {
   try {
-    return run(argc, argv);
-  } catch (const std::exception& error) {
-    report(error.what());
+    return run_and_report(argc, argv);
+  } catch (const std::bad_alloc&) {
+    std::cerr << "kzgis: out of memory\n";  // which takes none, unlike report
     return kFailed;
   }
 }

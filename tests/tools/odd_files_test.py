@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """odd_files_test.py KZGIS DATA_DIR MEMORY_MIB: inputs and outputs that are no ordinary files.
 
-Whatever stands where a file is expected, the command ends within seconds, says one line
-on standard error that begins with "kzgis: ", answers 1 or 2, and leaves no output behind,
-whole or half.  MEMORY_MIB bounds its address space; 0 for no bound.
+Whatever stands where a file is expected, the command ends soon and without much memory,
+says one line on standard error that begins with "kzgis: ", answers 1 or 2, and leaves no
+output behind, whole or half.  MEMORY_MIB bounds its address space, for safety; 0 for a
+sanitizer's program, whose time and memory say nothing.
 """
 import gzip
 import os
@@ -17,7 +18,9 @@ import tempfile
 KZGIS = sys.argv[1]
 DATA = pathlib.Path(sys.argv[2])
 MEMORY_MIB = int(sys.argv[3])
-TIMEOUT_S = 60  # a sanitizer's program on a busy machine; what hangs, hangs for ever
+TIMEOUT_S = 20  # a sanitizer's program on a busy machine; what hangs, hangs for ever
+MOST_RESIDENT_MIB = 64  # a map of a sound file takes 13
+MOST_CPU_S = 1.0        # it takes 0.1
 NOBODY = 65534
 
 PACKED_AS = ["--theme", "river", "--continent", "europe", "--level", "@RANK"]
@@ -59,7 +62,9 @@ def run(arguments, stdout=subprocess.DEVNULL, as_nobody=False):
 def expect_refused(what, arguments, directory, **how):
     """Runs and expects one line, exit code 1 or 2, and the directory as it was."""
     before = sorted(directory.rglob("*"))
+    used_before = resource.getrusage(resource.RUSAGE_CHILDREN)
     done = run(arguments, **how)
+    used = resource.getrusage(resource.RUSAGE_CHILDREN)
     if done is None:
         problems.append(f"{what}: does not end")
         return
@@ -68,6 +73,16 @@ def expect_refused(what, arguments, directory, **how):
         problems.append(f"{what}: exit code {done.returncode}: {said[:300]}")
     elif not said.startswith("kzgis: ") or said.count("\n") != 1 or not said.endswith("\n"):
         problems.append(f"{what}: says {said[:600]!r}")
+    elif "out of memory" in said or "std::" in said:
+        problems.append(f"{what}: is taken for something large: {said!r}")
+    if MEMORY_MIB:
+        # The largest child so far: this one, when it grew.
+        resident_mib = used.ru_maxrss >> 10
+        if used.ru_maxrss > used_before.ru_maxrss and resident_mib > MOST_RESIDENT_MIB:
+            problems.append(f"{what}: takes {resident_mib} MiB")
+        cpu_s = (used.ru_utime + used.ru_stime) - (used_before.ru_utime + used_before.ru_stime)
+        if cpu_s > MOST_CPU_S:
+            problems.append(f"{what}: takes {cpu_s:.1f} s")
     left = [str(p) for p in sorted(directory.rglob("*")) if p not in before]
     # pack makes its directories before their files.
     left = [p for p in left if not (arguments[0] == "pack" and os.path.isdir(p))]
@@ -230,6 +245,19 @@ def sound_inputs(made):
                 problems.append(f"{arguments}: {done}")
 
 
+def more_than_memory():
+    """A file that is rightly larger than the memory there is."""
+    if not MEMORY_MIB:
+        return
+    with tempfile.TemporaryDirectory() as tmp:
+        path = pathlib.Path(tmp) / "large.cbd"
+        with open(path, "wb") as file:
+            file.truncate(2 * MEMORY_MIB << 20)
+        done = run(["info", str(path)])
+        if done is None or (done.returncode, done.stderr) != (1, b"kzgis: out of memory\n"):
+            problems.append(f"a file larger than memory: {done}")
+
+
 def can_nobody_run():
     try:
         done = run(["--version"], as_nobody=True)
@@ -247,6 +275,7 @@ def main():
         make_sound_inputs(made)
         for group in (sound_inputs, odd_inputs, odd_names, odd_outputs):
             group(made)
+    more_than_memory()
     if problems:
         sys.exit("\n".join(problems))
 
