@@ -35,6 +35,8 @@ WAYS = [
     (["map", "--bank", "IN", "-o", "OUT"], ".png", "BANK", [""]),
     (["info", "IN.dem"], None, "dem/st_helens_crater", [".dem"]),
     (["dem", "IN.dem", "-o", "OUT"], ".png", "dem/st_helens_crater", [".dem"]),
+    (["info", "IN.dem.gz"], None, "dem/st_helens", [".dem.gz"]),
+    (["dem", "IN.dem.gz", "-o", "OUT"], ".asc", "dem/st_helens", [".dem.gz"]),
     (["triangulate", "IN.shp", "-o", "OUT"], ".obj", "ne/ne_110m_lakes", SHAPE_PARTS),
     (["project", "--to", "mercator", "IN.csv", "-o", "OUT"], ".csv", "TABLE", [".csv"]),
     (["pack", "IN.shp", "OUT", *PACKED_AS], "", "wdb/riv", [*SHAPE_PARTS, ".dbf"]),
@@ -60,14 +62,14 @@ def run(arguments, stdout=subprocess.DEVNULL, as_nobody=False):
 
 
 def expect_refused(what, arguments, directory, **how):
-    """Runs and expects one line, exit code 1 or 2, and the directory as it was."""
+    """Runs and expects one line, exit code 1 or 2, and the directory as it was; returns the line."""
     before = sorted(directory.rglob("*"))
     used_before = resource.getrusage(resource.RUSAGE_CHILDREN)
     done = run(arguments, **how)
     used = resource.getrusage(resource.RUSAGE_CHILDREN)
     if done is None:
         problems.append(f"{what}: does not end")
-        return
+        return None
     said = done.stderr.decode("utf-8", "replace")
     if done.returncode not in (1, 2):
         problems.append(f"{what}: exit code {done.returncode}: {said[:300]}")
@@ -90,17 +92,16 @@ def expect_refused(what, arguments, directory, **how):
         problems.append(f"{what}: leaves {left}")
         for path in left:
             os.unlink(path)
+    return said
 
 
 def make_sound_inputs(directory):
-    """The inputs that are no sample files: a bank, one of its files, a table, a model."""
+    """The inputs that are no sample files: a bank, one of its files, a table."""
     bank = directory / "bank"
     subprocess.run([KZGIS, "pack", DATA / "wdb/pby.shp", bank], stdout=subprocess.DEVNULL,
                    check=True)
     shutil.copy(next(bank.rglob("*.cbd")), directory / "bank_file.cbd")
     (directory / "table.csv").write_text("48.2,16.37\n", encoding="ascii")
-    with gzip.open(DATA / "dem/st_helens.dem.gz") as model:
-        (directory / "model.dem").write_bytes(model.read())
 
 
 def put_sound(sound, made, base):
@@ -108,10 +109,10 @@ def put_sound(sound, made, base):
     if sound == "BANK":
         shutil.copytree(made / "bank", base)
         return
-    names = {"BANK_FILE": "bank_file", "TABLE": "table", "MODEL": "model"}
+    names = {"BANK_FILE": "bank_file", "TABLE": "table"}
     source = made / names[sound] if sound in names else DATA / sound
     for file in source.parent.glob(source.name + ".*"):
-        shutil.copy(file, f"{base}{file.suffix}")
+        shutil.copy(file, f"{base}{file.name.removeprefix(source.name)}")
 
 
 def remove(path):
@@ -245,6 +246,23 @@ def sound_inputs(made):
                 problems.append(f"{arguments}: {done}")
 
 
+def bombs():
+    """Compressed files that swell: 1 MB to 1 GiB, and 16 MiB, which may be level ground."""
+    level_ground = gzip.compress(b" " * (16 << 20))
+    for times, swells in ((64, True), (1, False)):
+        with tempfile.TemporaryDirectory() as tmp:
+            directory = pathlib.Path(tmp)
+            path = directory / "a.dem.gz"
+            path.write_bytes(level_ground * times)
+            for arguments in (["info", str(path)],
+                              ["dem", str(path), "-o", str(directory / "out.png")]):
+                said = expect_refused(f"{arguments[0]}: a bomb", arguments, directory)
+                told = said == (f"kzgis: {path}: more than 16 MiB, and 32 times its size, "
+                                "uncompressed; if that is right, uncompress it with gunzip\n")
+                if told != swells:
+                    problems.append(f"{arguments[0]}: a bomb of {times} pieces: says {said!r}")
+
+
 def more_than_memory():
     """A file that is rightly larger than the memory there is."""
     if not MEMORY_MIB:
@@ -275,6 +293,7 @@ def main():
         make_sound_inputs(made)
         for group in (sound_inputs, odd_inputs, odd_names, odd_outputs):
             group(made)
+    bombs()
     more_than_memory()
     if problems:
         sys.exit("\n".join(problems))

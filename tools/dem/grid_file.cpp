@@ -4,6 +4,8 @@
 #include <zlib.h>
 #endif
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 
 #include "tools/support/command_error.h"
@@ -23,8 +25,11 @@ ElevationGrid read_grid(const std::string& file) {
 #ifdef KZGIS_HAS_ZLIB
 
 std::string read_gzip(const std::string& file) {
-  // A quadrangle has a few megabytes; a small file can pretend to be any size.
-  constexpr std::size_t kMostBytes = std::size_t{1} << 30U;
+  // Deflate can make a thousand bytes of one.  Relief has 5 to 12 times the bytes of its
+  // compressed file, level ground up to 260; the largest quadrangles have 10 MB.
+  constexpr std::uintmax_t kAlwaysBytes = std::uintmax_t{16} << 20U;
+  constexpr std::uintmax_t kMostTimes = 32;
+  const std::uintmax_t most_bytes = std::max(kAlwaysBytes, kMostTimes * size_of(file));
   struct Close {
     void operator()(gzFile stream) const { gzclose(stream); }
   };
@@ -37,7 +42,11 @@ std::string read_gzip(const std::string& file) {
     if (count < 0) throw CommandError(file + ": what gzip compressed is damaged");
     if (count == 0) break;
     bytes.append(block, 0, static_cast<std::size_t>(count));
-    if (bytes.size() > kMostBytes) throw CommandError(file + ": more than 1 GiB uncompressed");
+    if (bytes.size() > most_bytes) {
+      throw CommandError(file +
+                         ": more than 16 MiB, and 32 times its size, uncompressed; if that is "
+                         "right, uncompress it with gunzip");
+    }
   }
   int error = Z_OK;
   gzerror(stream.get(), &error);

@@ -11,7 +11,7 @@ namespace kzgis::tools {
 ElevationGrid read_grid(const std::string& file);
 
 /// The bytes of a file that gzip compressed.  Throws `CommandError`, also when they come to
-/// more than 1 GiB.
+/// more than 16 MiB and more than 32 times its size.
 std::string read_gzip(const std::string& file);
 
 }  // namespace kzgis::tools
