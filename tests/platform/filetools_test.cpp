@@ -1,7 +1,6 @@
 #include "kzgis/filetools.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -10,6 +9,7 @@
 #include <string>
 
 #include "support/named_pipe.h"
+#include "support/temporary_directory.h"
 
 namespace {
 
@@ -124,14 +124,12 @@ TEST(FILEmapVariables, MayWorkInPlace) {
 class FILEfopenTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    directory_ =
-        std::filesystem::temp_directory_path() / ("kzgis_filetools_" + std::to_string(::getpid()));
     std::filesystem::create_directories(directory_ / "sub");
     std::ofstream(directory_ / "sub" / "file.txt") << "text";
   }
-  void TearDown() override { std::filesystem::remove_all(directory_); }
 
-  std::filesystem::path directory_;
+  const TemporaryDirectory temporary_;
+  const std::filesystem::path directory_ = temporary_.path();
 };
 
 TEST_F(FILEfopenTest, ExpandsThePathAndTurnsBackslashesIntoSlashes) {

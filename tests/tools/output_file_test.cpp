@@ -1,7 +1,6 @@
 #include "tools/support/output_file.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <deque>
@@ -10,6 +9,7 @@
 #include <iterator>
 #include <string>
 
+#include "support/temporary_directory.h"
 #include "tools/support/command_error.h"
 
 namespace {
@@ -19,14 +19,6 @@ using kzgis::tools::OutputFile;
 
 class OutputFileTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    directory_ =
-        std::filesystem::temp_directory_path() / ("kzgis_output_" + std::to_string(::getpid()));
-    std::filesystem::create_directories(directory_);
-    path_ = (directory_ / "out.txt").string();
-  }
-  void TearDown() override { std::filesystem::remove_all(directory_); }
-
   std::string contents() const { return contents(path_); }
   static std::string contents(const std::string& path) {
     std::ifstream file(path);
@@ -34,8 +26,9 @@ class OutputFileTest : public ::testing::Test {
   }
   long files() const { return std::distance(std::filesystem::directory_iterator(directory_), {}); }
 
-  std::filesystem::path directory_;
-  std::string path_;
+  const TemporaryDirectory temporary_;
+  const std::filesystem::path directory_ = temporary_.path();
+  const std::string path_ = (directory_ / "out.txt").string();
 };
 
 TEST_F(OutputFileTest, AppearsWhenItIsCommitted) {
@@ -87,7 +80,6 @@ TEST_F(OutputFileTest, ReportsAFullDevice) {
 class OutputFilesTest : public OutputFileTest {
  protected:
   void SetUp() override {
-    OutputFileTest::SetUp();
     for (const char* const name : {"a", "b", "c"}) {
       OutputFile& output = outputs_.emplace_back((directory_ / name).string(), "abc");
       output.stream() << "whole " << name;

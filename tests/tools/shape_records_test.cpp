@@ -1,13 +1,13 @@
 #include "tools/support/shape_records.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include "support/temporary_directory.h"
 #include "tools/support/command_error.h"
 
 namespace {
@@ -63,17 +63,13 @@ TEST(ShapeRecords, WalksPointsAndMultiPoints) {
 class DamagedShapefile : public ::testing::Test {
  protected:
   void SetUp() override {
-    directory_ =
-        std::filesystem::temp_directory_path() / ("kzgis_records_" + std::to_string(::getpid()));
-    std::filesystem::create_directories(directory_);
     for (const char* const ending : {".shp", ".shx"}) {
       std::filesystem::copy_file(kData + "ne_110m_lakes" + ending, path(ending));
     }
   }
-  void TearDown() override { std::filesystem::remove_all(directory_); }
 
   std::filesystem::path path(const std::string& ending) const {
-    return directory_ / ("lakes" + ending);
+    return directory_.path() / ("lakes" + ending);
   }
   void cut(const std::string& ending, std::uintmax_t bytes) const {
     std::filesystem::resize_file(path(ending), std::filesystem::file_size(path(ending)) - bytes);
@@ -87,7 +83,7 @@ class DamagedShapefile : public ::testing::Test {
     return "(opened)";
   }
 
-  std::filesystem::path directory_;
+  const TemporaryDirectory directory_;
 };
 
 TEST_F(DamagedShapefile, GoesOnBehindARecordThatCannotBeRead) {
