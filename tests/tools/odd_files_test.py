@@ -62,7 +62,7 @@ def run(arguments, stdout=subprocess.DEVNULL, as_nobody=False):
 
 
 def expect_refused(what, arguments, directory, **how):
-    """Runs and expects one line, exit code 1 or 2, and the directory as it was; returns the line."""
+    """Runs; expects one line, exit code 1 or 2, the directory as it was; returns the line."""
     before = sorted(directory.rglob("*"))
     used_before = resource.getrusage(resource.RUSAGE_CHILDREN)
     done = run(arguments, **how)
