@@ -142,6 +142,8 @@ class DemTest : public testing::Test {
   /// Writes a file and gives its name.
   std::string write(const std::string& bytes, const std::string& name = "test.dem") const {
     const std::string path = directory_ + "/" + name;
+    // Anew: some hosts wait for the disk when a file is emptied and written again.
+    std::filesystem::remove(path);
     std::ofstream(path, std::ios::binary) << bytes;
     return path;
   }
