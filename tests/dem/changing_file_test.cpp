@@ -12,6 +12,7 @@
 
 #include "dem/dem_writer.h"
 #include "kzgis/elevation.h"
+#include "support/time_limit.h"
 
 namespace {
 
@@ -59,6 +60,7 @@ class ReadDemOfAFile : public DemTest {
   /// @return false when there is no such read
   bool read(long n, const std::function<void()>& change) {
     write(whole_);
+    const LessThanASecond limit;
     interruption = {n, change, 0};
     grid_ = read_dem(path_);
     const bool met = interruption.reads_to_go == -1;

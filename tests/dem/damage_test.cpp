@@ -17,6 +17,7 @@
 #include "kzgis/dem.h"
 #include "kzgis/elevation.h"
 #include "support/capture.h"
+#include "support/time_limit.h"
 
 namespace {
 
@@ -62,6 +63,7 @@ class DemDamage : public DemTest {
     Reading reading;
     // Each takes a block at least, and the end may have to be found.
     for (std::uintmax_t calls = 0; reading.last == 1 && calls <= bytes / 1024; ++calls) {
+      const LessThanASecond limit;
       const StdoutCapture out;
       reading.last = record.readRecord();
       const std::string text = out.text();
@@ -87,6 +89,7 @@ class DemDamage : public DemTest {
   }
 
   static void read_grid(const std::string& bytes) {
+    const LessThanASecond limit;
     const kzgis::ElevationGrid grid = kzgis::read_dem(bytes, "x");
     EXPECT_EQ(static_cast<bool>(grid.error), grid.elevations.empty());
     EXPECT_EQ(grid.elevations.size(),
@@ -110,6 +113,7 @@ TEST_F(DemDamage, OfAnyByteOfAHeaderEndsSoonInBothReaders) {
       SCOPED_TRACE("byte " + std::to_string(place) + " is " + std::to_string(value));
       std::string damaged = whole;
       damaged[place] = static_cast<char>(value);
+      const LessThanASecond to_open;
       DEM_LogicalRecord record{UtString(write(damaged))};
       EXPECT_EQ(record.fetchLRAIngest(), 1);
       const Reading reading = read_profiles(record, damaged.size());
@@ -151,6 +155,7 @@ TEST_F(DemDamage, ThatCutsTheHeaderOfTheRealSampleAtAnyFieldIsFound) {
   ends.push_back(kRecordA);
   for (auto end = ends.rbegin(); end != ends.rend(); ++end) {
     SCOPED_TRACE(*end);
+    const LessThanASecond limit;
     std::filesystem::resize_file(path, *end);
     const std::string at = std::to_string(*end);
     // Filler behind the last field may be missing.
@@ -180,6 +185,7 @@ TEST_F(DemDamage, ThatCutsAProfileOfTheRealSampleAtAnyFieldIsFound) {
     for (auto end = ends.rbegin(); end != ends.rend(); ++end) {
       const std::size_t length = start + *end;
       SCOPED_TRACE(length);
+      const LessThanASecond limit;
       std::filesystem::resize_file(path, length);
       const bool is_whole = *end == ends.back();
       std::string expected;
@@ -224,6 +230,7 @@ TEST_F(DemDamage, OfAnOpenFileEndsTheReading) {
     int profiles = 0;
     int last = 1;
     while (last == 1 && profiles <= kSampleProfiles) {
+      const LessThanASecond limit;
       const StdoutCapture out;
       last = record.readRecord();
       if (last == -1) {

@@ -15,6 +15,7 @@
 #include "kzgis/shape.h"
 #include "shape/shape_record.h"
 #include "shape/shapefile_writer.h"
+#include "support/time_limit.h"
 
 namespace {
 
@@ -55,6 +56,7 @@ class ShapeDamageTest : public ShapefileTest {
     const bool sized = std::filesystem::is_regular_file(base + ".shp");
     const auto bytes = static_cast<kz_long>(sized ? std::filesystem::file_size(base + ".shp") : 0);
     for (const bool by_index : {false, true}) {
+      const LessThanASecond to_open_and_seek;
       KZ_GIS_ESRI_Shape_c shape(base.c_str());
       ShapeRecord record;
       for (int i = 1; i <= 5 && shape.ShapeFileIsOpen() == 1; ++i) {
@@ -70,6 +72,7 @@ class ShapeDamageTest : public ShapefileTest {
     for (auto count : {&KZ_GIS_ESRI_Shape_c::NumberOfParts, &KZ_GIS_ESRI_Shape_c::NumberOfPoints}) {
       KZ_GIS_ESRI_Shape_c shape(base.c_str());
       if (shape.ShapeFileIsOpen() == 0) continue;
+      const LessThanASecond limit;
       kz_ulong total = 0;
       EXPECT_THAT((shape.*count)(&total), AnyOf(1u, 2u, 10u, 11u));
       EXPECT_EQ(shape.NumberOfDataRecords(&total), 1u);
@@ -78,6 +81,7 @@ class ShapeDamageTest : public ShapefileTest {
   }
 
   static kz_ulong read(KZ_GIS_ESRI_Shape_c& shape, std::int32_t type, ShapeRecord& record) {
+    const LessThanASecond limit;
     double x;
     double y;
     switch (type) {
@@ -369,6 +373,7 @@ TEST_F(ShapeDamageTest, ARealIndexCutAtAnyFieldKnowsTheRecordsBeforeIt) {
         }
       }
       if (layer.type != 1 && length % counted == 0) {
+        const LessThanASecond limit;
         ASSERT_EQ(shape.NumberOfPoints(&count), 11u);
         ASSERT_EQ(count, points[held]);
       }
@@ -390,6 +395,7 @@ class ChangingShapeFile : public ShapeDamageTest {
   /// Reads records until one fails, and gives its status.
   static kz_ulong read_to_failure(KZ_GIS_ESRI_Shape_c& shape, ShapeRecord& record, int* whole) {
     for (;; ++*whole) {
+      const LessThanASecond limit;
       const kz_ulong status = record.read_polygon(shape);
       if (status != 1) return status;
     }
@@ -412,6 +418,7 @@ TEST_F(ChangingShapeFile, ThatGotShorterEndsEarlier) {
     EXPECT_EQ(read_to_failure(shape, record, &whole), 11u);
     EXPECT_LT(whole, 177);
     EXPECT_LE(record.points_capacity, static_cast<kz_long>(shp_.size() / 16));
+    const LessThanASecond limit;
     kz_ulong count = 0;
     EXPECT_THAT(shape.NumberOfPoints(&count), AnyOf(1u, 2u, 4u, 10u, 11u));
     EXPECT_THAT(shape.SeekToDataRecord(170), AnyOf(1u, 2u, 10u));
@@ -440,6 +447,7 @@ TEST_F(ChangingShapeFile, WhoseBytesAreOtherOnesIsSurvived) {
     write_file(base + ".shx", std::string(shx_.size(), byte));
     ShapeRecord record;
     for (kz_long n = 177; n > 0; n -= 11) {
+      const LessThanASecond limit;
       EXPECT_THAT(shape.SeekToDataRecord(n), AnyOf(1u, 2u, 10u));
       EXPECT_THAT(record.read_polygon(shape), AnyOf(1u, 2u, 4u, 10u, 11u));
       EXPECT_LE(record.points_capacity, static_cast<kz_long>(shp_.size() / 16));

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "support/capture.h"
+#include "support/time_limit.h"
 #include "worldmap/bank.h"
 
 namespace {
@@ -32,7 +33,10 @@ class WorldMapDamage : public BankTest {
     write("africa.Map/cil.cbd", bytes);
     WorldMap map;
     ask_for_all(map);
-    map.readData();
+    {
+      const LessThanASecond limit;
+      map.readData();
+    }
     std::vector<ArcLine> lines = lines_of(map);
     std::size_t points = 0;
     for (const ArcLine& line : lines) points += line.size();
@@ -103,7 +107,10 @@ TEST_F(WorldMapDamage, OfAFileThatChangesLengthWhileItIsReadIsSurvived) {
     const OMstatus_handler former = OMstatus_set_handler(&Resizer::at_report, &resizer);
     WorldMap map;
     ask_for_all(map);
-    map.readData();
+    {
+      const LessThanASecond limit;
+      map.readData();
+    }
     OMstatus_set_handler(former, nullptr);
     const std::vector<ArcLine> lines = lines_of(map);
     ASSERT_GE(lines.size(), 150U);

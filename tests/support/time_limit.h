@@ -1,0 +1,40 @@
+#ifndef KZGIS_TESTS_SUPPORT_TIME_LIMIT_H
+#define KZGIS_TESTS_SUPPORT_TIME_LIMIT_H
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define KZGIS_TESTS_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define KZGIS_TESTS_SANITIZED
+#endif
+#endif
+
+/// Expects the rest of its scope to take less than a second, whatever the file: that is what
+/// the readers promise for damaged ones.
+///
+/// It is the processor's time that counts, so that a busy machine fails no test.  Sanitizers
+/// take many times as long and are given ten seconds.
+class LessThanASecond {
+ public:
+  LessThanASecond() = default;
+  ~LessThanASecond() {
+    const double taken_s = static_cast<double>(std::clock() - start_) / CLOCKS_PER_SEC;
+    EXPECT_LT(taken_s, kLimit_s) << "seconds of processor time";
+  }
+  LessThanASecond(const LessThanASecond&) = delete;
+  LessThanASecond& operator=(const LessThanASecond&) = delete;
+
+ private:
+#ifdef KZGIS_TESTS_SANITIZED
+  static constexpr double kLimit_s = 10.0;
+#else
+  static constexpr double kLimit_s = 1.0;
+#endif
+  const std::clock_t start_ = std::clock();
+};
+
+#endif
