@@ -15,11 +15,6 @@
 
 namespace {
 
-void lift_limit() {
-  const rlimit limits{RLIM_INFINITY, RLIM_INFINITY};
-  setrlimit(RLIMIT_AS, &limits);
-}
-
 constexpr std::uintmax_t kMany = 6'000'000;  // elevations: 24 MB of them in memory
 
 class DemMemoryDeathTest : public DemTest {

@@ -18,11 +18,6 @@ constexpr kz_long kMany = 64 << 20;                       // 64 Mi elements
 constexpr std::uintmax_t kBytesOfDoubles = kMany * 8ULL;  // of one array of points
 constexpr std::uintmax_t kBytesOfLongs = kMany * 4ULL;
 
-void lift_limit() {
-  const rlimit limits{RLIM_INFINITY, RLIM_INFINITY};
-  setrlimit(RLIMIT_AS, &limits);
-}
-
 class ShapeMemoryTest : public ShapefileTest {
  protected:
   /// A file of two records of `content`'s kind: the first is `fixed_part` followed by

@@ -36,6 +36,12 @@ inline void limit_growth(std::uintmax_t bytes) {
   setrlimit(RLIMIT_AS, &limits);
 }
 
+/// Lets this process grow as far as the host lets it.
+inline void lift_limit() {
+  const rlimit limits{RLIM_INFINITY, RLIM_INFINITY};
+  setrlimit(RLIMIT_AS, &limits);
+}
+
 /// Ends the child process with the number of the failed check, unless `ok`.
 inline void check(bool ok, int number) {
   if (!ok) std::_Exit(number);
