@@ -25,7 +25,7 @@ inline constexpr int kUsualRounds = 2;
 inline constexpr int kManyVertices = 50000;
 #else
 inline constexpr bool kMemoryIsTheProgramsOwn = true;
-inline constexpr int kUsualRounds = 30;
+inline constexpr int kUsualRounds = 10;
 inline constexpr int kManyVertices = 1000000;
 #endif
 

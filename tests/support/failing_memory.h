@@ -1,6 +1,7 @@
-// Makes one allocation of the program fail.  A program that links failing_memory.cpp
-// allocates through it, with operator new and on the C heap, under the address sanitizer too.
-// Where that cannot be done (KZGIS_MEMORY_CAN_FAIL of CMake) such programs are not built.
+// Makes one allocation of the program fail, and counts its blocks.  A program that links
+// failing_memory.cpp allocates through it, with operator new and on the C heap, under the
+// address sanitizer too.  Where that cannot be done (KZGIS_MEMORY_CAN_FAIL of CMake) such
+// programs are not built.
 
 #ifndef KZGIS_TESTS_SUPPORT_FAILING_MEMORY_H
 #define KZGIS_TESTS_SUPPORT_FAILING_MEMORY_H
