@@ -5,14 +5,20 @@
 #include <pthread.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <random>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "kzgis/mesh.h"
 #include "kzgis/polytree.h"
+#include "kzgis/shape.h"
 #include "kzgis/triangulate.h"
 #include "robustness/process_memory.h"
+#include "shape/shapefile_writer.h"
+#include "support/temporary_directory.h"
 #include "triangulate/polygons.h"
 
 namespace {
@@ -56,6 +62,25 @@ struct Input {
         y.push_back(static_cast<double>(p->y));
       }
     }
+  }
+};
+
+/// What a workspace takes, boundaries counter-clockwise, and room for what it gives.
+struct WorkspaceInput {
+  std::vector<kzgis::triangulation::Point> vertices;
+  std::vector<kz_long> contours;
+  std::vector<kz_long> triangles;
+
+  explicit WorkspaceInput(const Input& input) {
+    for (std::size_t i = input.x.size(); i-- > 0;) vertices.push_back({input.x[i], input.y[i]});
+    contours.push_back(static_cast<kz_long>(vertices.size()));
+    triangles.resize(3 * (vertices.size() - 2));
+  }
+
+  void triangulate() {
+    kzgis::triangulation::Workspace workspace;
+    EXPECT_EQ(workspace.run(contours, vertices, 0.0, 1, triangles).outcome,
+              kzgis::triangulation::Outcome::complete);
   }
 };
 
@@ -107,6 +132,67 @@ TEST_F(MillionVertices, AreTriangulatedByTheTree) {
     EXPECT_EQ(tree.Triangulate(&count, connections.data()), 1U);
   });
   report("KZ_GIS_PolygonTree_c", bytes, 1300);
+}
+
+TEST_F(MillionVertices, AreTriangulatedByAWorkspace) {
+  WorkspaceInput polygon(spiral_);
+  report("Workspace", bytes_per_vertex(polygon.vertices.size(), [&] { polygon.triangulate(); }),
+         600);
+}
+
+TEST_F(MillionVertices, AreReadFromAShapefile) {
+  // On the heap while it is written only: what is read is all that is measured.
+  const TemporaryDirectory directory;
+  const std::string name = (directory.path() / "spiral").string();
+  {
+    std::vector<std::pair<double, double>> points;
+    for (std::size_t i = 0; i < spiral_.x.size(); ++i) {
+      points.emplace_back(spiral_.x[i], spiral_.y[i]);
+    }
+    ShapefileWriter writer(5);
+    writer.add(arc_content({0}, points, 5));
+    write_file(name + ".shp", writer.shp());
+    write_file(name + ".shx", writer.shx());
+  }
+  kz_long number = 0, parts = 0, part_room = 0, points = 0, room = 0;
+  kz_long* starts = nullptr;
+  double box[4];
+  double* x = nullptr;
+  double* y = nullptr;
+  const std::size_t bytes = bytes_per_vertex(spiral_.x.size(), [&] {
+    KZ_GIS_ESRI_Shape_c shape(name.c_str());
+    kz_ulong total = 0;
+    EXPECT_EQ(shape.NumberOfPoints(&total), 1U);
+    EXPECT_EQ(total, spiral_.x.size());
+    EXPECT_EQ(shape.SeekToDataRecord(1), 1U);
+    EXPECT_EQ(shape.ReadPolygonShape(&number, &box[0], &box[1], &box[2], &box[3], &parts,
+                                     &part_room, &starts, &points, &room, &x, &y),
+              1U);
+  });
+  ASSERT_EQ(points, static_cast<kz_long>(spiral_.x.size()));
+  EXPECT_EQ(std::vector<double>(x, x + points), spiral_.x);
+  EXPECT_EQ(std::vector<double>(y, y + points), spiral_.y);
+  std::free(starts);
+  std::free(x);
+  std::free(y);
+  report("KZ_GIS_ESRI_Shape_c", bytes, 20);  // the coordinates, and little more
+}
+
+using MillionVerticesDeathTest = MillionVertices;
+
+TEST_F(MillionVerticesDeathTest, TakeAnAddressSpaceInAWorkspace) {
+  if (!kMemoryIsTheProgramsOwn) GTEST_SKIP() << "a sanitizer's address space grows by itself";
+  WorkspaceInput polygon(spiral_);
+  // A child's peak is its own.
+  EXPECT_EXIT(
+      {
+        const std::size_t before = status_bytes("VmSize");
+        polygon.triangulate();
+        const std::size_t bytes = (status_bytes("VmPeak") - before) / polygon.vertices.size();
+        std::fprintf(stderr, "%zu bytes of address space per vertex\n", bytes);
+        std::_Exit(bytes <= 1100 && !HasFailure() ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
