@@ -5,9 +5,13 @@
 
 #include <barrier>
 #include <functional>
+#include <iostream>
+#include <set>
 #include <sstream>
+#include <streambuf>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "kzgis/dem.h"
@@ -19,6 +23,7 @@
 #include "kzgis/triangulate.h"
 #include "kzgis/utdate.h"
 #include "support/polygon_layer.h"
+#include "support/sink.h"
 #include "worldmap/bank.h"
 
 namespace {
@@ -69,6 +74,10 @@ std::string project_points() {
       }
       delete[] xyz;
     }
+    projection.setFirstPar(91.0);  // refused, which std::cerr is told
+    os << projection.fetchProjectionName();
+    os << projection.setProjection(UtString("Lambert conic conformal")) << ' '
+       << projection.fetchProjectionName() << projection.setProjection(static_cast<projType>(15));
   }
   return os.str();
 }
@@ -150,7 +159,11 @@ std::string triangulate_in_a_workspace() {
         workspace.run(std::vector{kVertices}, points, 0.0, seed, triangles);
     os << static_cast<int>(result.outcome) << ' ' << result.triangles << ' ';
     put(os, triangles);
+    os << kzgis::triangulation::bounded_by(std::vector{kVertices}, triangles);
   }
+  // What of the plain functions needs no tables.
+  os << print_error("%s %d\n", "a line of one of several threads", 12)
+     << _equal_to(&points[0], &points[1]) << _less_than(&points[0], &points[1]);
   return os.str();
 }
 
@@ -166,13 +179,15 @@ std::string handle_texts() {
 
 class Threads : public BankTest {
  protected:
-  Threads() {
+  Threads() : cerr_(std::cerr.rdbuf(&sink_)) {
     // Before any thread reads it.
     setenv("KZGIS_THREADS", "/one:/two", 1);
     ArcLine line;
     for (int i = 0; i < 300; ++i) line.emplace_back(3 * i, 5 * i);
     write("africa.Map/cil.cbd", cbd_file(std::vector<Segment>(30, segment_through(line))));
   }
+
+  ~Threads() override { std::cerr.rdbuf(cerr_); }
 
   std::string load_outlines() const {
     WorldMap map;
@@ -193,6 +208,10 @@ class Threads : public BankTest {
             nest_polygons,     triangulate_in_a_workspace,
             handle_texts,      [this] { return load_outlines(); }};
   }
+
+ private:
+  Sink sink_;
+  std::streambuf* cerr_;
 };
 
 TEST_F(Threads, GiveWhatOneGives) {
@@ -202,8 +221,9 @@ TEST_F(Threads, GiveWhatOneGives) {
     expected.push_back(job());
     ASSERT_GT(expected.back().size(), 40U);
   }
-  // Every job meets itself, and each of the others at some time.
-  for (std::size_t shift = 0; shift < 2; ++shift) {
+  // Every job meets itself and each of the others at some time.
+  std::set<std::pair<std::size_t, std::size_t>> met;
+  for (const std::size_t shift : {0U, 1U, 2U, 5U}) {
     std::barrier together(kThreads);
     std::vector<std::vector<std::string>> given(kThreads);
     std::vector<std::thread> threads;
@@ -222,9 +242,13 @@ TEST_F(Threads, GiveWhatOneGives) {
       for (std::size_t i = 0; i < given[t].size(); ++i) {
         const std::size_t job = (i + shift * t) % work.size();
         EXPECT_EQ(given[t][i], expected[job]) << "job " << job << " of thread " << t;
+        for (unsigned other = 0; other < kThreads; ++other) {
+          if (other != t) met.emplace(job, (i + shift * other) % work.size());
+        }
       }
     }
   }
+  EXPECT_EQ(met.size(), work.size() * work.size());
 }
 
 }  // namespace
