@@ -208,6 +208,16 @@ TEST_F(DemDamage, ThatCutsAProfileOfTheRealSampleAtAnyFieldIsFound) {
   }
 }
 
+// Its zeros are a header without rows or columns, and so a last profile without elevations.
+TEST_F(DemDamage, OfAFileWithoutEndEndsAtOnce) {
+  if (!std::filesystem::exists("/dev/zero")) GTEST_SKIP() << "no /dev/zero";
+  const LessThanASecond limit;
+  DEM_LogicalRecord record{UtString("/dev/zero")};
+  EXPECT_EQ(record.fetchLRAIngest(), 1);
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(record.readRecord(), 0);
+  EXPECT_EQ(record.fetchElevationCount(), 0U);
+}
+
 // The classic reader has a piece of the file in memory when it changes: of the profiles behind
 // the new end it may give some more, but no others than the file had.
 TEST_F(DemDamage, OfAnOpenFileEndsTheReading) {

@@ -5,6 +5,7 @@
 
 #include "support/capture.h"
 #include "support/named_pipe.h"
+#include "support/time_limit.h"
 #include "worldmap/bank.h"
 
 namespace {
@@ -179,6 +180,18 @@ TEST_F(ReaderHostile, FirstPointsAtTheEndsOf32Bits) {
 TEST_F(ReaderHostile, DirectoryIsNoMap) {
   std::filesystem::create_directory(root_ + "/africa.Map/cil.cbd");
   const StderrCapture err;
+  WorldMap map;
+  ask_for_all(map);
+  map.readData();
+  EXPECT_EQ(lines_of(map), Lines{});
+  EXPECT_EQ(err.text(), "CIA: File has bad magic number\n");
+}
+
+TEST_F(ReaderHostile, DeviceWithoutEndIsNoMap) {
+  if (!std::filesystem::exists("/dev/zero")) GTEST_SKIP() << "no /dev/zero";
+  std::filesystem::create_symlink("/dev/zero", root_ + "/africa.Map/cil.cbd");
+  const StderrCapture err;
+  const LessThanASecond limit;
   WorldMap map;
   ask_for_all(map);
   map.readData();
