@@ -1,6 +1,7 @@
 #include "tools/support/output_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <csignal>
 #include <deque>
@@ -72,8 +73,61 @@ TEST_F(OutputFileTest, SaysWhyItCannotBeWritten) {
 TEST_F(OutputFileTest, ReportsAFullDevice) {
   if (!std::filesystem::exists("/dev/full")) return;
   OutputFile output("/dev/full");
-  output.stream() << "text";
-  EXPECT_THROW(output.commit(), CommandError);
+  output.stream() << std::string(1000000, 'x');
+  EXPECT_FALSE(output.stream());
+  try {
+    output.commit();
+    FAIL() << "written";
+  } catch (const CommandError& error) {
+    EXPECT_STREQ(error.what(), "/dev/full: could not be written whole: No space left on device");
+  }
+}
+
+TEST_F(OutputFileTest, KeepsEveryByteOfALongOne) {
+  std::string text;
+  for (int i = 0; i < 100000; ++i) text += std::to_string(i);
+  OutputFile output(path_);
+  output.stream() << text << std::flush << 'x' << text;
+  output.commit();
+  EXPECT_EQ(contents(), text + 'x' + text);
+}
+
+TEST_F(OutputFileTest, NeverSharesATemporaryFile) {
+  OutputFile one(path_);
+  OutputFile other(path_);
+  EXPECT_EQ(files(), 2);
+  one.stream() << "one";
+  other.stream() << "other";
+  other.commit();
+  EXPECT_EQ(contents(), "other");
+  one.commit();
+  EXPECT_EQ(contents(), "one");
+}
+
+TEST_F(OutputFileTest, TakesTheLongestNameThatAFileCanHave) {
+  const std::string longest = (directory_ / std::string(255, 'n')).string();
+  {
+    OutputFile output(longest);
+    output.stream() << "whole";
+    output.commit();
+  }
+  EXPECT_EQ(contents(longest), "whole");
+  try {
+    const OutputFile output(longest + 'n');
+    FAIL() << "opened";
+  } catch (const CommandError& error) {
+    EXPECT_EQ(std::string(error.what()), longest + "n: cannot be written: File name too long");
+  }
+}
+
+TEST_F(OutputFileTest, HasTheRightsOfANewFile) {
+  const mode_t former = ::umask(027);
+  {
+    OutputFile output(path_);
+    output.commit();
+  }
+  ::umask(former);
+  EXPECT_EQ(std::filesystem::status(path_).permissions(), std::filesystem::perms{0640});
 }
 
 /// Three files, written and not yet committed, that are parts of one output.

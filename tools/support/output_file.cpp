@@ -1,5 +1,6 @@
 #include "tools/support/output_file.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <utility>
@@ -95,13 +97,23 @@ void OutputFile::handle_signals() {
   set_unless_changed(SIGXFSZ, action);
 }
 
-/// Makes the temporary file known to the signal handler.
-void OutputFile::enlist(const std::string& whole) {
+/// Makes the temporary file and lets the signal handler know of it.  Returns its descriptor,
+/// or -1, and errno says why.
+int OutputFile::make_temporary(const std::string& whole) {
   const std::string over_progress = ::isatty(STDERR_FILENO) != 0 ? "\r\x1b[K" : "";
-  unfinished_ = std::make_unique<Unfinished>(Unfinished{
-      temporary_path_, over_progress + report_line(whole + ": not written: stopped by a signal")});
+  auto unfinished = std::make_unique<Unfinished>(
+      Unfinished{path_.substr(0, path_.rfind('/') + 1) + ".kzgis.partXXXXXX",
+                 over_progress + report_line(whole + ": not written: stopped by a signal")});
   const SignalsWait until_it_is_linked;
+  const int descriptor = ::mkostemp(unfinished->path.data(), O_CLOEXEC);
+  if (descriptor < 0) return -1;
+  unfinished_ = std::move(unfinished);
   unfinished_->former = Unfinished::latest.exchange(unfinished_.get());
+  // Private so far: the rights become those of any new file.
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  ::fchmod(descriptor, 0666 & ~mask);
+  return descriptor;
 }
 
 /// The temporary file is gone, by name at least.
@@ -118,24 +130,24 @@ void OutputFile::strike_out() {
 }
 
 OutputFile::OutputFile(std::string path, const std::string& whole) : path_(std::move(path)) {
-  if (path_ == "-") return;
-  // A device or a pipe cannot be replaced by a rename: it is written as it stands.
-  struct stat info {};
-  const bool replaceable = ::stat(path_.c_str(), &info) != 0 || S_ISREG(info.st_mode);
-  temporary_path_ = replaceable ? path_ + ".part" + std::to_string(::getpid()) : path_;
+  if (to_standard_output()) return;
   handle_signals();
-  if (replaceable) enlist(whole);
-  file_.open(temporary_path_, std::ios::binary | std::ios::trunc);
-  if (!file_) {
-    const int why = errno;
-    if (unfinished_ != nullptr) strike_out();
-    throw CommandError(path_ + ": cannot be written: " + std::strerror(why));
+  struct stat info {};
+  const bool is_new = ::stat(path_.c_str(), &info) != 0;
+  int descriptor = -1;
+  if (!is_new && !S_ISREG(info.st_mode)) {
+    // A device or a pipe cannot be replaced by a rename: it is written as it stands.
+    descriptor = ::open(path_.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+  } else if (!is_new || (errno == ENOENT && !path_.empty())) {
+    descriptor = make_temporary(whole);
   }
+  if (descriptor < 0) throw CommandError(path_ + ": cannot be written: " + std::strerror(errno));
+  buffer_.own(descriptor);
 }
 
 OutputFile::~OutputFile() {
   if (unfinished_ == nullptr) return;
-  std::remove(temporary_path_.c_str());
+  std::remove(unfinished_->path.c_str());
   strike_out();
 }
 
@@ -143,26 +155,24 @@ std::ostream& OutputFile::stream() { return to_standard_output() ? std::cout : f
 
 void OutputFile::finish() {
   if (std::exchange(finished_, true)) return;
-  const bool failed = !stream();
-  errno = 0;
-  if (failed && unfinished_ != nullptr) {
-    // Streams forget why.  What is written into a file that is not kept tells it again.
-    file_.clear();
-    file_ << std::string(std::size_t{1} << 16U, ' ');
+  int error = 0;
+  if (to_standard_output()) {
+    errno = 0;
+    std::cout.flush();
+    error = std::cout ? 0 : errno;
+  } else {
+    error = buffer_.close();
   }
-  stream().flush();
-  if (!to_standard_output()) file_.close();
-  if (failed || !stream()) {
-    const std::string name = to_standard_output() ? "standard output" : path_;
-    const std::string reason = errno != 0 ? std::strerror(errno) : "the write failed";
-    throw CommandError(name + ": could not be written whole: " + reason);
-  }
+  if (error == 0 && stream()) return;
+  const std::string name = to_standard_output() ? "standard output" : path_;
+  const std::string reason = error != 0 ? std::strerror(error) : "the write failed";
+  throw CommandError(name + ": could not be written whole: " + reason);
 }
 
 /// Returns false, and errno says why, when the file keeps its temporary name.
 bool OutputFile::rename() {
   if (unfinished_ == nullptr) return true;
-  if (std::rename(temporary_path_.c_str(), path_.c_str()) != 0) return false;
+  if (std::rename(unfinished_->path.c_str(), path_.c_str()) != 0) return false;
   strike_out();
   return true;
 }

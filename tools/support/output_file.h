@@ -4,18 +4,22 @@
 #define KZGIS_TOOLS_SUPPORT_OUTPUT_FILE_H
 
 #include <deque>
-#include <fstream>
 #include <memory>
 #include <ostream>
 #include <string>
+
+#include "tools/support/descriptor_buffer.h"
 
 namespace kzgis::tools {
 
 /// What stands behind the last dot of a file's name: "png"; empty without one.
 std::string ending_of(const std::string& path);
 
-/// A file written under a temporary name beside its own and renamed when complete, so
+/// A file written under a temporary name in its directory and renamed when complete, so
 /// that a half-written one is never taken for the result; or standard output.
+///
+/// The temporary name is a new one (".kzgis.part" and six characters), so that nothing that
+/// stands there is written to, nor through a link.
 ///
 /// A signal that ends the process (hang-up, interrupt, broken pipe, termination) removes the
 /// temporary files that are there, and says so in one line.  A file that reaches the process's
@@ -47,20 +51,20 @@ class OutputFile {
   static void commit_together(std::deque<OutputFile>& files);
 
  private:
-  bool to_standard_output() const { return temporary_path_.empty(); }
+  bool to_standard_output() const { return path_ == "-"; }
   bool rename();
 
   /// What a signal handler needs.
   struct Unfinished;
-  void enlist(const std::string& whole);
+  int make_temporary(const std::string& whole);
   void strike_out();
   static void remove_unfinished(int signal_number);
   static void handle_signals();
 
   std::string path_;
-  std::string temporary_path_;
-  std::unique_ptr<Unfinished> unfinished_;
-  std::ofstream file_;
+  std::unique_ptr<Unfinished> unfinished_;  // until it has its name
+  DescriptorBuffer buffer_;
+  std::ostream file_{&buffer_};
   bool finished_ = false;
 };
 
