@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -15,6 +16,7 @@
 #include "tools/dem/grid_file.h"
 #include "tools/support/command_error.h"
 #include "tools/support/input_file.h"
+#include "tools/support/number_text.h"
 #include "tools/support/output_file.h"
 
 namespace kzgis::tools {
@@ -58,11 +60,12 @@ std::string summary(const ElevationGrid& grid) {
   const std::size_t elevations = grid.elevations.size() - grid.empty_cells;
   std::array<char, 320> text{};
   std::snprintf(text.data(), text.size(),
-                ": %d columns and %d rows, %.9g by %.9g%s apart, x %.10g to %.10g, y %.10g to "
-                "%.10g; %zu elevations",
-                static_cast<int>(grid.columns), static_cast<int>(grid.rows), grid.step_x,
+                ": %s and %s, %.9g by %.9g%s apart, x %.10g to %.10g, y %.10g to "
+                "%.10g; %s",
+                counted(static_cast<std::uint64_t>(grid.columns), "column").c_str(),
+                counted(static_cast<std::uint64_t>(grid.rows), "row").c_str(), grid.step_x,
                 grid.step_y, ground, grid.x(0), grid.x(grid.columns - 1), grid.y(grid.rows - 1),
-                grid.y(0), elevations);
+                grid.y(0), counted(elevations, "elevation").c_str());
   std::string line = grid.name + text.data();
   if (elevations == 0) return line;
   std::snprintf(text.data(), text.size(), " from %.9g to %.9g%s", static_cast<double>(grid.lowest),

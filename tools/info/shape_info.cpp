@@ -71,6 +71,16 @@ int print_shape_info(const std::string& file, bool each_record) {
   const kz_ulong index_verdict = shapes.file().IndexHeader().ValidateFileHeader();
   std::cout << "Shape file header: " << status_text(shape_verdict) << '\n'
             << "Index file header: " << status_text(index_verdict) << '\n';
+  // The box of a single point or of no record at all is rightly called empty: that says
+  // nothing against the file.
+  const auto is_sound = [&shapes](const char* which, kz_ulong verdict) {
+    if (verdict == status::success || verdict == status::bad_bounding_box) return true;
+    report(shapes.name() + ": the header of the " + which +
+           " file is not valid: " + status_text(verdict));
+    return false;
+  };
+  bool sound = is_sound("shape", shape_verdict);
+  sound = is_sound("index", index_verdict) && sound;
   if (shapes.index_is_cut()) {
     report(shapes.name() + ": the index is shorter than its header says");
   }
@@ -79,13 +89,7 @@ int print_shape_info(const std::string& file, bool each_record) {
   if (totals.null_records > 0) std::cout << " (" << totals.null_records << " null)";
   std::cout << "\nParts:   " << totals.parts << "\nPoints:  " << totals.points << '\n';
   OutputFile("-").commit();
-  // The box of a single point or of no record at all is rightly called empty: that says
-  // nothing against the file.
-  const auto sound_header = [](kz_ulong verdict) {
-    return verdict == status::success || verdict == status::bad_bounding_box;
-  };
-  const bool sound = sound_header(shape_verdict) && sound_header(index_verdict) &&
-                     !shapes.index_is_cut() && totals.failures == 0;
+  sound = sound && !shapes.index_is_cut() && totals.failures == 0;
   return sound ? 0 : 1;
 }
 

@@ -84,6 +84,10 @@ std::optional<double> parse_dms(std::string_view text) {
   return negative ? -angle : angle;
 }
 
+std::string counted(std::uint64_t number, const char* thing) {
+  return std::to_string(number) + ' ' + thing + (number == 1 ? "" : "s");
+}
+
 void append_number(std::string& line, double value) {
   if (std::isnan(value)) {
     line += "nan";  // whatever its sign

@@ -3,6 +3,7 @@
 #ifndef KZGIS_TOOLS_SUPPORT_NUMBER_TEXT_H
 #define KZGIS_TOOLS_SUPPORT_NUMBER_TEXT_H
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,9 @@ std::optional<double> parse_number(std::string_view text);
 /// "45d30'0\"S", "45.5".  One sign or hemisphere letter counts for the whole angle;
 /// minutes and seconds lie in [0, 60), and only the last number may have a fraction.
 std::optional<double> parse_dms(std::string_view text);
+
+/// "1 row", "2 rows".
+std::string counted(std::uint64_t number, const char* thing);
 
 /// The shortest text that reads back as the same number; "nan" without a sign.
 void append_number(std::string& line, double value);

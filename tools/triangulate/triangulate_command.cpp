@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "tools/support/command_error.h"
+#include "tools/support/number_text.h"
 #include "tools/support/output_file.h"
 #include "tools/support/progress.h"
 #include "tools/support/projection_options.h"
@@ -122,14 +123,11 @@ RecordRange choose_records(const ShapeRecords& records, const Options& options) 
 }
 
 std::string summary(const Totals& totals) {
-  const auto count = [](std::uint64_t number, const char* thing) {
-    return std::to_string(number) + ' ' + thing + (number == 1 ? "" : "s");
-  };
   // Ten digits are what sums of this length are good for.
   std::array<char, 32> area_text{};
   std::snprintf(area_text.data(), area_text.size(), "%.10g", totals.area);
-  return count(static_cast<std::uint64_t>(totals.records), "record") + ", " +
-         count(totals.rings, "ring") + ", " + count(totals.triangles, "triangle") + ", area " +
+  return counted(static_cast<std::uint64_t>(totals.records), "record") + ", " +
+         counted(totals.rings, "ring") + ", " + counted(totals.triangles, "triangle") + ", area " +
          area_text.data() + "; " + std::to_string(totals.refused) + " refused, " +
          std::to_string(totals.null) + " null";
 }
