@@ -178,6 +178,44 @@ def odd_inputs(made):
                                    as_nobody=as_nobody)
 
 
+def odd_parts_of_a_bank(made):
+    """One file of a bank is named and left out: the rest of the bank is shown."""
+    for odd, make in ODD.items():
+        if odd in ("missing", "a link to nowhere"):  # a bank need not have every file
+            continue
+        for arguments in (["info", "IN"], ["map", "--bank", "IN", "-o", "OUT"]):
+            with tempfile.TemporaryDirectory() as tmp:
+                directory = pathlib.Path(tmp)
+                directory.chmod(0o777)
+                bank, out = directory / "in", directory / "out.png"
+                put_sound("BANK", made, bank)
+                part = bank / "namer.Map/pby.cbd"
+                remove(part)
+                make(part)
+                forbidden = odd == "a file that is not to be read"
+                if forbidden and os.geteuid() == 0 and not NOBODY_CAN_RUN:
+                    continue
+                what = f"{arguments[0]}: {part.name} in a bank is {odd}"
+                expected = 1 + len(files_below(directory)) if arguments[0] == "map" else None
+                done = run(fill(arguments, bank, out),
+                           as_nobody=forbidden and os.geteuid() == 0)
+                if done is None:
+                    problems.append(f"{what}: does not end")
+                    continue
+                lines = done.stderr.decode("utf-8", "replace").splitlines()
+                # The library may say what it thinks of the file, too.
+                ours = [line for line in lines if not line.startswith("CIA: ")]
+                if (done.returncode != 1 or len(ours) != 1 or
+                        not ours[0].startswith(f"kzgis: {part}: ")):
+                    problems.append(f"{what}: exit code {done.returncode}, says {lines}")
+                if expected and (not out.exists() or len(files_below(directory)) != expected):
+                    problems.append(f"{what}: leaves {files_below(directory)}")
+
+
+def files_below(directory):
+    return [path for path in directory.rglob("*") if not path.is_dir()]
+
+
 def odd_names(made):
     for way in WAYS:
         arguments, ending, sound, _ = way
@@ -291,7 +329,7 @@ def main():
     with tempfile.TemporaryDirectory() as tmp:
         made = pathlib.Path(tmp)
         make_sound_inputs(made)
-        for group in (sound_inputs, odd_inputs, odd_names, odd_outputs):
+        for group in (sound_inputs, odd_inputs, odd_parts_of_a_bank, odd_names, odd_outputs):
             group(made)
     bombs()
     more_than_memory()

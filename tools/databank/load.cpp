@@ -29,15 +29,19 @@ std::vector<std::string> files_of(const std::string& directory, overlaySections 
   for (mapSections continent = Africa; continent != NumMapSections; increment(continent)) {
     const auto file =
         std::filesystem::path(directory) / continent_directory(continent) / theme_file(theme);
+    // Where it cannot be told whether there is one, reading it will complain.
     std::error_code error;
-    if (std::filesystem::exists(file, error)) files.push_back(file.string());
+    if (std::filesystem::exists(file, error) || error) files.push_back(file.string());
   }
   return files;
 }
 
 void check_is_bank(const std::string& directory) {
   for (overlaySections theme = Geographic; theme != Plates; increment(theme)) {
-    if (!files_of(directory, theme).empty()) return;
+    for (const std::string& file : files_of(directory, theme)) {
+      std::error_code error;
+      if (std::filesystem::exists(file, error)) return;
+    }
   }
   throw tools::CommandError(directory +
                             ": holds no data bank: there is no africa.Map/cil.cbd in it, nor any "

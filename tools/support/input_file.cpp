@@ -22,7 +22,7 @@ std::string expanded(const std::string& name) {
 std::string why_not_readable(const std::string& path) {
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
-  if (!std::filesystem::exists(status)) return path + ": " + std::strerror(ENOENT);
+  if (error) return path + ": " + std::strerror(error.value());
   if (!std::filesystem::is_regular_file(status)) return path + ": not a regular file";
   errno = 0;
   if (!std::ifstream(path, std::ios::binary)) return path + ": " + std::strerror(errno);
