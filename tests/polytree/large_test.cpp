@@ -14,16 +14,9 @@
 #include <vector>
 
 #include "kzgis/mesh.h"
+#include "support/sanitized.h"
 #include "triangulate/polygons.h"
 #include "triangulate/tiling.h"
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define KZGIS_SANITIZED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define KZGIS_SANITIZED
-#endif
-#endif
 
 #if defined(__GLIBC__) && !defined(KZGIS_SANITIZED)
 #include <malloc.h>

@@ -7,19 +7,13 @@
 #include <fstream>
 #include <string>
 
+#include "support/sanitized.h"
+
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define KZGIS_MEMORY_IS_SHADOWED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define KZGIS_MEMORY_IS_SHADOWED
-#endif
-#endif
-
-#ifdef KZGIS_MEMORY_IS_SHADOWED
+#ifdef KZGIS_SANITIZED
 inline constexpr bool kMemoryIsTheProgramsOwn = false;  // a sanitizer's grows by itself
 inline constexpr int kUsualRounds = 2;
 inline constexpr int kManyVertices = 50000;

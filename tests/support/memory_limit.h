@@ -5,15 +5,10 @@
 #ifndef KZGIS_TESTS_SUPPORT_MEMORY_LIMIT_H
 #define KZGIS_TESTS_SUPPORT_MEMORY_LIMIT_H
 
-#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define KZGIS_ADDRESS_SANITIZER
-#endif
-#endif
-#ifndef KZGIS_ADDRESS_SANITIZER
+#include "support/sanitized.h"
+
+#if defined(__linux__) && !defined(KZGIS_ADDRESS_SANITIZER)
 #define KZGIS_CAN_LIMIT_MEMORY
-#endif
 #endif
 
 #ifdef KZGIS_CAN_LIMIT_MEMORY

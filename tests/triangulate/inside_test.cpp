@@ -7,17 +7,11 @@
 
 #include "kzgis/triangulate.h"
 #include "support/capture.h"
+#include "support/sanitized.h"
 #include "triangulate/polygons.h"
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-#define KZGIS_SANITIZED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define KZGIS_SANITIZED
-#endif
-#endif
 #ifdef KZGIS_SANITIZED
 constexpr int kPoints = 100'000;
 #else

@@ -8,6 +8,7 @@
 
 #include "kzgis/triangulate.h"
 #include "support/capture.h"
+#include "support/sanitized.h"
 #include "triangulate/tiling.h"
 
 namespace {
@@ -16,13 +17,6 @@ using kzgis::triangulation::Outcome;
 using kzgis::triangulation::Result;
 using kzgis::triangulation::Workspace;
 
-#if defined(__SANITIZE_ADDRESS__)
-#define KZGIS_SANITIZED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define KZGIS_SANITIZED
-#endif
-#endif
 #ifdef KZGIS_SANITIZED
 constexpr bool kSlow = true;
 #else
