@@ -45,7 +45,7 @@ void open_stream(std::ifstream& stream, const char* name) {
       stream.open(name, std::ios::in | std::ios::binary);
     }
   } catch (const std::bad_alloc&) {
-    // The file is open by then, without a buffer: closed, the stream can open it again.
+    // An open file without a buffer: closed, the stream can open it again.
     stream.close();
     stream.setstate(std::ios::failbit);
   }

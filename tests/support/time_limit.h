@@ -5,13 +5,7 @@
 
 #include <ctime>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define KZGIS_TESTS_SANITIZED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define KZGIS_TESTS_SANITIZED
-#endif
-#endif
+#include "support/sanitized.h"
 
 /// Expects the rest of its scope to take less than a second, whatever the file: that is what
 /// the readers promise for damaged ones.
@@ -29,7 +23,7 @@ class LessThanASecond {
   LessThanASecond& operator=(const LessThanASecond&) = delete;
 
  private:
-#ifdef KZGIS_TESTS_SANITIZED
+#ifdef KZGIS_SANITIZED
   static constexpr double kLimit_s = 10.0;
 #else
   static constexpr double kLimit_s = 1.0;
