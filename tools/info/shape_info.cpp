@@ -9,6 +9,7 @@
 
 #include "tools/support/output_file.h"
 #include "tools/support/progress.h"
+#include "tools/support/record_walk.h"
 #include "tools/support/report.h"
 #include "tools/support/shape_records.h"
 
@@ -20,7 +21,7 @@ struct Totals {
   std::uint64_t null_records = 0;
   std::uint64_t parts = 0;
   std::uint64_t points = 0;
-  std::uint64_t failures = 0;
+  kz_long failures = 0;
 };
 
 void print_record(kz_long n, kz_long type, const ShapeRecord& record) {
@@ -34,12 +35,13 @@ void print_record(kz_long n, kz_long type, const ShapeRecord& record) {
             << ", y " << record.y_min << " to " << record.y_max << '\n';
 }
 
-/// Reads every record, printing a line for each when asked to.
+/// Reads the records, printing a line for each when asked to, until too many fail.
 Totals walk(ShapeRecords& shapes, bool print) {
   Totals totals;
   Progress progress("reading", static_cast<std::uint64_t>(shapes.count()), print);
+  RecordFailures failures(shapes.name(), report);
   ShapeRecord record;
-  for (kz_long n = 1; n <= shapes.count(); ++n) {
+  for (kz_long n = 1; n <= shapes.count() && !failures.give_up(); ++n) {
     switch (shapes.read(n, record)) {
       case RecordState::read:
         // A multi-point counts as one part, as a point does.
@@ -52,12 +54,13 @@ Totals walk(ShapeRecords& shapes, bool print) {
         if (print) std::cout << n << ": null\n";
         break;
       case RecordState::failed:
-        ++totals.failures;
-        report(shapes.name() + ": record " + std::to_string(n) + ": " + shapes.failure());
+        failures.add(n, shapes.failure());
         break;
     }
     progress.update(static_cast<std::uint64_t>(n));
   }
+  failures.sum_up();
+  totals.failures = failures.count();
   return totals;
 }
 

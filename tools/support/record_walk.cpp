@@ -1,16 +1,34 @@
 #include "tools/support/record_walk.h"
 
 #include <cstdint>
+#include <utility>
 
 namespace kzgis::tools {
 
 namespace {
 
-// A file that is damaged all through is not worth a line for every record.
 constexpr kz_long kMostComplaints = 20;
 constexpr kz_long kMostFailures = 1000;
 
 }  // namespace
+
+RecordFailures::RecordFailures(std::string file, Complain complain)
+    : file_(std::move(file)), complain_(std::move(complain)) {}
+
+void RecordFailures::add(kz_long number, const std::string& why) {
+  if (++count_ <= kMostComplaints) {
+    complain_(file_ + ": record " + std::to_string(number) + " cannot be read: " + why);
+  }
+}
+
+bool RecordFailures::give_up() const { return count_ >= kMostFailures; }
+
+void RecordFailures::sum_up() const {
+  if (count_ <= kMostComplaints) return;
+  complain_(file_ + ": " + std::to_string(count_ - kMostComplaints) +
+            (give_up() ? " more records cannot be read; the rest is left out"
+                       : " more records cannot be read"));
+}
 
 RecordTally walk_records(ShapeRecords& records, RecordRange range, Progress& progress,
                          const Complain& complain,
@@ -21,35 +39,27 @@ RecordTally walk_records(ShapeRecords& records, RecordRange range, Progress& pro
   constexpr std::uintmax_t kPointBytes = 16;
   std::uintmax_t points_left = records.shape_bytes() / kPointBytes;
   RecordTally tally;
-  const auto fail = [&](kz_long number, const std::string& why) {
-    if (++tally.failed <= kMostComplaints) {
-      complain(file + ": record " + std::to_string(number) + " cannot be read: " + why);
-    }
-  };
-
+  RecordFailures failures(file, complain);
   ShapeRecord record;
-  for (kz_long n = range.first; n <= range.last && tally.failed < kMostFailures; ++n) {
+  for (kz_long n = range.first; n <= range.last && !failures.give_up(); ++n) {
     progress.update(static_cast<std::uint64_t>(n - range.first));
     const RecordState state = records.read(n, record);
     if (state == RecordState::null) {
       ++tally.null;
     } else if (state == RecordState::failed) {
-      fail(n, records.failure());
+      failures.add(n, records.failure());
     } else if (!ShapeRecords::split(record, record.x)) {
-      fail(n, "its parts do not follow each other");
+      failures.add(n, "its parts do not follow each other");
     } else if (record.x.size() > points_left) {
-      fail(n, "the records together hold more points than the file");
+      failures.add(n, "the records together hold more points than the file");
       break;
     } else {
       points_left -= record.x.size();
       use(n, record);
     }
   }
-  if (tally.failed > kMostComplaints) {
-    complain(file + ": " + std::to_string(tally.failed - kMostComplaints) +
-             (tally.failed == kMostFailures ? " more records cannot be read; the rest is left out"
-                                            : " more records cannot be read"));
-  }
+  failures.sum_up();
+  tally.failed = failures.count();
   return tally;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -53,6 +54,21 @@ TEST_F(ShapeInfo, SaysWhichHeaderIsNotValid) {
                                          ".shp: the header of the shape file is not valid: the "
                                          "version is not 1000\n" +
                                          index}));
+}
+
+TEST_F(ShapeInfo, GivesUpAFileThatIsDamagedAllThrough) {
+  // An index of 2000 records, all of them far behind the shape file's end.
+  std::string entries;
+  for (int n = 0; n < 2000; ++n) entries += std::string("\x40\0\0\0\0\0\0\x40", 8);
+  change(".shx", 24, std::string("\0\0\x1F\x72", 4));  // 100 + 8 * 2000 bytes, in 16-bit words
+  change(".shx", 100, entries);
+  const auto [code, said] = verdict();
+  EXPECT_EQ(code, 1);
+  EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 21);
+  EXPECT_EQ(said.find("kzgis: " + lakes_ + ".shp: record 1 cannot be read: "), 0U) << said;
+  const std::string last =
+      "kzgis: " + lakes_ + ".shp: 980 more records cannot be read; the rest is left out\n";
+  EXPECT_TRUE(said.ends_with(last)) << said;
 }
 
 // As of a single point; what is beyond its edges is not asked.
