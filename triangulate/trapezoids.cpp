@@ -303,7 +303,9 @@ void merge(Tables& t, kz_long upper, kz_long lower) {
 
 kz_long newnode(Tables& t) {
   const bool full = t.qs_next >= t.qs_size;
-  if (t.orphan_node > 0 && (full || t.frugal)) {
+  // The links are in tables that are open to callers, who may have released them: one that
+  // leads out of the table ends the list.
+  if (t.orphan_node > 0 && t.qs.holds(t.orphan_node) && (full || t.frugal)) {
     const kz_long node = t.orphan_node;
     t.orphan_node = t.qs[node].left_child;
     t.qs[node] = QueryNode{};

@@ -108,6 +108,34 @@ TEST(ReleaseTables, LeavesNothingToWorkOn) {
             "newnode: Query-table overflow\nnewtrap: Trapezoid-table overflow\nHaggu !!!!!\n");
 }
 
+/// Triangulates an octagon: merging gives query nodes back, which are linked in the table.
+void leave_orphans() {
+  const double octagon[9][2] = {{0, 0}, {3, 0}, {6, 1},  {8, 4}, {7, 7},
+                                {4, 9}, {1, 8}, {-1, 5}, {-2, 2}};
+  const kz_long count = 8;
+  kz_long triangles[6][3];
+  triangulate_polygon(1, &count, octagon, triangles);
+}
+
+// What was given back belongs to the tables, and is gone with them.
+TEST(OrphanedNodes, AreGoneWithReleasedTables) {
+  leave_orphans();
+  release_tables();
+  StderrCapture err;
+  EXPECT_EQ(newnode(), -1);
+  EXPECT_EQ(err.text(), "newnode: Query-table overflow\n");
+}
+
+TEST(OrphanedNodes, EndWhereACallerHasOverwrittenTheLinks) {
+  leave_orphans();
+  for (kz_long i = 1; i < QSIZE; ++i) qs[i].left_child = 1 << 30;
+  StderrCapture err;
+  int handed_out = 0;
+  while (newnode() > 0) ASSERT_LT(++handed_out, QSIZE);
+  EXPECT_EQ(err.text(), "newnode: Query-table overflow\n");
+  release_tables();
+}
+
 TEST(EqualTo, AllowsTheToleranceInBothCoordinates) {
   const Point origin{0, 0};
   for (const auto& [point, equal] : {std::pair{Point{5.0e-8, -5.0e-8}, 1},
