@@ -324,16 +324,17 @@ kz_long newtrap(Tables& t) {
   const auto is_orphan = [&t](kz_long i) {
     return t.is_trapezoid(i) && t.tr[i].status == kInvalid;
   };
+  const bool full = t.tr_next >= t.tr_size;
   kz_long trapezoid = t.tr_next;
-  if (t.frugal && is_orphan(t.orphan_trap)) {
+  if ((full || t.frugal) && is_orphan(t.orphan_trap)) {
     trapezoid = t.orphan_trap;
     t.orphan_trap = t.tr[trapezoid].sink_node;
     t.tr[trapezoid] = Trapezoid{};
-  } else if (t.tr_next < t.tr_size) {
-    ++t.tr_next;
-  } else {
+  } else if (full) {
     t.say("newtrap: Trapezoid-table overflow");
     return -1;
+  } else {
+    ++t.tr_next;
   }
   t.tr[trapezoid].left_seg = t.tr[trapezoid].right_seg = kNone;
   t.tr[trapezoid].status = kValid;

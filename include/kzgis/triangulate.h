@@ -218,8 +218,8 @@ KZGIS_EXPORT kz_long locate_endpoint(const kzgis::triangulation::Point* v,
 /// with one line on standard error, when there is none either.
 KZGIS_EXPORT kz_long newnode();
 
-/// The next free trapezoid, valid and unbounded; -1, with one line on standard error, when
-/// the table is full.
+/// The next free trapezoid, valid and unbounded; when the table is full one that merging has
+/// given back; -1, with one line on standard error, when there is none either.
 KZGIS_EXPORT kz_long newtrap();
 
 /// 1 when v lies strictly to the left of segment s, seen upwards, else 0.

@@ -422,6 +422,29 @@ TEST_F(Newnode, HandsOrphanedNodesOutOnceTheTableIsFull) {
   EXPECT_EQ(err.text(), "newnode: Query-table overflow\n");
 }
 
+TEST_F(Newtrap, HandsMergedTrapezoidsOutOnceTheTableIsFull) {
+  ASSERT_EQ(initilize(1), 0);
+  for (kz_long t = 1; t < 6; ++t) ASSERT_EQ(newtrap(), t);
+  for (kz_long node = 1; node <= 3; ++node) ASSERT_EQ(newnode(), node);
+  qs[3].parent = 1;
+  tr[1].sink_node = 2;
+  tr[2].sink_node = 3;
+  tr[1].right_seg = tr[2].right_seg = 2;
+  tr[1].bottom = {2, 6};
+  tr[2].bottom = {3, 4};
+  tr[1].below0 = 2;
+  merge_trapezoid_run(2, 1, 2, 1);
+  ASSERT_EQ(tr[2].status, 2);
+
+  StderrCapture err;
+  EXPECT_EQ(newtrap(), 2);
+  EXPECT_EQ(tr[2].status, 1);
+  EXPECT_EQ(tr[2].right_seg, -1);
+  EXPECT_EQ(err.text(), "");
+  EXPECT_EQ(newtrap(), -1);
+  EXPECT_EQ(err.text(), "newtrap: Trapezoid-table overflow\n");
+}
+
 TEST_F(RefreshSegmentRoots, StoresTheSinksOfBothEnds) {
   make_contour({{0, 0}, {4, 8}, {7, 2}});
   ASSERT_EQ(create_initial_structure(1), 1);
