@@ -398,13 +398,8 @@ TEST_F(MergeTrapezoidRun, LeavesOtherSidesAndOtherBoundsAlone) {
   EXPECT_EQ(tr[2].status, 1);
 }
 
-TEST_F(Newnode, HandsOrphanedNodesOutOnceTheTableIsFull) {
-  ASSERT_EQ(initilize(4), 0);
-  for (kz_long t = 1; t <= 2; ++t) ASSERT_EQ(newtrap(), t);
-  for (kz_long node = 1; node < 40; ++node) ASSERT_EQ(newnode(), node);
-  qs[1].left_child = 3;
-  qs[3].parent = 1;
-  qs[3].kind = 3;
+/// Trapezoids 1 and 2, whose sinks are the nodes 2 and 3.
+void merge_the_second_into_the_first() {
   tr[1].sink_node = 2;
   tr[2].sink_node = 3;
   tr[1].right_seg = tr[2].right_seg = 2;
@@ -413,6 +408,16 @@ TEST_F(Newnode, HandsOrphanedNodesOutOnceTheTableIsFull) {
   tr[1].below0 = 2;
   merge_trapezoid_run(2, 1, 2, 1);
   ASSERT_EQ(tr[2].status, 2);
+}
+
+TEST_F(Newnode, HandsOrphanedNodesOutOnceTheTableIsFull) {
+  ASSERT_EQ(initilize(4), 0);
+  for (kz_long t = 1; t <= 2; ++t) ASSERT_EQ(newtrap(), t);
+  for (kz_long node = 1; node < 40; ++node) ASSERT_EQ(newnode(), node);
+  qs[1].left_child = 3;
+  qs[3].parent = 1;
+  qs[3].kind = 3;
+  merge_the_second_into_the_first();
 
   StderrCapture err;
   EXPECT_EQ(newnode(), 3);
@@ -427,14 +432,7 @@ TEST_F(Newtrap, HandsMergedTrapezoidsOutOnceTheTableIsFull) {
   for (kz_long t = 1; t < 6; ++t) ASSERT_EQ(newtrap(), t);
   for (kz_long node = 1; node <= 3; ++node) ASSERT_EQ(newnode(), node);
   qs[3].parent = 1;
-  tr[1].sink_node = 2;
-  tr[2].sink_node = 3;
-  tr[1].right_seg = tr[2].right_seg = 2;
-  tr[1].bottom = {2, 6};
-  tr[2].bottom = {3, 4};
-  tr[1].below0 = 2;
-  merge_trapezoid_run(2, 1, 2, 1);
-  ASSERT_EQ(tr[2].status, 2);
+  merge_the_second_into_the_first();
 
   StderrCapture err;
   EXPECT_EQ(newtrap(), 2);
