@@ -70,6 +70,16 @@ def wait_until(condition, otherwise):
         time.sleep(0.01)
 
 
+def stop(run, number, output):
+    """Sends the signal, and expects the run to end by it and to say so of its output."""
+    run.send_signal(number)
+    code = run.wait(TIMEOUT_S)
+    said = run.stderr.read().decode()
+    expect(code == -number, f"{output.name}, {number.name}: exit code {code}")
+    expect(said == f"kzgis: {output}: not written: stopped by a signal\n",
+           f"{output.name}, {number.name}: says {said!r}")
+
+
 @contextlib.contextmanager
 def writing(directory, **how):
     """A run that has begun to write OUT.csv and waits for more input."""
@@ -94,12 +104,7 @@ def signals_remove_the_temporary_file():
                 if former:
                     out.write_text(former, encoding="ascii")
                 with writing(directory) as run:
-                    run.send_signal(number)
-                    code = run.wait(TIMEOUT_S)
-                    said = run.stderr.read().decode()
-                expect(code == -number, f"{number.name}: exit code {code}")
-                expect(said == f"kzgis: {out}: not written: stopped by a signal\n",
-                       f"{number.name}: says {said!r}")
+                    stop(run, number, out)
                 expect(files_in(directory) == (["out.csv"] if former else []),
                        f"{number.name}: leaves {files_in(directory)}")
                 expect(not former or out.read_text(encoding="ascii") == former,
@@ -146,12 +151,7 @@ def signals_remove_every_file_of_a_bank():
                                   stdout=subprocess.DEVNULL, stderr=subprocess.PIPE) as run:
                 wait_until(lambda: sum(1 for p in temporary_files(bank) if p.stat().st_size) == 4,
                            "pack writes no four temporary files")
-                run.send_signal(number)
-                code = run.wait(TIMEOUT_S)
-                said = run.stderr.read().decode()
-            expect(code == -number, f"pack, {number.name}: exit code {code}")
-            expect(said == f"kzgis: {bank}: not written: stopped by a signal\n",
-                   f"pack, {number.name}: says {said!r}")
+                stop(run, number, bank)
             expect(files_in(bank) == [], f"pack, {number.name}: leaves {files_in(bank)}")
 
 
