@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "kzgis/dem.h"
-#include "kzgis/error.h"
+#include "kzgis/result.h"
 #include "kzgis/export.h"
 #include "kzgis/types.h"
 

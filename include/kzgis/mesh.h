@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "kzgis/error.h"
+#include "kzgis/result.h"
 #include "kzgis/export.h"
 #include "kzgis/types.h"
 
