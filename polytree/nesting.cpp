@@ -8,7 +8,7 @@
 #include <limits>
 #include <utility>
 
-#include "kzgis/exact.h"
+#include "exact/predicates.h"
 
 namespace kzgis::polytree {
 

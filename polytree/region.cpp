@@ -11,9 +11,9 @@
 #include <span>
 #include <vector>
 
+#include "exact/tiling.h"
 #include "kzgis/mesh.h"
 #include "polytree/refused.h"
-#include "polytree/tiling.h"
 
 namespace kzgis::polytree {
 
@@ -134,20 +134,20 @@ class Contours {
       y[i] = vertices_[i + 1][1];
     }
     const Rings rings{x, y, starts};
-    const kzgis::Nesting nesting = nest(rings);
-    if (nesting.flaw.kind == ErrorKind::out_of_memory) throw std::bad_alloc();
+    const auto nesting = nest(rings);
+    if (!nesting && nesting.error().kind == ErrorKind::out_of_memory) throw std::bad_alloc();
     // The region is the boundary less its holes only if that is where they lie.
-    if (nesting.flaw || nesting.depth[0] != 1) return false;
+    if (!nesting || nesting->depth[0] != 1) return false;
     for (std::size_t i = 1; i < starts.size(); ++i) {
-      if (nesting.depth[i] != 0 && nesting.parent[i] != 0) return false;
+      if (nesting->depth[i] != 0 && nesting->parent[i] != 0) return false;
     }
-    const Mesh mesh = kzgis::triangulate(rings);
-    if (mesh.flaw.kind == ErrorKind::out_of_memory) throw std::bad_alloc();
-    if (mesh.flaw || mesh.triangles.size() > 3 * triangle_count_) return false;
+    const auto mesh = kzgis::triangulate(rings);
+    if (!mesh && mesh.error().kind == ErrorKind::out_of_memory) throw std::bad_alloc();
+    if (!mesh || mesh->triangles.size() > 3 * triangle_count_) return false;
     for (std::size_t i = 0; i < 3 * triangle_count_; ++i) {
-      const bool made_up = i >= mesh.triangles.size();
+      const bool made_up = i >= mesh->triangles.size();
       triangles_[i / 3][i % 3] =
-          made_up ? static_cast<kz_long>(1 + i % 2) : static_cast<kz_long>(mesh.triangles[i]) + 1;
+          made_up ? static_cast<kz_long>(1 + i % 2) : static_cast<kz_long>(mesh->triangles[i]) + 1;
     }
     // A ring that turns round in a vertex encloses its parts either way: they are not the
     // region that its winding says.
@@ -237,7 +237,18 @@ class Contours {
   }
 
   bool tiled() const {
-    return tiles(sizes_, vertices_.get(), std::span(triangles_.get(), triangle_count_));
+    std::vector<exact::Point> points;
+    for (std::size_t i = 1; i < global_.size(); ++i) {
+      points.push_back({vertices_[i][0], vertices_[i][1]});
+    }
+    std::vector<std::uint32_t> corners;
+    for (const auto& triangle : std::span(triangles_.get(), triangle_count_)) {
+      for (const kz_long corner : triangle) {
+        corners.push_back(static_cast<std::uint32_t>(corner) - 1);
+      }
+    }
+    const std::vector<std::uint32_t> sizes(sizes_.begin(), sizes_.end());
+    return exact::tiles(points, exact::sides_of_contours(sizes), corners, exact::Flat::taken);
   }
 
   std::vector<const KZ_GIS_PolygonNode_c*> rings_;

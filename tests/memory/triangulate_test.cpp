@@ -1,4 +1,4 @@
-// The triangulator without memory: entry points, stages, workspaces, exact signs.
+// The triangulator without memory: entry points, stages, workspaces.
 
 #include "kzgis/triangulate.h"
 
@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "kzgis/exact.h"
 #include "memory/failing.h"
 #include "support/capture.h"
 
@@ -193,21 +192,6 @@ std::vector<Operation> operations() {
          kz_long triangles[6];
          kzgis::triangulation::Workspace workspace;
          return static_cast<long>(workspace.run(contour, kSquare, 0.0, 1, triangles).outcome);
-       }},
-      {"sign_of_sum",
-       1,
-       {kThrew},
-       [] {
-         const kzgis::exact::Product products[] = {{1.0, 2.0}, {-3.0, 1.0}};
-         return long{kzgis::exact::sign_of_sum(products)};
-       }},
-      {"orientation",
-       0,
-       {},
-       [] {
-         // Too near to a line for plain arithmetic.
-         return long{kzgis::exact::orientation(0.1, 0.1, 0.2, 0.2, 0.3, 0.3)} +
-                long{kzgis::exact::in_range(1e300)};
        }},
   };
 }
