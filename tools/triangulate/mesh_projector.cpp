@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <numbers>
 #include <vector>
 
@@ -51,7 +52,7 @@ std::vector<bool> rings_at_west_end(const Rings& rings) {
   }
   auto nesting = nest(rings);
   if (!nesting) return chosen;
-  std::vector<kz_long> parent = std::move(nesting->parent);
+  std::vector<std::int32_t> parent = std::move(nesting->parent);
   const auto up = [&parent](std::size_t r) { return static_cast<std::size_t>(parent[r]); };
   for (std::size_t r = 0; r < parent.size(); ++r) {
     std::size_t outermost = r;
@@ -69,20 +70,20 @@ std::vector<bool> rings_at_west_end(const Rings& rings) {
 Result<Mesh, Flaw> triangulate_some(const Rings& rings, const std::vector<bool>& chosen) {
   std::vector<double> x;
   std::vector<double> y;
-  std::vector<kz_long> starts;
-  std::vector<kz_ulong> number;
+  std::vector<std::int32_t> starts;
+  std::vector<std::uint32_t> number;
   for (std::size_t r = 0; r < rings.starts.size(); ++r) {
-    starts.push_back(static_cast<kz_long>(x.size()));
+    starts.push_back(static_cast<std::int32_t>(x.size()));
     if (!chosen[r]) continue;  // an empty ring
     for (auto v = static_cast<std::size_t>(rings.starts[r]); v < end_of(rings, r); ++v) {
       x.push_back(rings.x[v]);
       y.push_back(rings.y[v]);
-      number.push_back(static_cast<kz_ulong>(v));
+      number.push_back(static_cast<std::uint32_t>(v));
     }
   }
   auto mesh = triangulate({x, y, starts});
   if (mesh) {
-    for (kz_ulong& vertex : mesh->triangles) vertex = number[vertex];
+    for (std::uint32_t& vertex : mesh->triangles) vertex = number[vertex];
   }
   return mesh;
 }

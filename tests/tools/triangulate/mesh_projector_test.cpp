@@ -37,8 +37,7 @@ Projected project(const ProjectionOptions& options, const std::vector<double>& l
                   const std::vector<double>& lat, const std::vector<kz_long>& starts = {0}) {
   const Rings rings{lon, lat, starts};
   Projected result;
-  result.mesh = triangulate(rings);
-  EXPECT_FALSE(result.mesh.flaw) << result.mesh.flaw.message;
+  result.mesh = triangulate(rings).value();
   result.reason = MeshProjector(options).project(rings, result.mesh, result.points);
   return result;
 }
