@@ -11,7 +11,6 @@
 #include <new>
 
 #include "kzgis/polytree.h"
-#include "polytree/refused.h"
 
 using namespace kzgis;
 

@@ -11,7 +11,6 @@
 
 #include "kzgis/polytree.h"
 #include "polytree/nesting.h"
-#include "polytree/refused.h"
 #include "polytree/region.h"
 
 using namespace kzgis;

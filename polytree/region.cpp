@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "kzgis/mesh.h"
-#include "polytree/refused.h"
 #include "polytree/tiling.h"
 
 namespace kzgis::polytree {

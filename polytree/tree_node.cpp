@@ -6,7 +6,6 @@
 #include <cstdlib>
 
 #include "kzgis/polytree.h"
-#include "polytree/refused.h"
 
 using namespace kzgis;
 
