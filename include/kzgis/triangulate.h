@@ -1,8 +1,6 @@
 #ifndef KZGIS_TRIANGULATE_H
 #define KZGIS_TRIANGULATE_H
 
-#include <cstdint>
-#include <memory>
 #include <span>
 
 #include "kzgis/export.h"
@@ -16,12 +14,10 @@
 /// random order, into a map of trapezoids; the trapezoids inside the polygon give the
 /// diagonals that cut it into y-monotone pieces; each piece is cut by one sweep.
 ///
-/// The plain functions at the top work on tables of the whole process, exported too, so
-/// only one of them may run at a time, `print_error` and the comparisons of points apart.
-/// The same algorithm without that state is `kzgis::triangulation::Workspace`, at the end.
-///
-/// Of all that is declared here only `bounded_by` throws.  What needs memory says what it gives
-/// without.
+/// The functions work on tables of the whole process, exported too: only one of them may run at
+/// a time, `print_error` and the comparisons of points apart.  Nothing checks the input, and
+/// nothing proves the output; `kzgis::triangulate` (kzgis/mesh.h) does both, needs no tables, and
+/// is what a new program wants.
 namespace kzgis::triangulation {
 
 struct Point {
@@ -133,6 +129,15 @@ KZGIS_EXPORT kz_long triangulate_polygon(kz_long ncontours, const kz_long* cntr,
                                          const double (*vertices)[2], kz_long (*triangles)[3])
     KZGIS_SYMBOL(triangulate_polygon);
 
+namespace kzgis::triangulation {
+
+/// `triangulate_polygon` without its messages, for a caller that looks at the triangles, and
+/// knows what to do where there are none.
+KZGIS_EXPORT kz_long triangulate_quietly(kz_long ncontours, const kz_long* cntr,
+                                         const double (*vertices)[2], kz_long (*triangles)[3]);
+
+}  // namespace kzgis::triangulation
+
 /// 1 when the point (x, y) lies inside the polygon triangulated last, else 0.
 ///
 /// Points on the boundary get no consistent answer.  With no tables, before the first
@@ -202,6 +207,7 @@ KZGIS_EXPORT kz_long _less_than(const kzgis::triangulation::Point* a,
 // result is 0.
 
 /// Builds the map of segments 1 to n, which `seg` and `permute` must hold.
+///
 /// @return 0
 KZGIS_EXPORT kz_long construct_trapezoids(kz_long n) KZGIS_SYMBOL(construct_trapezoids);
 
@@ -308,57 +314,6 @@ namespace kzgis::triangulation {
 ///                   with a number that is no vertex's the answer is no
 /// Throws `std::bad_alloc` without memory.
 KZGIS_EXPORT bool bounded_by(std::span<const kz_long> contours, std::span<const kz_long> triangles);
-
-/// How `Workspace::run` ended.
-enum class Outcome {
-  complete,       ///< all triangles are there, and proved right
-  bad_input,      ///< sizes that do not fit each other, a ring below 3 vertices, no number
-  not_completed,  ///< no polygon, or none that this tolerance and insertion order can do
-  out_of_memory,
-};
-
-struct Result {
-  Outcome outcome;
-  kz_long triangles;  ///< number written; 0 unless complete
-};
-
-/// The same triangulator on tables of its own.
-///
-/// Workspaces are independent of each other and of the process-wide tables: as many threads
-/// may triangulate at once as there are workspaces.  One used again keeps most of its
-/// memory, and takes no memory before its first run.  At its peak a run takes no more than 600
-/// bytes per vertex of a polygon of a million, out of an address space of 1100.
-class KZGIS_EXPORT Workspace {
- public:
-  Workspace();
-  ~Workspace();
-  Workspace(Workspace&& other) noexcept;
-  Workspace& operator=(Workspace&& other) noexcept;
-
-  /// Triangulates one outer boundary with its holes; prints nothing.  After
-  /// `Outcome::out_of_memory` the workspace serves again.
-  ///
-  /// The input is that of `triangulate_polygon`, except that vertices and their numbers
-  /// count from 0.  What is `complete` has been checked, exactly: the number of triangles,
-  /// that each runs counter-clockwise, and that every edge is shared by two of them or is one
-  /// of the polygon's.  They cover every point as often as the contours wind around it; only
-  /// contours that overlap could make that more than once.
-  ///
-  /// @param contours   number of vertices of each contour
-  /// @param vertices   all of them, contour after contour
-  /// @param tolerance  vertices whose heights differ by no more are ordered by x; >= 0.
-  ///                   With 0 every decision is exact: a polygon that meets the
-  ///                   requirements, with magnitudes from 1e-140 to 1e150, is `complete` with any
-  ///                   seed, but for one whose query nodes outgrow ten per vertex: none known
-  /// @param seed       chooses the insertion order: the same input gives the same triangles
-  /// @param out        takes three numbers per triangle, N + 2 (contours - 1) - 2 triangles
-  Result run(std::span<const kz_long> contours, std::span<const Point> vertices, double tolerance,
-             std::uint64_t seed, std::span<kz_long> out);
-
- private:
-  struct Impl;
-  std::unique_ptr<Impl> impl_;
-};
 
 }  // namespace kzgis::triangulation
 
