@@ -65,6 +65,17 @@ void Tables::release() {
   seg_size = qs_size = tr_size = 0;
 }
 
+bool Tables::take_step() {
+  if (steps_left > 0) {
+    --steps_left;
+    return true;
+  }
+  // Past zero it has been said.
+  if (steps_left == 0) say("newnode: Query-table overflow");
+  steps_left = -1;
+  return false;
+}
+
 kz_long Tables::say(const char* line) const {
   if (quiet) return 0;
   std::cerr << line << std::endl;

@@ -88,6 +88,8 @@ struct Tables {
   kz_long tr_size = 0;
 
   bool quiet = false;  ///< messages stay unprinted
+  /// How many more steps a construction of the map may take; see `take_step`.
+  std::int64_t steps_left = std::numeric_limits<std::int64_t>::max();
 
   kz_long next_choice = 1;  ///< next entry of `permute`
   kz_long qs_next = 1;      ///< first query node never handed out
@@ -107,6 +109,11 @@ struct Tables {
   /// Prints one line to standard error, unless quiet.
   /// @return number of characters
   kz_long say(const char* line) const;
+
+  /// Takes one of the steps that are left to a construction: every walk through the map that can
+  /// be long asks before it goes on.
+  /// @return false when there was none left; the line that a full table prints is printed, once
+  bool take_step();
 
   /// `n` as far as there are so many segments.
   kz_long segments_in(kz_long n) const { return std::clamp(n, 0, std::max(seg_size - 1, 0)); }

@@ -32,7 +32,8 @@ bool is_left_of_segment(const Tables& t, kz_long s, const Point& v);
 /// as it leaves `v`.
 ///
 /// Before: `node` lies above v's sink; node 1, the root, always does.
-/// @return 0 when the search does not end in a sink; the line that says so is printed
+/// @return 0 when the search does not end in a sink, or a construction has no steps left; the
+///         line that says so is printed
 kz_long locate(Tables& t, const Point& v, const Point& toward, kz_long node);
 
 /// Adds segment s to the map.
@@ -48,7 +49,7 @@ bool refresh_segment_roots(Tables& t, kz_long s);
 ///
 /// Before: as for `create_initial_structure`.
 ///
-/// @return false when it cannot be completed
+/// @return false when it cannot be completed, for want of records or of steps
 bool construct_trapezoids(Tables& t, kz_long n);
 
 }  // namespace kzgis::triangulation

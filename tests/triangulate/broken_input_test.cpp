@@ -174,4 +174,32 @@ TEST(BrokenInput, RandomPointsOfATinyGrid) {
   }
 }
 
+// Found by fuzzing: the searches for the places of these vertices grow with their number, and ten
+// thousand of them took minutes under the sanitizers.
+TEST(BrokenInput, ThousandsOfVerticesInTwoPlacesAreGivenUp) {
+  const double far = -7.845912203937713e298;
+  const double near = -6.794487711402243e159;
+  constexpr kz_long kRings = 1428;
+  constexpr kz_long kCorners = 7;
+  std::vector<double> xy(2);
+  for (kz_long ring = 0; ring < kRings; ++ring) {
+    for (kz_long i = 0; i < kCorners; ++i) {
+      xy.insert(xy.end(), {far, i + 1 < kCorners ? far : near});
+    }
+  }
+  const std::vector<kz_long> counts(kRings, kCorners);
+  std::vector<kz_long> numbers(3 * kRings * (kCorners + 2), -7);
+  StderrCapture err;
+  EXPECT_EQ(
+      triangulate_polygon(kRings, counts.data(), reinterpret_cast<const double(*)[2]>(xy.data()),
+                          reinterpret_cast<kz_long(*)[3]>(numbers.data())),
+      0);
+  release_tables();
+  const std::string overflow = "newnode: Query-table overflow\n";
+  ASSERT_GE(err.text().size(), overflow.size());
+  // The last line, and not there a second time: nothing goes on behind it.
+  EXPECT_EQ(err.text().find(overflow), err.text().size() - overflow.size());
+  EXPECT_EQ(std::count(numbers.begin(), numbers.end(), -7), std::ssize(numbers));
+}
+
 }  // namespace

@@ -99,6 +99,33 @@ TEST(ClassicOrder, ThatTakesEveryTrapezoidIsSeenThrough) {
   EXPECT_EQ(err.text(), "");
 }
 
+// In an order that is far from random searches grow with the number of vertices; polygons of some
+// thousands are seen through all the same.
+TEST(ClassicOrder, AsTheVerticesFollowEachOtherIsSeenThrough) {
+  constexpr kz_long n = 2000;
+  std::mt19937_64 random;  // which the family does not use
+  const IntPolygon polygon = convex(n, random);
+  const std::vector<Point> points = polygon.points();
+  ASSERT_EQ(points.size(), static_cast<std::size_t>(n));
+  ASSERT_EQ(initilize(n + 1), 0);
+  ASSERT_EQ(generate_random_ordering(n), 0);  // starts choose_segment
+  for (kz_long i = 1; i <= n; ++i) {
+    permute[i] = i;
+    seg[i].start = points[static_cast<std::size_t>(i - 1)];
+    seg[i].end = points[static_cast<std::size_t>(i % n)];
+    seg[i].next_seg = i % n + 1;
+    seg[i].prev_seg = (i + n - 2) % n + 1;
+  }
+  const StderrCapture err;
+  construct_trapezoids(n);
+  Triangles triangles(static_cast<std::size_t>(polygon.triangle_count()));
+  triangulate_monotone_polygons(n, monotonate_trapezoids(n),
+                                reinterpret_cast<kz_long(*)[3]>(triangles.front().data()));
+  release_tables();
+  EXPECT_EQ(flaw_of(polygon, triangles, 1), "");
+  EXPECT_EQ(err.text(), "");
+}
+
 TEST_P(Tiling, OfLargerPolygons) {
   StderrCapture err;
   for (const int n : {100, 1000, 10'000}) {
