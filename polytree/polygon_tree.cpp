@@ -1,7 +1,14 @@
 // Rings arranged by containment, counted and cut into triangles.
 //
 // All nodes stand in one array, and the boundaries in the order in which a walk meets them,
-// so that nothing here recurses, however deep the rings lie in each other.
+// so that nothing here recurses, however deep the rings lie in each other.  The links between
+// nodes are those that the interface shows (tree_node.cpp); they are made once, from a nesting that
+// was found without them (nesting.cpp), and nobody but the tree can get at its nodes to change
+// them.
+//
+// Which ring is a boundary is a matter of its depth alone: odd depths are.  The order in which
+// boundaries are triangulated, and in which their triangles stand in the caller's array, is that
+// of `boundaries_`: islands before the boundary around them.
 
 #include <cstddef>
 #include <cstdint>
@@ -22,6 +29,7 @@ kz_ulong ring_end(kz_ulong p, kz_ulong count, const kz_ulong* starts, kz_ulong t
   return p + 1 < count ? starts[p + 1] : total;
 }
 
+/// Whether the starts do not decrease, and stay within the vertices.
 bool starts_fit(kz_ulong count, const kz_ulong* starts, kz_ulong total) {
   if (count > 0 && starts == nullptr) return false;
   for (kz_ulong p = 0; p < count; ++p) {
@@ -31,7 +39,8 @@ bool starts_fit(kz_ulong count, const kz_ulong* starts, kz_ulong total) {
   return true;
 }
 
-/// The boundaries below the root, each behind those inside it.
+/// The boundaries below the root, each behind those inside it: the order in which a walk leaves
+/// them that visits children first.
 std::vector<kz_ulong> list_boundaries(const polytree::Nesting& nesting) {
   std::vector<kz_ulong> boundaries;
   kz_ulong ring = 0;
