@@ -55,7 +55,7 @@ void nest(benchmark::State& state) {
   const Input input(state.range(0));
   kzgis::Nesting nesting;
   for (auto _ : state) {
-    nesting = kzgis::nest({input.x, input.y, input.starts});
+    nesting = kzgis::nest({input.x, input.y, input.starts}).value();
     benchmark::DoNotOptimize(nesting.depth.data());
   }
   for (std::size_t ring = 0; ring < nesting.depth.size(); ++ring) {

@@ -33,17 +33,20 @@ void check_triangles(const Contours& contours, const kz_ulong* corners, std::siz
 
 void check_mesh_layer(const Contours& contours) {
   const kzgis::Rings rings{contours.x, contours.y, contours.starts};
-  const kzgis::Mesh mesh = kzgis::triangulate(rings);
-  require(!mesh.flaw || mesh.triangles.empty());
-  check_triangles(contours, mesh.triangles.data(), mesh.triangles.size(), 1.0);  // none is flat
-  const kzgis::Nesting nesting = kzgis::nest(rings);
-  if (nesting.flaw) return;
-  require(nesting.parent.size() == contours.starts.size());
-  for (std::size_t r = 0; r < nesting.parent.size(); ++r) {
-    const kz_long parent = nesting.parent[r];
-    require(parent >= -1 && parent < static_cast<kz_long>(nesting.parent.size()));
-    const kz_long above = parent < 0 ? 0 : nesting.depth[static_cast<std::size_t>(parent)];
-    require(nesting.depth[r] == 0 || nesting.depth[r] == above + 1);
+  const auto mesh = kzgis::triangulate(rings);
+  const auto nesting = kzgis::nest(rings);
+  require(mesh.has_value() == nesting.has_value());
+  if (!mesh) {
+    require(mesh.error().kind != kzgis::ErrorKind::unproved);
+    return;
+  }
+  check_triangles(contours, mesh->triangles.data(), mesh->triangles.size(), 1.0);  // none is flat
+  require(nesting->parent.size() == contours.starts.size());
+  for (std::size_t r = 0; r < nesting->parent.size(); ++r) {
+    const std::int32_t parent = nesting->parent[r];
+    require(parent >= -1 && parent < static_cast<std::int32_t>(nesting->parent.size()));
+    const std::int32_t above = parent < 0 ? 0 : nesting->depth[static_cast<std::size_t>(parent)];
+    require(nesting->depth[r] == 0 || nesting->depth[r] == above + 1);
   }
 }
 

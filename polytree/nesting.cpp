@@ -18,7 +18,7 @@
 #include <limits>
 #include <utility>
 
-#include "kzgis/exact.h"
+#include "exact/predicates.h"
 
 namespace kzgis::polytree {
 

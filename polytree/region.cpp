@@ -10,37 +10,22 @@
 #include "polytree/region.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <limits>
 #include <memory>
 #include <new>
-#include <span>
+#include <optional>
+#include <utility>
 #include <vector>
 
-#include "kzgis/exact.h"
+#include "exact/predicates.h"
+#include "exact/tiling.h"
 #include "kzgis/mesh.h"
-#include "polytree/tiling.h"
 #include "polytree/winding.h"
 
 namespace kzgis::polytree {
 
 namespace {
-
-/// `polytree::tiles` for numbers that count from 0.
-bool tiles(std::span<const std::uint32_t> sizes, std::span<const double> x,
-           std::span<const double> y, std::span<const std::uint32_t> triangles) {
-  const auto v = std::make_unique<double[][2]>(x.size() + 1);
-  for (std::size_t i = 0; i < x.size(); ++i) {
-    v[i + 1][0] = x[i];
-    v[i + 1][1] = y[i];
-  }
-  std::vector<kz_long> s(sizes.begin(), sizes.end());
-  const auto t = std::make_unique<kz_long[][3]>(triangles.size() / 3);
-  for (std::size_t i = 0; i < triangles.size(); ++i)
-    t[i / 3][i % 3] = static_cast<kz_long>(triangles[i]) + 1;
-  return polytree::tiles(s, v.get(), std::span<const kz_long[3]>(t.get(), triangles.size() / 3));
-}
 
 const KZ_GIS_PolygonNode_c& hole(const KZ_GIS_PolygonNode_c& boundary, kz_ulong i) {
   return static_cast<const KZ_GIS_PolygonNode_c&>(boundary.Child(i));
@@ -52,6 +37,15 @@ std::uint64_t vertex_count(const KZ_GIS_PolygonNode_c& boundary) {
     vertices += hole(boundary, i).NumberOfVertices();
   }
   return vertices;
+}
+
+/// What an operation answered, or nothing where the contours have a flaw.  Throws
+/// `std::bad_alloc` where it had no memory.
+template <class T>
+std::optional<T> answer(Result<T, Flaw> result) {
+  if (result) return std::move(*result);
+  if (result.error().kind == ErrorKind::out_of_memory) throw std::bad_alloc();
+  return std::nullopt;
 }
 
 /// The contours as the classic triangulator takes them, numbered from 1: of a run of equal
@@ -80,7 +74,7 @@ int direction(const double (*ring)[2], kz_long size) {
   const double* const before = ring[first > 0 ? first - 1 : size - 1];
   const double* const here = ring[first];
   const double* const behind = ring[first + 1 < size ? first + 1 : 0];
-  return exact::orientation(before[0], before[1], here[0], here[1], behind[0], behind[1]);
+  return exact::orientation({before[0], before[1]}, {here[0], here[1]}, {behind[0], behind[1]});
 }
 
 /// The region's contours, one after the other, and its triangles.  Vertices are numbered from 0.
@@ -95,7 +89,7 @@ class Region {
   /// @return false when what came back does not tile the region
   bool ask(decltype(&triangulate_polygon) triangulator) {
     triangles_.clear();
-    Distinct distinct(x_.size());
+    Distinct distinct(vertices_.size());
     std::uint32_t begin = 0;
     for (const std::uint32_t size : sizes_) {
       drop_repeated(begin, begin + size, distinct);
@@ -119,7 +113,8 @@ class Region {
         triangles_.push_back(distinct.number[static_cast<std::size_t>(corner)]);
       }
     }
-    return tiles(sizes_, x_, y_, triangles_);
+    return exact::tiles(vertices_, exact::sides_of_contours(sizes_), triangles_,
+                        exact::Flat::taken);
   }
 
   /// Takes the contours for rings that may touch themselves and each other.
@@ -128,28 +123,25 @@ class Region {
   /// as a rule a ring was filed in the wrong place then.  So they are when the direction of the
   /// rings does not bear out what lies inside by the odd-even rule.
   bool sweep() {
-    std::vector<kz_long> starts;
-    kz_long begin = 0;
+    std::vector<double> x, y;
+    for (const exact::Point& vertex : vertices_) {
+      x.push_back(vertex.x);
+      y.push_back(vertex.y);
+    }
+    std::vector<std::int32_t> starts;
+    std::int32_t begin = 0;
     for (const std::uint32_t size : sizes_) {
       starts.push_back(begin);
-      begin += static_cast<kz_long>(size);
+      begin += static_cast<std::int32_t>(size);
     }
-    const Rings rings{x_, y_, starts};
-    const kzgis::Nesting nesting = nest(rings);
-    if (nesting.flaw.kind == ErrorKind::out_of_memory) throw std::bad_alloc();
-    if (nesting.flaw || nesting.depth[0] > 1) return false;
-    // A boundary without an inside has flat triangles, if it has the corners of even one.
-    if (nesting.depth[0] == 0 && !has_three_corners(sizes_[0])) return false;
-    for (std::size_t i = 1; i < starts.size(); ++i) {
-      if (nesting.depth[i] != 0 && nesting.parent[i] != 0) return false;
-    }
-    const Mesh mesh = kzgis::triangulate(rings);
-    if (mesh.flaw.kind == ErrorKind::out_of_memory) throw std::bad_alloc();
-    if (mesh.flaw || mesh.triangles.size() > 3 * triangle_count_) return false;
-    if (!wind_as_covered(sizes_, x_, y_, mesh.triangles)) return false;
+    const auto nesting = answer(nest({x, y, starts}));
+    if (!nesting || !is_region(*nesting)) return false;
+    const auto mesh = answer(kzgis::triangulate({x, y, starts}));
+    if (!mesh || mesh->triangles.size() > 3 * triangle_count_) return false;
+    if (!wind_as_covered(sizes_, vertices_, mesh->triangles)) return false;
     // What touches needs fewer triangles than were announced, and a hole without an inside none
     // at all: flat ones of a single side make up the number.
-    triangles_ = mesh.triangles;
+    triangles_ = mesh->triangles;
     while (triangles_.size() < 3 * triangle_count_) triangles_.push_back(triangles_.size() % 2);
     return true;
   }
@@ -177,8 +169,7 @@ class Region {
     for (kz_ulong i = 0; i < size; ++i) {
       const kz_ulong index = indices[i < size - first ? i + first : i - (size - first)];
       global_.push_back(index);
-      x_.push_back(x[index]);
-      y_.push_back(y[index]);
+      vertices_.push_back({x[index], y[index]});
     }
     sizes_.push_back(size);
   }
@@ -191,11 +182,11 @@ class Region {
   void drop_repeated(std::uint32_t begin, std::uint32_t end, Distinct& distinct) {
     const std::size_t before = distinct.number.size();
     for (std::uint32_t v = begin; v < end;) {
-      distinct.vertices[distinct.number.size()][0] = x_[v];
-      distinct.vertices[distinct.number.size()][1] = y_[v];
+      distinct.vertices[distinct.number.size()][0] = vertices_[v].x;
+      distinct.vertices[distinct.number.size()][1] = vertices_[v].y;
       distinct.number.push_back(v);
       std::uint32_t next = v + 1;
-      while (next < end && x_[next] == x_[v] && y_[next] == y_[v]) ++next;
+      while (next < end && same_place(next, v)) ++next;
       for (++v; v < next; ++v) {
         triangles_.insert(triangles_.end(), {v - 1, v, next < end ? next : begin});
       }
@@ -203,19 +194,35 @@ class Region {
     distinct.sizes.push_back(static_cast<kz_long>(distinct.number.size() - before));
   }
 
+  bool same_place(std::uint32_t v, std::uint32_t w) const {
+    return vertices_[v].x == vertices_[w].x && vertices_[v].y == vertices_[w].y;
+  }
+
+  /// Whether the first contour is the outermost and the others, but for those without an inside,
+  /// lie right inside it.
+  bool is_region(const kzgis::Nesting& nesting) const {
+    // A boundary without an inside has flat triangles, if it has the corners of even one.
+    if (nesting.depth[0] > 1 || (nesting.depth[0] == 0 && !has_three_corners(sizes_[0]))) {
+      return false;
+    }
+    for (std::size_t i = 1; i < sizes_.size(); ++i) {
+      if (nesting.depth[i] != 0 && nesting.parent[i] != 0) return false;
+    }
+    return true;
+  }
+
   /// Whether of the first `size` vertices three differ, each from the one before it.
   bool has_three_corners(std::uint32_t size) const {
     std::uint32_t corners = 0;
     for (std::uint32_t i = 0; i < size; ++i) {
-      const std::uint32_t before = i > 0 ? i - 1 : size - 1;
-      if (x_[i] != x_[before] || y_[i] != y_[before]) ++corners;
+      if (!same_place(i, i > 0 ? i - 1 : size - 1)) ++corners;
     }
     return corners >= 3;
   }
 
   std::vector<std::uint32_t> sizes_;
   std::vector<kz_ulong> global_;  // what the vertex list calls each vertex
-  std::vector<double> x_, y_;
+  std::vector<exact::Point> vertices_;
   std::vector<std::uint32_t> triangles_;
   std::size_t triangle_count_;
 };

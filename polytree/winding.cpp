@@ -18,8 +18,6 @@
 #include <tuple>
 #include <vector>
 
-#include "kzgis/exact.h"
-
 namespace kzgis::polytree {
 
 namespace {
@@ -34,17 +32,18 @@ struct Stretch {
 /// The places of the vertices, numbered from the left and, at the same x, from below.
 class Sites {
  public:
-  Sites(std::span<const double> x, std::span<const double> y) : x_(x), y_(y), site_of_(x.size()) {
-    std::vector<std::uint32_t> order(x.size());
+  explicit Sites(std::span<const exact::Point> vertices) : site_of_(vertices.size()) {
+    std::vector<std::uint32_t> order(vertices.size());
     for (std::size_t i = 0; i < order.size(); ++i) order[i] = static_cast<std::uint32_t>(i);
-    std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-      return x[a] != x[b] ? x[a] < x[b] : y[a] < y[b];
+    std::sort(order.begin(), order.end(), [vertices](std::uint32_t a, std::uint32_t b) {
+      return std::tie(vertices[a].x, vertices[a].y) < std::tie(vertices[b].x, vertices[b].y);
     });
     for (const std::uint32_t v : order) {
-      if (vertex_.empty() || x[v] != x[vertex_.back()] || y[v] != y[vertex_.back()]) {
-        vertex_.push_back(v);
+      const exact::Point& place = vertices[v];
+      if (places_.empty() || place.x != places_.back().x || place.y != places_.back().y) {
+        places_.push_back(place);
       }
-      site_of_[v] = static_cast<std::uint32_t>(vertex_.size() - 1);
+      site_of_[v] = static_cast<std::uint32_t>(places_.size() - 1);
     }
   }
 
@@ -52,16 +51,12 @@ class Sites {
 
   /// The turn from site a over b to c.
   int turn(std::uint32_t a, std::uint32_t b, std::uint32_t c) const {
-    const std::uint32_t i = vertex_[a];
-    const std::uint32_t j = vertex_[b];
-    const std::uint32_t k = vertex_[c];
-    return exact::orientation(x_[i], y_[i], x_[j], y_[j], x_[k], y_[k]);
+    return exact::orientation(places_[a], places_[b], places_[c]);
   }
 
  private:
-  std::span<const double> x_, y_;
   std::vector<std::uint32_t> site_of_;
-  std::vector<std::uint32_t> vertex_;  // one at each site
+  std::vector<exact::Point> places_;
 };
 
 /// Adds `weight` sides from one site to another.
@@ -124,11 +119,12 @@ bool cancel(const Sites& sites, const std::vector<Stretch>& stretches) {
 
 }  // namespace
 
-bool wind_as_covered(std::span<const std::uint32_t> contour_sizes, std::span<const double> x,
-                     std::span<const double> y, std::span<const std::uint32_t> triangles) {
-  const Sites sites(x, y);
+bool wind_as_covered(std::span<const std::uint32_t> contour_sizes,
+                     std::span<const exact::Point> vertices,
+                     std::span<const std::uint32_t> triangles) {
+  const Sites sites(vertices);
   std::vector<Stretch> stretches;
-  stretches.reserve(x.size() + triangles.size());
+  stretches.reserve(vertices.size() + triangles.size());
   const auto add_ring = [&](std::uint32_t count, auto vertex, int weight) {
     for (std::uint32_t i = 0; i < count; ++i) {
       const std::uint32_t next = i + 1 < count ? i + 1 : 0;

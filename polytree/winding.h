@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <span>
 
+#include "exact/predicates.h"
+
 namespace kzgis::polytree {
 
 /// Whether the contours wind round every point off the edges as often as triangles cover it.
@@ -20,10 +22,11 @@ namespace kzgis::polytree {
 /// Before: no triangle is clockwise; coordinates are `exact::in_range`.
 ///
 /// @param contour_sizes  number of vertices of each contour
-/// @param x, y           the vertices, contour after contour
+/// @param vertices       contour after contour
 /// @param triangles      three vertex numbers each, counted from 0; flat ones change nothing
-bool wind_as_covered(std::span<const std::uint32_t> contour_sizes, std::span<const double> x,
-                     std::span<const double> y, std::span<const std::uint32_t> triangles);
+bool wind_as_covered(std::span<const std::uint32_t> contour_sizes,
+                     std::span<const exact::Point> vertices,
+                     std::span<const std::uint32_t> triangles);
 
 }  // namespace kzgis::polytree
 

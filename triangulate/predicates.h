@@ -9,7 +9,7 @@
 
 #include <cmath>
 
-#include "kzgis/exact.h"
+#include "exact/predicates.h"
 #include "kzgis/triangulate.h"
 
 namespace kzgis::triangulation {
@@ -46,7 +46,7 @@ inline bool less_than(const Point& a, const Point& b) {
 
 /// 1 when c lies to the left of the way from a to b, -1 to the right, 0 on that line.
 inline int orientation(const Point& a, const Point& b, const Point& c) {
-  return exact::orientation(a.x, a.y, b.x, b.y, c.x, c.y);
+  return exact::orientation({a.x, a.y}, {b.x, b.y}, {c.x, c.y});
 }
 
 /// How the direction from p to q compares with that from p to r, on the scale that the

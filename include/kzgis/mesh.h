@@ -1,16 +1,15 @@
 #ifndef KZGIS_MESH_H
 #define KZGIS_MESH_H
 
+#include <cstdint>
 #include <span>
 #include <vector>
 
-#include "kzgis/result.h"
 #include "kzgis/export.h"
-#include "kzgis/types.h"
+#include "kzgis/result.h"
 
-// Polygons as they come in real files, nested and triangulated.  Nothing here is shared:
-// any number of threads may call at once.  Without memory the flaw is of kind
-// `ErrorKind::out_of_memory`; nothing throws.
+// Polygons as they come in real files, nested and triangulated.  Any number of threads may
+// call at once.
 
 namespace kzgis {
 
@@ -23,53 +22,58 @@ namespace kzgis {
 /// 2^-480 to 2^500.
 struct Rings {
   std::span<const double> x;
-  std::span<const double> y;        ///< as many as x; any unit
-  std::span<const kz_long> starts;  ///< each >= 0, not decreasing, within the coordinates
+  std::span<const double> y;             ///< as many as x; any unit
+  std::span<const std::int32_t> starts;  ///< each >= 0, not decreasing, within the coordinates
 };
 
 /// Where the input is not a polygon: ring and vertex are numbers in the caller's arrays,
 /// counted from 0; -1 when the flaw has no place.
 struct Flaw : Error {
-  kz_long ring = -1;
-  kz_long vertex = -1;
+  std::int32_t ring = -1;
+  std::int32_t vertex = -1;
 };
 
-/// Triangles that tile a polygon, or the reason why there are none.
+/// Triangles that tile a polygon.
 struct Mesh {
   /// Three vertex numbers each, in the caller's numbering from 0, counter-clockwise, never
-  /// on one line.  Where vertices coincide the first of them stands for all.  Empty when
-  /// there is a flaw.
-  std::vector<kz_ulong> triangles;
-  /// Nothing: the triangles are proved, in exact arithmetic, to tile the polygon.
-  Flaw flaw;
+  /// on one line.  Where vertices coincide the first of them stands for all.
+  std::vector<std::uint32_t> triangles;
 };
 
 /// Which ring lies in which.
 struct Nesting {
-  std::vector<kz_long> parent;  ///< of each ring the smallest one around it; -1 outermost
-  std::vector<kz_long> depth;   ///< 1 outermost, 2 a hole in one of those, 3 an island in it
-  Flaw flaw;                    ///< when set, the others are empty
+  std::vector<std::int32_t> parent;  ///< of each ring the smallest one around it; -1 outermost
+  std::vector<std::int32_t> depth;   ///< 1 outermost, 2 a hole in one of those, 3 an island in it
 };
 
 /// Cuts a polygon into triangles, without adding vertices.
 ///
-/// Rings may touch themselves and each other, in a vertex or along edges, and have repeated
-/// vertices, spikes without area and runs of vertices on one line.  They may not cross or
-/// overlap, nor repeat one another; nothing else is refused, however close to each other
-/// vertices and sides lie.  The same input gives the same triangles.  At its peak it takes no
-/// more than 300 bytes per vertex of a polygon of a million, and no deep stack.
+/// Rings may touch themselves and each other, in a vertex or along edges, cross in a place
+/// where the polygon has a vertex, and have repeated vertices, spikes without area and runs of
+/// vertices on one line.  Refused, with `ErrorKind::bad_data`, are two sides that cross where
+/// no vertex is, and two rings that overlap or repeat one another; nothing else is, however
+/// close to each other vertices and sides lie.  `docs/polygons.md` says what these words mean
+/// and what is proved of the triangles before they are handed out.
+///
+/// The same input gives the same triangles.  Time grows as (n + k) log n for n vertices and k
+/// places where a vertex lies on a side of others; where bundles of many sides on top of each
+/// other cross one another in vertices, each crossing counts as many times as the bundles have
+/// sides.  At its peak a call takes no more than 300 bytes per vertex of a polygon of a
+/// million, and no deep stack.
 ///
 /// The plane sweep is that of M. I. Shamos and D. Hoey, "Geometric intersection problems"
 /// (1976), in exact arithmetic; the triangles are those of S. Hertel and K. Mehlhorn, "Fast
 /// triangulation of simple polygons" (1983).
-KZGIS_EXPORT Mesh triangulate(const Rings& rings);
+KZGIS_EXPORT Result<Mesh, Flaw> triangulate(const Rings& rings);
 
-/// Finds the true containment of the rings, touching ones included.
+/// Finds the true containment of the rings, touching ones included; refuses what
+/// `triangulate` refuses.
 ///
-/// A ring of fewer than three different vertices has no inside: its depth is 0 and its
-/// parent -1.  At its peak it takes no more than 200 bytes per vertex of a polygon of a
-/// million.
-KZGIS_EXPORT Nesting nest(const Rings& rings);
+/// A ring lies in another when all of its inside does, by the odd-even rule for each.  A ring
+/// without an inside, such as one of fewer than three different vertices or one traced twice,
+/// lies in none: its depth is 0 and its parent -1.  At its peak a call takes no more than 200
+/// bytes per vertex of a polygon of a million.
+KZGIS_EXPORT Result<Nesting, Flaw> nest(const Rings& rings);
 
 }  // namespace kzgis
 

@@ -7,9 +7,9 @@
 #include <thread>
 #include <vector>
 
-#include "kzgis/mesh.h"
 #include "kzgis/triangulate.h"
 #include "memory/failing.h"
+#include "support/meshed.h"
 
 namespace {
 
@@ -203,13 +203,13 @@ std::vector<Operation> trees() {
 }
 
 long kind_of(const kzgis::Rings& rings) {
-  const kzgis::Mesh mesh = kzgis::triangulate(rings);
+  const Meshed mesh = meshed(rings);
   if (mesh.flaw) return static_cast<long>(mesh.flaw.kind);
   return 100 + static_cast<long>(mesh.triangles.size());
 }
 
 long kind_of_nesting(const kzgis::Rings& rings) {
-  const kzgis::Nesting nesting = kzgis::nest(rings);
+  const Nested nesting = nested(rings);
   if (nesting.flaw) return static_cast<long>(nesting.flaw.kind);
   return 100 + nesting.depth.back();
 }

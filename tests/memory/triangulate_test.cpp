@@ -1,4 +1,4 @@
-// The triangulator without memory: entry points, stages, exact signs.
+// The triangulator without memory: entry points, stages.
 
 #include "kzgis/triangulate.h"
 
@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "kzgis/exact.h"
 #include "memory/failing.h"
 #include "support/capture.h"
 
@@ -164,21 +163,6 @@ std::vector<Operation> operations() {
        prepare_segments},
       {"print_error_Short", 0, {}, [] { return long{print_error("no table %d\n", 7)}; }},
       {"print_error_Long", 1, {}, [] { return long{print_error("%300d\n", 7)}; }},
-      {"sign_of_sum",
-       1,
-       {kThrew},
-       [] {
-         const kzgis::exact::Product products[] = {{1.0, 2.0}, {-3.0, 1.0}};
-         return long{kzgis::exact::sign_of_sum(products)};
-       }},
-      {"orientation",
-       0,
-       {},
-       [] {
-         // Too near to a line for plain arithmetic.
-         return long{kzgis::exact::orientation(0.1, 0.1, 0.2, 0.2, 0.3, 0.3)} +
-                long{kzgis::exact::in_range(1e300)};
-       }},
   };
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -15,7 +16,9 @@ struct Contours {
   std::vector<double> x, y;
 
   bool wind_as(const Numbers& triangles) const {
-    return kzgis::polytree::wind_as_covered(sizes, x, y, triangles);
+    std::vector<kzgis::exact::Point> vertices;
+    for (std::size_t i = 0; i < x.size(); ++i) vertices.push_back({x[i], y[i]});
+    return kzgis::polytree::wind_as_covered(sizes, vertices, triangles);
   }
 };
 

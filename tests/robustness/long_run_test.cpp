@@ -11,10 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "kzgis/mesh.h"
 #include "kzgis/polytree.h"
 #include "robustness/process_memory.h"
 #include "support/failing_memory.h"
+#include "support/meshed.h"
 #include "support/polygon_layer.h"
 
 namespace {
@@ -26,8 +26,8 @@ std::size_t read_nest_and_triangulate() {
   for (kz_ulong i = 0; i < layer.records(); ++i) {
     const PolygonLayer::Record record = layer.next();
     const kzgis::Rings rings{record.x, record.y, record.starts};
-    EXPECT_FALSE(kzgis::nest(rings).flaw);
-    const kzgis::Mesh mesh = kzgis::triangulate(rings);
+    EXPECT_FALSE(nested(rings).flaw);
+    const Meshed mesh = meshed(rings);
     EXPECT_FALSE(mesh.flaw);
     triangles += mesh.triangles.size() / 3;
 

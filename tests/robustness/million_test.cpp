@@ -12,12 +12,12 @@
 #include <utility>
 #include <vector>
 
-#include "kzgis/mesh.h"
 #include "kzgis/polytree.h"
 #include "kzgis/shape.h"
 #include "kzgis/triangulate.h"
 #include "robustness/process_memory.h"
 #include "shape/shapefile_writer.h"
+#include "support/meshed.h"
 #include "support/temporary_directory.h"
 #include "triangulate/polygons.h"
 
@@ -83,7 +83,7 @@ class MillionVertices : public testing::Test {
 TEST_F(MillionVertices, AreTriangulatedByTheMesh) {
   for (const Input* input : {&spiral_, &comb_}) {
     const std::size_t bytes = bytes_per_vertex(input->x.size(), [&] {
-      const kzgis::Mesh mesh = kzgis::triangulate({input->x, input->y, input->starts});
+      const Meshed mesh = meshed({input->x, input->y, input->starts});
       EXPECT_EQ(mesh.flaw.message, "");
       EXPECT_EQ(mesh.triangles.size(), 3 * (input->x.size() - 2));
     });
@@ -93,7 +93,7 @@ TEST_F(MillionVertices, AreTriangulatedByTheMesh) {
 
 TEST_F(MillionVertices, AreNested) {
   const std::size_t bytes = bytes_per_vertex(spiral_.x.size(), [&] {
-    const kzgis::Nesting nesting = kzgis::nest({spiral_.x, spiral_.y, spiral_.starts});
+    const Nested nesting = nested({spiral_.x, spiral_.y, spiral_.starts});
     EXPECT_EQ(nesting.flaw.message, "");
     EXPECT_EQ(nesting.depth, std::vector<kz_long>{1});
   });

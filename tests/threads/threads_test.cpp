@@ -17,11 +17,11 @@
 #include "kzgis/dem.h"
 #include "kzgis/elevation.h"
 #include "kzgis/filetools.h"
-#include "kzgis/mesh.h"
 #include "kzgis/polytree.h"
 #include "kzgis/projection.h"
 #include "kzgis/triangulate.h"
 #include "kzgis/utdate.h"
+#include "support/meshed.h"
 #include "support/polygon_layer.h"
 #include "support/sink.h"
 #include "worldmap/bank.h"
@@ -121,8 +121,8 @@ std::string mesh_polygons() {
   for (kz_ulong i = 0; i < layer.records(); ++i) {
     const PolygonLayer::Record record = layer.next();
     const kzgis::Rings rings{record.x, record.y, record.starts};
-    put(os, kzgis::nest(rings).depth);
-    put(os, kzgis::triangulate(rings).triangles);
+    put(os, nested(rings).depth);
+    put(os, meshed(rings).triangles);
   }
   return os.str();
 }

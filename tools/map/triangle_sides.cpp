@@ -18,10 +18,13 @@ TriangleSides triangle_sides(const Parts& rings) {
       y.push_back(p.lat);
     }
   }
-  Mesh mesh = triangulate({x, y, starts});
   TriangleSides sides;
-  sides.flaw = std::move(mesh.flaw);
-  for (const auto& [from, to] : tools::mesh_edges(mesh.triangles).inner) {
+  auto mesh = triangulate({x, y, starts});
+  if (!mesh) {
+    sides.flaw = std::move(mesh).error();
+    return sides;
+  }
+  for (const auto& [from, to] : tools::mesh_edges(mesh->triangles).inner) {
     sides.lines.push_back({{x[from], y[from]}, {x[to], y[to]}});
   }
   return sides;

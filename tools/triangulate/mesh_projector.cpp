@@ -49,7 +49,9 @@ std::vector<bool> rings_at_west_end(const Rings& rings) {
       if (rings.x[v] <= west + kSeamTolerance_deg) begins_there[r] = true;
     }
   }
-  std::vector<kz_long> parent = nest(rings).parent;
+  auto nesting = nest(rings);
+  if (!nesting) return chosen;
+  std::vector<kz_long> parent = std::move(nesting->parent);
   const auto up = [&parent](std::size_t r) { return static_cast<std::size_t>(parent[r]); };
   for (std::size_t r = 0; r < parent.size(); ++r) {
     std::size_t outermost = r;
@@ -64,7 +66,7 @@ std::vector<bool> rings_at_west_end(const Rings& rings) {
 
 /// The mesh of some of the rings, with the vertex numbers of all; on a flaw, the ring's number
 /// is right and the vertex's is not.
-Mesh triangulate_some(const Rings& rings, const std::vector<bool>& chosen) {
+Result<Mesh, Flaw> triangulate_some(const Rings& rings, const std::vector<bool>& chosen) {
   std::vector<double> x;
   std::vector<double> y;
   std::vector<kz_long> starts;
@@ -78,8 +80,10 @@ Mesh triangulate_some(const Rings& rings, const std::vector<bool>& chosen) {
       number.push_back(static_cast<kz_ulong>(v));
     }
   }
-  Mesh mesh = triangulate({x, y, starts});
-  for (kz_ulong& vertex : mesh.triangles) vertex = number[vertex];
+  auto mesh = triangulate({x, y, starts});
+  if (mesh) {
+    for (kz_ulong& vertex : mesh->triangles) vertex = number[vertex];
+  }
   return mesh;
 }
 
@@ -141,13 +145,13 @@ std::string MeshProjector::project(const Rings& rings, Mesh& mesh,
   mesh = {};
   std::vector<bool> chosen = rings_at_west_end(rings);
   for (int side = 0; side < 2; ++side, chosen.flip()) {
-    const Mesh part = triangulate_some(flat, chosen);
-    if (part.flaw.kind == ErrorKind::bad_data) {
-      return "once projected, ring " + std::to_string(part.flaw.ring) +
+    const auto part = triangulate_some(flat, chosen);
+    if (!part && part.error().kind == ErrorKind::bad_data) {
+      return "once projected, ring " + std::to_string(part.error().ring) +
              " crosses itself or another";
     }
-    if (part.flaw) return part.flaw.message;
-    mesh.triangles.insert(mesh.triangles.end(), part.triangles.begin(), part.triangles.end());
+    if (!part) return part.error().message;
+    mesh.triangles.insert(mesh.triangles.end(), part->triangles.begin(), part->triangles.end());
   }
   return {};
 }

@@ -166,8 +166,9 @@ int run(const Options& options) {
     const auto use = [&](kz_long number, const ShapeRecord& record) {
       const Rings rings{record.x, record.y, record.parts};
       std::vector<WorldPoint> points;
-      Mesh mesh = triangulate(rings);
-      std::string reason = mesh.flaw ? mesh.flaw.message : std::string();
+      auto tried = triangulate(rings);
+      std::string reason = tried ? std::string() : tried.error().message;
+      Mesh mesh = tried ? std::move(*tried) : Mesh{};
       for (std::size_t v = 0; v < record.x.size(); ++v) {
         points.push_back({record.x[v], record.y[v], 0.0});
       }

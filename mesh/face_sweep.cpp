@@ -8,7 +8,7 @@
 // nothing enters.  So no two corners of one site come into the same interval, and it does
 // not matter that their places are the same.
 
-#include "polytree/face_sweep.h"
+#include "mesh/face_sweep.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -17,16 +17,16 @@
 #include <numeric>
 #include <set>
 
-#include "kzgis/exact.h"
+#include "mesh/sweep_line.h"
 
-namespace kzgis::polytree {
+namespace kzgis::mesh {
 
 namespace {
 
 class FaceSweep {
  public:
-  FaceSweep(const Arrangement& arrangement, const Face& face)
-      : a_(arrangement), status_(Upward{this}) {
+  FaceSweep(const Sites& sites, const Face& face, std::vector<std::uint32_t>& triangles)
+      : sites_(sites), triangles_(triangles), status_(Upward{this}) {
     for (const Contour& contour : face) {
       const auto first = static_cast<std::uint32_t>(corners_.size());
       const auto size = static_cast<std::uint32_t>(contour.size());
@@ -36,10 +36,9 @@ class FaceSweep {
     }
     interval_below_.assign(corners_.size(), kNone);
     interval_above_.assign(corners_.size(), kNone);
-    triangles_.reserve(3 * (corners_.size() + 2 * face.size()));
   }
 
-  std::vector<kz_long> run() {
+  void run() {
     // Of the corners of one site, those that have a side on the left come first.
     std::vector<std::uint32_t> order(corners_.size());
     std::iota(order.begin(), order.end(), 0U);
@@ -50,7 +49,6 @@ class FaceSweep {
       return a_opens != b_opens ? b_opens : a < b;
     });
     for (const std::uint32_t corner : order) pass(corner);
-    return std::move(triangles_);
   }
 
  private:
@@ -74,31 +72,26 @@ class FaceSweep {
     using is_transparent = void;
 
     bool operator()(std::uint32_t a, std::uint32_t b) const {
-      const std::uint32_t p = sweep->intervals_[a].lower;
-      const std::uint32_t q = sweep->intervals_[b].lower;
-      const std::uint32_t p_end = sweep->corners_[p].after;
-      const std::uint32_t q_end = sweep->corners_[q].after;
-      if (sweep->site(p) == sweep->site(q)) return sweep->turn(p, p_end, q_end) > 0;
-      if (sweep->site(p) < sweep->site(q)) return sweep->turn(p, p_end, q) > 0;
-      return sweep->turn(q, q_end, p) < 0;
+      return runs_below(sweep->sites_, sweep->lower_line(a), sweep->lower_line(b));
     }
     /// Whether the lower side runs below a corner.
     struct At {
       std::uint32_t corner;
     };
     bool operator()(std::uint32_t a, At b) const {
-      const std::uint32_t p = sweep->intervals_[a].lower;
-      return sweep->turn(p, sweep->corners_[p].after, b.corner) > 0;
+      return side_of(sweep->sites_, sweep->lower_line(a), sweep->site(b.corner)) > 0;
     }
   };
 
   std::uint32_t site(std::uint32_t corner) const { return corners_[corner].site; }
 
   int turn(std::uint32_t p, std::uint32_t q, std::uint32_t r) const {
-    const Site& u = a_.sites[site(p)];
-    const Site& v = a_.sites[site(q)];
-    const Site& w = a_.sites[site(r)];
-    return exact::orientation(u.x, u.y, v.x, v.y, w.x, w.y);
+    return sites_.turn(site(p), site(q), site(r));
+  }
+
+  Span lower_line(std::uint32_t interval) const {
+    const std::uint32_t side = intervals_[interval].lower;
+    return {site(side), site(corners_[side].after)};
   }
 
   /// Whether both sides at a corner lead to the right.
@@ -213,7 +206,7 @@ class FaceSweep {
   }
 
   void add_triangle(std::uint32_t a, std::uint32_t b, std::uint32_t c) {
-    for (const std::uint32_t corner : {a, b, c}) triangles_.push_back(static_cast<kz_long>(corner));
+    for (const std::uint32_t corner : {a, b, c}) triangles_.push_back(site(corner));
   }
 
   std::uint32_t add_link(std::uint32_t corner) {
@@ -236,7 +229,8 @@ class FaceSweep {
     interval_below_[side] = interval;
   }
 
-  const Arrangement& a_;
+  const Sites& sites_;
+  std::vector<std::uint32_t>& triangles_;
   std::vector<Corner> corners_;
   std::vector<Link> links_;
   std::vector<Interval> intervals_;
@@ -245,13 +239,12 @@ class FaceSweep {
   using Status = std::set<std::uint32_t, Upward>;
   Status status_;
   std::vector<Status::iterator> places_;  // of each interval, whose sides may end now
-  std::vector<kz_long> triangles_;
 };
 
 }  // namespace
 
-std::vector<kz_long> sweep_face(const Arrangement& arrangement, const Face& face) {
-  return FaceSweep(arrangement, face).run();
+void sweep_face(const Sites& sites, const Face& face, std::vector<std::uint32_t>& triangles) {
+  FaceSweep(sites, face, triangles).run();
 }
 
-}  // namespace kzgis::polytree
+}  // namespace kzgis::mesh

@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-#include "kzgis/mesh.h"
+#include "support/meshed.h"
 #include "triangulate/polygons.h"
 #include "triangulate/tiling.h"
 
@@ -33,7 +33,7 @@ void expect_nested(const std::vector<IntRing>& rings, const Inside& inside,
       y.push_back(static_cast<double>(p.y));
     }
   }
-  const kzgis::Nesting nesting = kzgis::nest({x, y, starts});
+  const Nested nesting = nested({x, y, starts});
   ASSERT_EQ(nesting.flaw.message, "");
   ASSERT_EQ(nesting.parent.size(), rings.size());
   ASSERT_EQ(nesting.depth.size(), rings.size());

@@ -1,20 +1,24 @@
+// Signs against the compiler's 128-bit integers, at both ends of the range.
 
-#include "kzgis/exact.h"
+#include "exact/predicates.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <random>
-#include <vector>
 
 namespace {
 
 using kzgis::exact::in_range;
-using kzgis::exact::orientation;
-using kzgis::exact::Product;
+using kzgis::exact::Line;
 
 __extension__ using Wide = __int128;
+
+int orientation(double ax, double ay, double bx, double by, double cx, double cy) {
+  return kzgis::exact::orientation({ax, ay}, {bx, by}, {cx, cy});
+}
 
 int sign(Wide value) { return value > 0 ? 1 : value < 0 ? -1 : 0; }
 
@@ -87,26 +91,56 @@ TEST(Orientation, KeepsItsLaws) {
   }
 }
 
-TEST(SignOfSum, CountsEveryBit) {
-  using kzgis::exact::sign_of_sum;
-  EXPECT_EQ(sign_of_sum({}), 0);
-  EXPECT_EQ(sign_of_sum(std::vector<Product>{{0.0, 5.0}}), 0);
-  EXPECT_EQ(sign_of_sum(std::vector<Product>{{-3.0, 5.0}, {2.0, 7.0}}), -1);
-  EXPECT_EQ(sign_of_sum(std::vector<Product>{{1e150, 1e150}, {1e-140, -1e-140}}), 1);
-  EXPECT_EQ(sign_of_sum(std::vector<Product>{{1e90, 1e90}, {1e-99, -1e-99}, {-1e90, 1e90}}), -1);
-  // (1 + 2^-52)^2 is 1 + 2^-51 + 2^-104.
-  const double one = 1.0 + 0x1p-52;
-  EXPECT_EQ(sign_of_sum(std::vector<Product>{{one, one}, {-1.0, 1.0 + 0x1p-51}}), 1);
-  EXPECT_EQ(
-      sign_of_sum(std::vector<Product>{{one, one}, {-1.0, 1.0 + 0x1p-51}, {-0x1p-52, 0x1p-52}}), 0);
+// Lines through whole points and x from all over, and right at the crossing: with whole
+// coordinates below 2^20 the sign of the polynomial fits 128 bits.
+TEST(CompareWithCrossing, AgreesWithWholeNumberArithmetic) {
+  constexpr std::uint64_t kSeed = 1976;
+  std::mt19937_64 random(kSeed);
+  int equal = 0;
+  for (int i = 0; i < 8000; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << " case " << i);
+    const std::int64_t size = i % 2 == 0 ? 8 : 1 << 20;
+    const auto number = [&] {
+      return static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(2 * size)) - size;
+    };
+    const std::int64_t ax = number(), ay = number(), bx = number(), by = number();
+    const std::int64_t cx = number(), cy = number(), dx = number(), dy = number();
+    const std::int64_t whole = (bx - ax) * (dy - cy) - (by - ay) * (dx - cx);
+    if (whole == 0) continue;
+    const std::int64_t along = (cx - ax) * (dy - cy) - (cy - ay) * (dx - cx);
+    // Every other time the whole number next to the crossing.
+    const auto near = static_cast<std::int64_t>(
+        static_cast<double>(ax) +
+        static_cast<double>(along) / static_cast<double>(whole) * static_cast<double>(bx - ax));
+    const std::int64_t x = random() % 2 == 0 || std::abs(near) > size ? number() : near;
+    const int expected = sign(Wide{x - ax} * whole - Wide{along} * (bx - ax)) * sign(whole);
+    equal += expected == 0;
+    for (const int scale : {0, -470, 440}) {
+      const auto s = [&](std::int64_t v) { return std::ldexp(static_cast<double>(v), scale); };
+      const Line one{{s(ax), s(ay)}, {s(bx), s(by)}};
+      const Line other{{s(cx), s(cy)}, {s(dx), s(dy)}};
+      ASSERT_EQ(kzgis::exact::compare_with_crossing(s(x), one, other), expected);
+      ASSERT_EQ(kzgis::exact::compare_with_crossing(s(x), other, one), expected);
+    }
+  }
+  EXPECT_GT(equal, 50);
 }
 
-TEST(SignOfSum, OfManyProducts) {
-  std::vector<Product> products(100000, {0.1, 0.1});
-  products.push_back({-0.1, 10000.0});
-  EXPECT_EQ(kzgis::exact::sign_of_sum(products), 1);  // 0.1 is a little more than a tenth
-  products.push_back({-0.1, 0.1});
-  EXPECT_EQ(kzgis::exact::sign_of_sum(products), -1);
+// y = t x and y = 1 cross at 1 / t, which no double is for most t.
+TEST(CompareWithCrossing, SeparatesTheDoublesOnBothSidesOfAQuotient) {
+  for (const double t : {3.0, 7.0, 10.0, 49.0, 1e5 + 1.0}) {
+    SCOPED_TRACE(t);
+    const Line slope{{0.0, 0.0}, {1.0, t}};
+    const Line level{{-1.0, 1.0}, {1.0, 1.0}};
+    const double x = 1.0 / t;
+    const double error = std::fma(x, t, -1.0);  // x t - 1, exactly
+    ASSERT_NE(error, 0.0);
+    EXPECT_EQ(kzgis::exact::compare_with_crossing(x, slope, level), error > 0.0 ? 1 : -1);
+    const double other = std::nextafter(x, error > 0.0 ? 0.0 : 1.0);
+    EXPECT_EQ(kzgis::exact::compare_with_crossing(other, slope, level), error > 0.0 ? -1 : 1);
+  }
+  const Line half{{0.0, 0.0}, {1.0, 2.0}};
+  EXPECT_EQ(kzgis::exact::compare_with_crossing(0.5, half, {{-1.0, 1.0}, {1.0, 1.0}}), 0);
 }
 
 TEST(InRange, IsZeroOrFromTwoToTheMinus480ToTwoToThe500) {

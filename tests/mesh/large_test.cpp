@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "kzgis/mesh.h"
+#include "support/meshed.h"
 #include "support/sanitized.h"
 #include "triangulate/polygons.h"
 #include "triangulate/tiling.h"
@@ -48,7 +48,7 @@ class Record {
 
   /// Expects triangles that run counter-clockwise and add up to twice the area given.
   void expect_tiled(Int128 doubled) const {
-    const kzgis::Mesh mesh = kzgis::triangulate(rings());
+    const Meshed mesh = meshed(rings());
     ASSERT_EQ(mesh.flaw.message, "");
     ASSERT_EQ(mesh.triangles.size() % 3, 0U);
     Int128 sum = 0;
@@ -189,7 +189,7 @@ TEST(LargeRecord, OfFourThousandRingsNestedThreeDeep) {
     record.add(rewritten(made[order[i]], random));
   }
 
-  const kzgis::Nesting nesting = kzgis::nest(record.rings());
+  const Nested nesting = nested(record.rings());
   ASSERT_EQ(nesting.flaw.message, "");
   ASSERT_EQ(nesting.parent.size(), made.size());
   for (std::size_t ring = 0; ring < made.size(); ++ring) {
@@ -263,7 +263,7 @@ TEST(LargeRecord, OfAHoleThatTouchesTheBoundaryAllAlong) {
     record.add(hole_first ? hole : outer);
     record.add(hole_first ? outer : hole);
     record.expect_tiled(expected);
-    const kzgis::Nesting nesting = kzgis::nest(record.rings());
+    const Nested nesting = nested(record.rings());
     ASSERT_EQ(nesting.flaw.message, "");
     EXPECT_EQ(nesting.depth,
               (hole_first ? std::vector<kz_long>{2, 1} : std::vector<kz_long>{1, 2}));
@@ -296,10 +296,10 @@ TEST(Memory, IsAllGivenBack) {
   Record refused_record;
   refused_record.add({{0, 0}, {2, 2}, {2, 0}, {0, 2}});
   const auto run = [&] {
-    EXPECT_FALSE(kzgis::triangulate(star_record.rings()).flaw);
-    EXPECT_FALSE(kzgis::triangulate(holes_record.rings()).flaw);
-    EXPECT_FALSE(kzgis::nest(holes_record.rings()).flaw);
-    EXPECT_TRUE(kzgis::triangulate(refused_record.rings()).flaw);
+    EXPECT_FALSE(meshed(star_record.rings()).flaw);
+    EXPECT_FALSE(meshed(holes_record.rings()).flaw);
+    EXPECT_FALSE(nested(holes_record.rings()).flaw);
+    EXPECT_TRUE(meshed(refused_record.rings()).flaw);
   };
   const auto in_use = [] {
     const struct mallinfo2 info = mallinfo2();

@@ -1,12 +1,10 @@
-#include "polytree/faces.h"
+#include "mesh/faces.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
 
-#include "kzgis/exact.h"
-
-namespace kzgis::polytree {
+namespace kzgis::mesh {
 
 namespace {
 
@@ -27,13 +25,6 @@ class Tracer {
   }
   std::uint32_t to(std::uint32_t e) const {
     return a_.edges[e].inside_above ? a_.edges[e].right : a_.edges[e].left;
-  }
-
-  int turn(std::uint32_t p, std::uint32_t q, std::uint32_t r) const {
-    const Site& u = a_.sites[p];
-    const Site& v = a_.sites[q];
-    const Site& w = a_.sites[r];
-    return exact::orientation(u.x, u.y, v.x, v.y, w.x, w.y);
   }
 
   std::uint32_t far_end(std::uint32_t e, std::uint32_t site) const {
@@ -65,7 +56,7 @@ class Tracer {
         const std::uint32_t u = far_end(p, site);
         const std::uint32_t v = far_end(q, site);
         if ((u > site) != (v > site)) return u > site;
-        return turn(site, u, v) > 0;
+        return a_.sites.turn(site, u, v) > 0;
       });
       for (auto e = begin; e != end; ++e) {
         // Clockwise from an edge that comes in lies the inside, up to an edge that goes out.
@@ -95,7 +86,8 @@ class Tracer {
       const std::size_t n = cycle.sites.size();
       for (std::size_t i = 0; i < n; ++i) {
         if (cycle.sites[i] == cycle.smallest &&
-            turn(cycle.sites[(i + n - 1) % n], cycle.sites[i], cycle.sites[(i + 1) % n]) < 0) {
+            a_.sites.turn(cycle.sites[(i + n - 1) % n], cycle.sites[i], cycle.sites[(i + 1) % n]) <
+                0) {
           cycle.hole = true;
         }
       }
@@ -117,7 +109,7 @@ class Tracer {
       if (cycle.hole) {
         // The edge below a hole's smallest site has this face above it, and began further
         // to the left.
-        face_of[number] = face_of[cycle_of_[a_.sites[cycle.smallest].below]];
+        face_of[number] = face_of[cycle_of_[a_.below[cycle.smallest]]];
       } else {
         face_of[number] = static_cast<std::uint32_t>(faces.size());
         faces.emplace_back();
@@ -137,4 +129,4 @@ class Tracer {
 
 std::vector<Face> take_faces(const Arrangement& arrangement) { return Tracer(arrangement).run(); }
 
-}  // namespace kzgis::polytree
+}  // namespace kzgis::mesh

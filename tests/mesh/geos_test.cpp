@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "kzgis/mesh.h"
+#include "support/meshed.h"
 #include "support/polygon_layer.h"
 #include "triangulate/polygons.h"
 #include "triangulate/tiling.h"
@@ -86,7 +86,7 @@ double area(const Geometry& geometry) {
 
 /// The polygons that the rings make when nested so: odd depths are boundaries, the rings
 /// just inside them their holes.
-Geometry nested(const Polygon& polygon, const kzgis::Nesting& nesting) {
+Geometry polygon_of(const Polygon& polygon, const Nested& nesting) {
   std::vector<Geometry> polygons;
   for (std::size_t ring = 0; ring < polygon.starts.size(); ++ring) {
     if (nesting.depth[ring] % 2 == 0) continue;
@@ -110,7 +110,7 @@ std::string reason(const Geometry& geometry) {
 }
 
 /// The triangles, the flat ones left out, as polygons.
-Geometry triangles_of(const Polygon& polygon, const kzgis::Mesh& mesh) {
+Geometry triangles_of(const Polygon& polygon, const Meshed& mesh) {
   std::vector<Geometry> polygons;
   for (std::size_t i = 0; i < mesh.triangles.size(); i += 3) {
     const std::vector<std::size_t> corners(mesh.triangles.begin() + static_cast<long>(i),
@@ -162,7 +162,7 @@ Geometry odd_even_region(const Polygon& polygon) {
 }
 
 /// Expects triangles that do not overlap and together are the odd-even region.
-void expect_tiled(const Polygon& polygon, const kzgis::Mesh& mesh) {
+void expect_tiled(const Polygon& polygon, const Meshed& mesh) {
   const Geometry triangles = triangles_of(polygon, mesh);
   const Geometry covered(GEOSUnaryUnion_r(geos(), triangles.get()));
   const Geometry region = odd_even_region(polygon);
@@ -198,14 +198,14 @@ std::vector<std::string> remarks(const std::string& name) {
     const Polygon polygon{{read.x.begin(), read.x.end()},
                           {read.y.begin(), read.y.end()},
                           {read.starts.begin(), read.starts.end()}};
-    const kzgis::Mesh mesh = kzgis::triangulate(polygon.rings());
-    const kzgis::Nesting nesting = kzgis::nest(polygon.rings());
+    const Meshed mesh = meshed(polygon.rings());
+    const Nested nesting = nested(polygon.rings());
     if (mesh.flaw) {
       EXPECT_EQ(nesting.flaw.message, mesh.flaw.message);
       result.push_back(place + ": " + mesh.flaw.message + "; " + flaw_of_rings(polygon));
       continue;
     }
-    const Geometry geometry = nested(polygon, nesting);
+    const Geometry geometry = polygon_of(polygon, nesting);
     const std::string text = reason(geometry);
     if (text != "Valid Geometry") result.push_back(place + ": exact; " + text);
     const double expected = area(geometry);
@@ -244,9 +244,9 @@ TEST(GeosOnFamilies, FindsThemValidAndTiled) {
       Polygon polygon;
       for (const IntRing& ring : made.rings) polygon.add(ring);
       SCOPED_TRACE(made.label + ", seed " + std::to_string(seed));
-      const kzgis::Mesh mesh = kzgis::triangulate(polygon.rings());
+      const Meshed mesh = meshed(polygon.rings());
       ASSERT_EQ(mesh.flaw.message, "");
-      const Geometry geometry = nested(polygon, kzgis::nest(polygon.rings()));
+      const Geometry geometry = polygon_of(polygon, nested(polygon.rings()));
       EXPECT_EQ(reason(geometry), "Valid Geometry");
       EXPECT_NEAR(area(geometry), area(odd_even_region(polygon)), 1e-12 * area(geometry));
       expect_tiled(polygon, mesh);
@@ -305,7 +305,7 @@ TEST(GeosOnRandomRings, AgreesOnWhatIsTiledAndWhatIsRefused) {
       polygon.add(ring);
     }
     SCOPED_TRACE("seed " + std::to_string(kSeed) + " round " + std::to_string(round));
-    const kzgis::Mesh mesh = kzgis::triangulate(polygon.rings());
+    const Meshed mesh = meshed(polygon.rings());
     if (mesh.flaw) {
       ++refused;
       // Two rings alike are refused as well: which is the polygon?
@@ -321,8 +321,8 @@ TEST(GeosOnRandomRings, AgreesOnWhatIsTiledAndWhatIsRefused) {
     }
     // Also where a spike had taken its crossings along, or rings cross in a vertex.
     expect_tiled(polygon, mesh);
-    const kzgis::Nesting nesting = kzgis::nest(polygon.rings());
-    const Geometry geometry = nested(polygon, nesting);
+    const Nested nesting = nested(polygon.rings());
+    const Geometry geometry = polygon_of(polygon, nesting);
     ++(reason(geometry) == "Valid Geometry" ? valid : touching);
     if (HasFailure()) break;
   }
@@ -345,7 +345,7 @@ TEST(GeosOnRandomRings, FindsNoValidOneRefused) {
         GEOSGeom_createPolygon_r(geos(), ring_of(polygon, 0).release(), nullptr, 0));
     if (GEOSisValid_r(geos(), alone.get()) != 1) continue;
     ++valid;
-    const kzgis::Mesh mesh = kzgis::triangulate(polygon.rings());
+    const Meshed mesh = meshed(polygon.rings());
     ASSERT_EQ(mesh.flaw.message, "") << "seed " << kSeed + 1 << " round " << round;
     ASSERT_EQ(area(triangles_of(polygon, mesh)), area(alone))
         << "seed " << kSeed + 1 << " round " << round;

@@ -1,68 +1,53 @@
-#include "polytree/face_sweep.h"
+// Faces of every kind, each cut and proved to be tiled by triangles that are not flat.
+
+#include "mesh/face_sweep.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <random>
-#include <span>
 #include <vector>
 
-#include "kzgis/exact.h"
-#include "polytree/arrangement.h"
-#include "polytree/faces.h"
-#include "polytree/tiling.h"
+#include "exact/tiling.h"
+#include "mesh/arrangement.h"
+#include "mesh/faces.h"
 #include "triangulate/polygons.h"
 
 namespace {
 
-using kzgis::polytree::Arrangement;
-using kzgis::polytree::Contour;
-using kzgis::polytree::Face;
+using kzgis::mesh::Contour;
+using kzgis::mesh::Face;
 
 /// The faces of rings, each swept and proved to be tiled by no flat triangle; their number.
 std::size_t sweep_all(const std::vector<IntRing>& rings) {
   std::vector<double> x;
   std::vector<double> y;
-  std::vector<kz_long> starts;
+  std::vector<std::int32_t> starts;
   for (const IntRing& ring : rings) {
-    starts.push_back(static_cast<kz_long>(x.size()));
+    starts.push_back(static_cast<std::int32_t>(x.size()));
     for (const IntPoint& p : ring) {
       x.push_back(static_cast<double>(p.x));
       y.push_back(static_cast<double>(p.y));
     }
   }
-  const Arrangement arrangement = kzgis::polytree::arrange({x, y, starts});
-  EXPECT_EQ(arrangement.flaw.message, "");
-  if (arrangement.flaw) return 0;
-  const std::vector<Face> faces = kzgis::polytree::take_faces(arrangement);
+  const auto arrangement = kzgis::mesh::arrange({x, y, starts});
+  EXPECT_TRUE(arrangement.has_value());
+  if (!arrangement) return 0;
+  const std::vector<Face> faces = kzgis::mesh::take_faces(*arrangement);
   for (const Face& face : faces) {
-    std::vector<kz_long> sizes;
-    std::vector<std::uint32_t> sites;
+    std::vector<kzgis::exact::Side> sides;
     for (const Contour& contour : face) {
-      sizes.push_back(static_cast<kz_long>(contour.size()));
-      sites.insert(sites.end(), contour.begin(), contour.end());
+      for (std::size_t i = 0; i < contour.size(); ++i) {
+        sides.push_back({contour[i], contour[(i + 1) % contour.size()]});
+      }
     }
-    const auto vertices = std::make_unique<double[][2]>(sites.size() + 1);
-    for (std::size_t i = 0; i < sites.size(); ++i) {
-      vertices[i + 1][0] = arrangement.sites[sites[i]].x;
-      vertices[i + 1][1] = arrangement.sites[sites[i]].y;
-    }
-    const std::vector<kz_long> corners = kzgis::polytree::sweep_face(arrangement, face);
-    const std::size_t count = sites.size() + 2 * (face.size() - 1) - 2;
-    EXPECT_EQ(corners.size(), 3 * count);
-    if (corners.size() != 3 * count) continue;
-    const auto triangles = std::make_unique<kz_long[][3]>(count);
-    for (std::size_t i = 0; i < corners.size(); ++i) triangles[i / 3][i % 3] = corners[i] + 1;
-    EXPECT_TRUE(kzgis::polytree::tiles(sizes, vertices.get(), std::span(triangles.get(), count)));
-    for (std::size_t t = 0; t < count; ++t) {
-      const double* const a = vertices[static_cast<std::size_t>(triangles[t][0])];
-      const double* const b = vertices[static_cast<std::size_t>(triangles[t][1])];
-      const double* const c = vertices[static_cast<std::size_t>(triangles[t][2])];
-      EXPECT_EQ(kzgis::exact::orientation(a[0], a[1], b[0], b[1], c[0], c[1]), 1) << t;
-    }
+    std::vector<std::uint32_t> triangles;
+    kzgis::mesh::sweep_face(arrangement->sites, face, triangles);
+    // As many sides as corners.
+    EXPECT_EQ(triangles.size(), 3 * (sides.size() + 2 * (face.size() - 1) - 2));
+    EXPECT_TRUE(kzgis::exact::tiles(arrangement->sites.points(), sides, triangles,
+                                    kzgis::exact::Flat::refused));
   }
   return faces.size();
 }

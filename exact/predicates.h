@@ -1,0 +1,65 @@
+// Signs that rounding cannot make wrong.
+//
+// After J. R. Shewchuk, "Adaptive Precision Floating-Point Arithmetic and Fast Robust
+// Geometric Predicates", Discrete & Computational Geometry 18 (1997): arithmetic in doubles
+// where its error bound settles the sign, exact arithmetic where it does not.  The filters
+// stand in this header, so that the loops which ask millions of times need no call.
+
+#ifndef KZGIS_EXACT_PREDICATES_H
+#define KZGIS_EXACT_PREDICATES_H
+
+#include <cmath>
+#include <limits>
+
+namespace kzgis::exact {
+
+/// A point of the plane.
+struct Point {
+  double x, y;
+};
+
+/// Whether a coordinate lies where nothing below can overflow or lose bits to underflow: 0,
+/// or a magnitude from 2^-480 to 2^500.
+inline bool in_range(double v) {
+  const double magnitude = std::fabs(v);
+  return v == 0.0 || (magnitude >= 0x1p-480 && magnitude <= 0x1p+500);
+}
+
+/// `orientation`, summed without any rounding.
+int exact_orientation(const Point& a, const Point& b, const Point& c);
+
+/// The turn from a over b to c: 1 to the left (counter-clockwise), -1 to the right, 0 when
+/// the three points lie on one line, or when a coordinate is no finite number.
+///
+/// Exact for all coordinates `in_range`.
+inline int orientation(const Point& a, const Point& b, const Point& c) {
+  const double left = (a.x - c.x) * (b.y - c.y);
+  const double right = (a.y - c.y) * (b.x - c.x);
+  const double determinant = left - right;
+  // Shewchuk's ccwerrboundA; his epsilon is half of the language's.
+  constexpr double epsilon = std::numeric_limits<double>::epsilon() / 2;
+  constexpr double bound = (3.0 + 16.0 * epsilon) * epsilon;
+  const double error = bound * (std::fabs(left) + std::fabs(right));
+  if (determinant > error) return 1;
+  if (-determinant > error) return -1;
+  return exact_orientation(a, b, c);
+}
+
+/// Two points, and the straight line between them.
+struct Line {
+  Point a, b;
+};
+
+/// Where x lies along the x axis, seen from the point in which two lines cross: -1 to the left
+/// of it, 1 to the right, 0 when it is that point's own x.
+///
+/// Exact for all coordinates `in_range`.  The crossing point itself is never computed: it is
+/// a quotient that doubles cannot hold.  Throws `std::bad_alloc` where numbers grow long and
+/// there is no memory for them.
+///
+/// Before: the lines are not parallel.
+int compare_with_crossing(double x, const Line& one, const Line& other);
+
+}  // namespace kzgis::exact
+
+#endif

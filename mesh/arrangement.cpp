@@ -1,0 +1,393 @@
+// A sweep line goes over the plane from the left to the right and stops at every site.  It
+// knows the sides that it crosses, in their order from below.
+//
+// Sides that run on top of each other make one bundle.  Between two sites no bundle begins or
+// ends, none crosses another, and of any two that are neighbours it is known that they will not
+// cross before the next site of either, unless in a site.  The first crossing that is in no
+// site would be one of two neighbours; so it is found before the line comes to it.
+//
+// At a site, bundles that end there go, others begin.  One that goes on through the site stays
+// what it is, however many sides it has: sides that end in it are taken out, sides that
+// begin in its direction join it.  Taking it apart would make the time quadratic where
+// thousands of sides lie on one line.
+
+#include "mesh/arrangement.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <numeric>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "mesh/sweep_line.h"
+
+namespace kzgis::mesh {
+
+namespace {
+
+class Sweep {
+ public:
+  explicit Sweep(const Rings& rings)
+      : sites_(rings),
+        sides_(take_sides(rings, sites_)),
+        containment_(rings.starts.size()),
+        links_(sides_.size()),
+        by_left_(sorted_by(&Side::left)),
+        by_right_(sorted_by(&Side::right)),
+        status_(Upward{this}),
+        times_(rings.starts.size(), 0) {}
+
+  Result<Arrangement, Flaw> run(const Rings& rings) {
+    below_.assign(sites_.size(), kNone);
+    auto beginning = by_left_.begin();
+    auto ending = by_right_.begin();
+    for (std::uint32_t site = 0; site < sites_.size() && !crossing_; ++site) {
+      const auto first_beginning = beginning;
+      while (beginning != by_left_.end() && sides_[*beginning].left == site) ++beginning;
+      const auto first_ending = ending;
+      while (ending != by_right_.end() && sides_[*ending].right == site) ++ending;
+      pass(site, {first_beginning, beginning}, {first_ending, ending});
+    }
+    if (crossing_) return std::move(*crossing_);
+    if (containment_.overlap()) return overlap();
+    if (const auto repetition = containment_.repetition()) {
+      return flaw("ring " + std::to_string(repetition->other) + " repeats ring " +
+                      std::to_string(repetition->ring),
+                  repetition->other, static_cast<std::uint32_t>(rings.starts[repetition->other]));
+    }
+    return Arrangement{std::move(sites_), std::move(sides_), std::move(edges_), std::move(below_),
+                       std::move(containment_)};
+  }
+
+ private:
+  /// Sides that run on top of each other.
+  struct Bundle {
+    Span line;               // from where it began to the farthest end of its sides
+    std::uint32_t first;     // of its sides; kNone when all have ended
+    std::uint32_t farthest;  // the side that ends there
+    bool odd;                // an odd number of sides: they do not cancel
+    bool inside_above;
+    std::uint32_t edge;  // since the last site, if odd; else kNone
+    // An edge that has the same piece of plane above it as the bundle has.
+    std::uint32_t kept;
+    Containment::Chain chain;  // of the points just above
+    std::uint32_t rank;        // among those that come to a site, from below
+  };
+  /// A side's bundle, and its neighbours there.
+  struct Link {
+    std::uint32_t bundle = kNone, next = kNone, previous = kNone;
+  };
+  /// Order along the sweep line, from below.
+  struct Upward {
+    const Sweep* sweep;
+    using is_transparent = void;
+    struct At {
+      std::uint32_t site;
+    };
+    bool operator()(std::uint32_t a, std::uint32_t b) const {
+      return runs_below(sweep->sites_, sweep->bundles_[a].line, sweep->bundles_[b].line);
+    }
+    bool operator()(std::uint32_t a, At b) const {
+      return side_of(sweep->sites_, sweep->bundles_[a].line, b.site) > 0;
+    }
+  };
+  using Status = std::set<std::uint32_t, Upward>;
+  using SideNumbers = std::span<const std::uint32_t>;
+
+  /// The numbers of all sides, in the order of their left or right sites.
+  std::vector<std::uint32_t> sorted_by(std::uint32_t Side::*end) const {
+    std::vector<std::size_t> next(std::size_t{sites_.size()} + 1, 0);
+    for (const Side& side : sides_) ++next[std::size_t{side.*end} + 1];
+    std::partial_sum(next.begin(), next.end(), next.begin());
+    std::vector<std::uint32_t> sorted(sides_.size());
+    for (std::uint32_t i = 0; i < sides_.size(); ++i) sorted[next[sides_[i].*end]++] = i;
+    return sorted;
+  }
+
+  /// Moves the sweep line over a site.
+  void pass(std::uint32_t site, SideNumbers beginning, SideNumbers ending) {
+    const auto above = come_in(site);
+    const bool has_lower = lower_ != kNone;
+    const bool edge_from_left = std::any_of(coming_in_.begin(), coming_in_.end(),
+                                            [this](auto b) { return bundles_[b].edge != kNone; });
+    if (!edge_from_left && has_lower) below_[site] = bundles_[lower_].kept;
+    for (const std::uint32_t b : coming_in_) {
+      if (bundles_[b].edge != kNone) edges_[bundles_[b].edge].right = site;
+    }
+    for (const std::uint32_t side : ending) take_out(side);
+    go_out(site, beginning);
+    if (!containment_.overlap()) {
+      settle_chains(ending);
+      if (containment_.overlap()) overlap_site_ = site;
+    }
+    settle_edges(site);
+    replace(site, above);
+    if (going_out_.empty()) {
+      check_crossing(site, lower_, upper_);
+    } else {
+      check_crossing(site, lower_, going_out_.front());
+      check_crossing(site, going_out_.back(), upper_);
+    }
+  }
+
+  /// Finds the bundles that come to the site, and their neighbours.
+  /// @return what follows them in the status
+  Status::iterator come_in(std::uint32_t site) {
+    coming_in_.clear();
+    const auto first = status_.lower_bound(Upward::At{site});
+    auto next = first;
+    for (; next != status_.end() && side_of(sites_, bundles_[*next].line, site) == 0; ++next) {
+      bundles_[*next].rank = static_cast<std::uint32_t>(coming_in_.size());
+      coming_in_.push_back(*next);
+    }
+    lower_ = first != status_.begin() ? *std::prev(first) : kNone;
+    upper_ = next != status_.end() ? *next : kNone;
+    return next;
+  }
+
+  void put_in(std::uint32_t bundle, std::uint32_t side) {
+    Bundle& b = bundles_[bundle];
+    links_[side] = {bundle, b.first, kNone};
+    if (b.first != kNone) links_[b.first].previous = side;
+    b.first = side;
+    b.odd = !b.odd;
+    if (b.farthest == kNone || sides_[side].right > b.line.right) {
+      b.farthest = side;
+      b.line.right = sides_[side].right;
+    }
+  }
+
+  void take_out(std::uint32_t side) {
+    const Link& link = links_[side];
+    Bundle& b = bundles_[link.bundle];
+    (link.previous != kNone ? links_[link.previous].next : b.first) = link.next;
+    if (link.next != kNone) links_[link.next].previous = link.previous;
+    b.odd = !b.odd;
+  }
+
+  std::uint32_t new_bundle(std::uint32_t site) {
+    if (free_.empty()) {
+      free_.push_back(static_cast<std::uint32_t>(bundles_.size()));
+      bundles_.emplace_back();
+    }
+    const std::uint32_t bundle = free_.back();
+    free_.pop_back();
+    bundles_[bundle] = {{site, site}, kNone, kNone, false, false, kNone, kNone, kNone, kNone};
+    return bundle;
+  }
+
+  /// Lists the bundles that leave the site to the right, from below: those that go on
+  /// through it, which change places with each other, and new ones between them.
+  void go_out(std::uint32_t site, SideNumbers beginning) {
+    beginning_.assign(beginning.begin(), beginning.end());
+    std::sort(beginning_.begin(), beginning_.end(), [this, site](std::uint32_t a, std::uint32_t b) {
+      const int turn = sites_.turn(site, sides_[a].right, sides_[b].right);
+      return turn != 0 ? turn > 0 : a < b;
+    });
+    going_out_.clear();
+    through_ = 0;
+    joined_ = 0;
+    auto side = beginning_.begin();
+    const auto turn_to = [this, site](std::uint32_t far, std::uint32_t s) {
+      return sites_.turn(site, far, sides_[s].right);
+    };
+    const auto begin_bundle = [&] {
+      const std::uint32_t bundle = new_bundle(site);
+      const std::uint32_t far = sides_[*side].right;
+      for (; side != beginning_.end() && turn_to(far, *side) == 0; ++side) put_in(bundle, *side);
+      going_out_.push_back(bundle);
+    };
+    for (auto b = coming_in_.rbegin(); b != coming_in_.rend(); ++b) {
+      if (bundles_[*b].first == kNone) continue;
+      const std::uint32_t far = bundles_[*b].line.right;
+      while (side != beginning_.end() && turn_to(far, *side) < 0) begin_bundle();
+      for (; side != beginning_.end() && turn_to(far, *side) == 0; ++side) put_in(*b, *side);
+      ++through_;
+      joined_ = static_cast<std::size_t>(side - beginning_.begin());
+      going_out_.push_back(*b);
+    }
+    while (side != beginning_.end()) begin_bundle();
+  }
+
+  /// The rings that an odd number of the sides belongs to, which `add` has listed.
+  std::span<const std::uint32_t> odd_rings() {
+    std::size_t kept = 0;
+    for (const std::uint32_t ring : crossed_) {
+      if (times_[ring] % 2 != 0) crossed_[kept++] = ring;
+      times_[ring] = 0;
+    }
+    crossed_.resize(kept);
+    return crossed_;
+  }
+  void add(std::uint32_t side) {
+    const std::uint32_t ring = sides_[side].ring;
+    if (times_[ring]++ == 0) crossed_.push_back(ring);
+  }
+
+  /// Finds the chain of rings around the points above each bundle that goes out.
+  ///
+  /// Of a new bundle, its own sides lie between the points above it and those below.  A bundle
+  /// that alone goes on through the site has known the points above it on the left of the site;
+  /// from there to the right, below all of the bundle's own sides, lead only those that ended or
+  /// began in it or below.  Where several go through they cross, and all their sides count.
+  void settle_chains(SideNumbers ending) {
+    Containment::Chain under = lower_ != kNone ? bundles_[lower_].chain : kNone;
+    for (const std::uint32_t number : going_out_) {
+      Bundle& bundle = bundles_[number];
+      crossed_.clear();
+      Containment::Chain from = under;
+      if (bundle.rank != kNone && through_ == 1) {
+        from = bundle.chain;
+        for (const std::uint32_t side : ending) {
+          if (bundles_[links_[side].bundle].rank <= bundle.rank) add(side);
+        }
+        for (const std::uint32_t side : std::span(beginning_).first(joined_)) add(side);
+      } else {
+        for (std::uint32_t s = bundle.first; s != kNone; s = links_[s].next) add(s);
+      }
+      const auto rings = odd_rings();
+      bundle.chain = rings.empty() ? from : containment_.across(from, rings);
+      under = bundle.chain;
+    }
+  }
+
+  /// Finds on which side of each bundle that goes out the inside lies, and begins its edge.
+  void settle_edges(std::uint32_t site) {
+    bool inside = lower_ != kNone && bundles_[lower_].inside_above;
+    std::uint32_t kept = lower_ != kNone ? bundles_[lower_].kept : kNone;
+    for (const std::uint32_t number : going_out_) {
+      Bundle& bundle = bundles_[number];
+      bundle.edge = kNone;
+      if (bundle.odd) {
+        inside = !inside;
+        kept = bundle.edge = static_cast<std::uint32_t>(edges_.size());
+        edges_.push_back({site, kNone, inside});
+      }
+      bundle.inside_above = inside;
+      bundle.kept = kept;
+    }
+  }
+
+  /// Puts those that go out into the status, in the place of those that came in.
+  ///
+  /// A bundle that alone goes through stays where it is.  Several have changed places: each
+  /// begins anew here, or the order would be that on the left of the site.
+  void replace(std::uint32_t site, Status::iterator above) {
+    auto place = above;
+    for (std::size_t i = 0; i < coming_in_.size(); ++i) --place;
+    auto stays = above;
+    for (const std::uint32_t number : coming_in_) {
+      Bundle& bundle = bundles_[number];
+      if (bundle.first != kNone && through_ == 1) {
+        stays = place++;
+      } else {
+        place = status_.erase(place);
+      }
+      if (bundle.first == kNone) {
+        free_.push_back(number);
+      } else if (through_ > 1) {
+        bundle.line.left = site;
+      }
+    }
+    auto next = stays;
+    for (const std::uint32_t number : going_out_) {
+      const bool came_in = bundles_[number].rank != kNone;
+      bundles_[number].rank = kNone;
+      if (came_in && through_ == 1) {
+        next = above;
+      } else {
+        status_.insert(next, number);
+      }
+    }
+  }
+
+  /// Refuses the rings when two neighbours on the sweep line will cross where no site is.
+  ///
+  /// `a` is below `b` now; they cross when the one that ends first ends on the wrong side.
+  void check_crossing(std::uint32_t site, std::uint32_t a, std::uint32_t b) {
+    if (a == kNone || b == kNone || crossing_) return;
+    const Span& p = bundles_[a].line;
+    const Span& q = bundles_[b].line;
+    const bool crosses =
+        p.right < q.right ? side_of(sites_, q, p.right) > 0 : side_of(sites_, p, q.right) < 0;
+    if (!crosses || cross_in_a_site(p, q, site)) return;
+    const Side& one = sides_[bundles_[a].farthest];
+    const Side& other = sides_[bundles_[b].farthest];
+    crossing_ =
+        flaw("ring " + std::to_string(one.ring) + " crosses " +
+                 (one.ring == other.ring ? "itself" : "ring " + std::to_string(other.ring)) +
+                 " (sides from vertices " + std::to_string(one.vertex) + " and " +
+                 std::to_string(other.vertex) + ")",
+             one.ring, one.vertex);
+  }
+
+  /// Whether two lines that cross to the right of a site do so in another site, by a binary
+  /// search for the crossing among the sites.
+  bool cross_in_a_site(const Span& p, const Span& q, std::uint32_t site) const {
+    const exact::Line one{sites_[p.left], sites_[p.right]};
+    const exact::Line other{sites_[q.left], sites_[q.right]};
+    const Span& upright_last = one.a.x != one.b.x ? p : q;
+    std::uint32_t first = site + 1;
+    std::uint32_t last = std::min(p.right, q.right);
+    while (first < last) {
+      const std::uint32_t middle = first + (last - first) / 2;
+      int order = exact::compare_with_crossing(sites_[middle].x, one, other);
+      if (order == 0) order = side_of(sites_, upright_last, middle);
+      if (order == 0) return true;
+      (order < 0 ? first : last) = order < 0 ? middle + 1 : middle;
+    }
+    return false;
+  }
+
+  static Flaw flaw(std::string message, std::uint32_t ring, std::uint32_t vertex) {
+    Flaw result;
+    result.kind = ErrorKind::bad_data;
+    result.message = std::move(message);
+    result.ring = static_cast<std::int32_t>(ring);
+    result.vertex = static_cast<std::int32_t>(vertex);
+    return result;
+  }
+
+  Flaw overlap() const {
+    const auto [one, other] = *containment_.overlap();
+    return flaw("ring " + std::to_string(std::max(one, other)) + " overlaps ring " +
+                    std::to_string(std::min(one, other)),
+                std::max(one, other), sites_.vertex(overlap_site_));
+  }
+
+  Sites sites_;
+  std::vector<Side> sides_;
+  std::vector<Edge> edges_;
+  std::vector<std::uint32_t> below_;
+  Containment containment_;
+  std::optional<Flaw> crossing_;
+  std::uint32_t overlap_site_ = kNone;
+
+  std::vector<Link> links_;  // of each side
+  std::vector<std::uint32_t> by_left_, by_right_;
+  std::vector<Bundle> bundles_;
+  std::vector<std::uint32_t> free_;  // numbers of bundles that have ended
+  Status status_;
+
+  // Of the site at hand, kept for their memory.
+  std::vector<std::uint32_t> coming_in_, going_out_;  // bundles, from below
+  std::uint32_t lower_ = kNone, upper_ = kNone;       // their neighbours
+  std::vector<std::uint32_t> beginning_;              // sides, by direction from below
+  std::size_t through_ = 0;                           // how many came in and go on
+  std::size_t joined_ = 0;  // how many of beginning_ lie below the last of those, or in it
+  std::vector<std::uint32_t> crossed_;  // rings
+  std::vector<std::uint32_t> times_;    // of each ring
+};
+
+}  // namespace
+
+Result<Arrangement, Flaw> arrange(const Rings& rings) {
+  if (auto flaw = check_rings(rings)) return std::move(*flaw);
+  return Sweep(rings).run(rings);
+}
+
+}  // namespace kzgis::mesh

@@ -1,0 +1,47 @@
+// The sides of a polygon, cut until they meet in vertices only.
+
+#ifndef KZGIS_MESH_ARRANGEMENT_H
+#define KZGIS_MESH_ARRANGEMENT_H
+
+#include <cstdint>
+#include <vector>
+
+#include "kzgis/mesh.h"
+#include "kzgis/result.h"
+#include "mesh/containment.h"
+#include "mesh/rings.h"
+#include "mesh/sites.h"
+
+namespace kzgis::mesh {
+
+/// A piece of the boundary between inside and outside, from its left to its right site.
+struct Edge {
+  std::uint32_t left, right;
+  bool inside_above;  ///< the inside lies above it, else below
+};
+
+/// What a sweep over all sides finds.
+struct Arrangement {
+  Sites sites;
+  std::vector<Side> sides;  ///< of the rings, uncut
+  /// Sides are cut where a vertex lies on them.  Pieces that coincide cancel in pairs, as the
+  /// odd-even rule has it: borders that two rings share vanish.  What is left are the edges.
+  std::vector<Edge> edges;
+  /// Of each site that no edge comes to from the left, the edge next below it; kNone when
+  /// there is none.
+  std::vector<std::uint32_t> below;
+  Containment containment;  ///< without an overlap or a repetition
+};
+
+/// Sweeps the plane from left to right; see `kzgis::triangulate` for what is refused and for
+/// the time that it takes.
+///
+/// After M. I. Shamos and D. Hoey, "Geometric intersection problems", 17th Annual Symposium
+/// on Foundations of Computer Science (1976).  Every decision is exact.  A crossing anywhere is
+/// found before an overlap, and an overlap before a repetition, so that a polygon is refused for
+/// the same reason however it is turned.
+Result<Arrangement, Flaw> arrange(const Rings& rings);
+
+}  // namespace kzgis::mesh
+
+#endif

@@ -1,0 +1,39 @@
+// Rings as they come from callers: whether they can be worked on, and their sides.
+
+#ifndef KZGIS_MESH_RINGS_H
+#define KZGIS_MESH_RINGS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "kzgis/mesh.h"
+#include "mesh/sites.h"
+
+namespace kzgis::mesh {
+
+/// One past the last vertex of a ring.
+std::size_t end_of_ring(const Rings& rings, std::size_t ring);
+
+/// The first thing that stands in the way of working on the rings at all: arrays that do not
+/// fit each other, a coordinate out of range.
+std::optional<Flaw> check_rings(const Rings& rings);
+
+/// A side of a ring.
+struct Side {
+  std::uint32_t left, right;  ///< its sites; left < right
+  std::uint32_t ring;
+  std::uint32_t vertex;  ///< the caller's, at which the ring's way along the side begins
+};
+
+/// The sides of all rings, ring after ring, without repeated vertices and without spikes.
+///
+/// A spike goes out along a line and back: where a vertex's two sides point the same way, the
+/// vertex is left out, and again, until none is.  That changes nothing in the inside.  Of a
+/// ring with fewer than three vertices left nothing is.
+std::vector<Side> take_sides(const Rings& rings, const Sites& sites);
+
+}  // namespace kzgis::mesh
+
+#endif

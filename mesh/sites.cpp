@@ -1,0 +1,32 @@
+// Numbering the places of vertices by one sort.
+
+#include "mesh/sites.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace kzgis::mesh {
+
+Sites::Sites(const Rings& rings) {
+  // Vertices in front of the first ring belong to none.
+  const std::size_t first =
+      rings.starts.empty() ? rings.x.size() : static_cast<std::size_t>(rings.starts[0]);
+  std::vector<std::uint32_t> order(rings.x.size() - first);
+  std::iota(order.begin(), order.end(), static_cast<std::uint32_t>(first));
+  std::sort(order.begin(), order.end(), [&rings](std::uint32_t a, std::uint32_t b) {
+    if (rings.x[a] != rings.x[b]) return rings.x[a] < rings.x[b];
+    if (rings.y[a] != rings.y[b]) return rings.y[a] < rings.y[b];
+    return a < b;
+  });
+  site_of_.assign(rings.x.size(), kNone);
+  for (const std::uint32_t vertex : order) {
+    const exact::Point point{rings.x[vertex], rings.y[vertex]};
+    if (points_.empty() || points_.back().x != point.x || points_.back().y != point.y) {
+      points_.push_back(point);
+      vertices_.push_back(vertex);
+    }
+    site_of_[vertex] = size() - 1;
+  }
+}
+
+}  // namespace kzgis::mesh

@@ -1,0 +1,178 @@
+// kzgis::triangulate and kzgis::nest on rings that touch, cross, coincide and turn back in every
+// way, against a judge in whole numbers.  All eight symmetries of an input get one verdict.
+
+#include <gtest/gtest.h>
+#include <kzgis/mesh.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "mesh/judge.h"
+
+namespace {
+
+using judge::Ring;
+using judge::Verdict;
+
+std::string text(const std::vector<Ring>& rings) {
+  std::string result;
+  for (const Ring& ring : rings) {
+    for (const judge::Point& p : ring) {
+      result += '(' + std::to_string(p.x) + ',' + std::to_string(p.y) + ')';
+    }
+    result += '\n';
+  }
+  return result;
+}
+
+/// The kind of verdict that a message is.
+Verdict::Kind kind_of(const std::string& message) {
+  if (message.find(" crosses ") != std::string::npos) return Verdict::crosses;
+  if (message.find(" overlaps ") != std::string::npos) return Verdict::overlaps;
+  if (message.find(" repeats ") != std::string::npos) return Verdict::repeats;
+  return Verdict::polygon;
+}
+
+/// Asks for mesh and nesting of the rings and holds both against the verdict.
+void expect(const Verdict& verdict, const std::vector<Ring>& rings) {
+  SCOPED_TRACE(text(rings));
+  std::vector<double> x, y;
+  std::vector<std::int32_t> starts;
+  for (const Ring& ring : rings) {
+    starts.push_back(static_cast<std::int32_t>(x.size()));
+    for (const judge::Point& p : ring) {
+      x.push_back(static_cast<double>(p.x));
+      y.push_back(static_cast<double>(p.y));
+    }
+  }
+  const auto mesh = kzgis::triangulate({x, y, starts});
+  const auto nesting = kzgis::nest({x, y, starts});
+  ASSERT_EQ(mesh.has_value(), nesting.has_value());
+  if (!mesh) {
+    EXPECT_EQ(mesh.error().kind, kzgis::ErrorKind::bad_data);
+    EXPECT_EQ(mesh.error().message, nesting.error().message);
+    EXPECT_EQ(kind_of(mesh.error().message), verdict.kind) << mesh.error().message;
+    return;
+  }
+  ASSERT_EQ(verdict.kind, Verdict::polygon);
+  EXPECT_EQ(nesting->parent, verdict.parent);
+  EXPECT_EQ(nesting->depth, verdict.depth);
+  EXPECT_EQ(judge::flaw_of(rings, mesh->triangles), "");
+}
+
+void expect_in_all_symmetries(const std::vector<Ring>& rings) {
+  const Verdict verdict = judge::verdict_on(rings);
+  for (int symmetry = 0; symmetry < 8; ++symmetry) {
+    SCOPED_TRACE(testing::Message() << "symmetry " << symmetry);
+    expect(verdict, judge::turned(rings, symmetry));
+  }
+}
+
+Verdict::Kind kind(const std::vector<Ring>& rings) {
+  expect_in_all_symmetries(rings);
+  return judge::verdict_on(rings).kind;
+}
+
+TEST(Verdict, SidesMayCrossWhereAThirdStrandHasAVertex) {
+  EXPECT_EQ(kind({{{1, 1}, {1, 0}, {0, 0}, {2, 2}, {1, 2}, {1, 0}, {2, 0}}}), Verdict::polygon);
+}
+
+TEST(Verdict, ARingInOneLoopOfAFigureOfEightOverlapsNothing) {
+  EXPECT_EQ(kind({{{0, 0}, {2, 1}, {0, 4}}, {{0, 0}, {4, 2}, {8, 4}, {8, 0}, {4, 2}, {0, 4}}}),
+            Verdict::polygon);
+}
+
+TEST(Verdict, ALoopOfAFigureOfEightIsNoRepetitionOfIt) {
+  EXPECT_EQ(kind({{{0, 0}, {2, 1}, {4, 0}, {4, 2}, {2, 1}, {0, 2}}, {{0, 0}, {2, 1}, {0, 2}}}),
+            Verdict::polygon);
+}
+
+TEST(Verdict, ARingTracedTwiceHasNoInside) {
+  EXPECT_EQ(kind({{{0, 0}, {2, 0}, {0, 2}, {0, 0}, {2, 0}, {0, 2}}}), Verdict::polygon);
+  EXPECT_EQ(judge::verdict_on({{{0, 0}, {2, 0}, {0, 2}, {0, 0}, {2, 0}, {0, 2}}}).depth,
+            std::vector<std::int32_t>{0});
+  // And in a ring traced once it takes nothing away.
+  EXPECT_EQ(kind({{{0, 0}, {4, 0}, {0, 4}}, {{1, 1}, {2, 1}, {1, 2}, {1, 1}, {2, 1}, {1, 2}}}),
+            Verdict::polygon);
+}
+
+TEST(Verdict, ACrossingComesBeforeAnOverlapAndThatBeforeARepetition) {
+  const Ring square{{0, 0}, {2, 0}, {2, 2}, {0, 2}};
+  const Ring wide{{5, 0}, {7, 0}, {7, 1}, {5, 1}};
+  const Ring beside{{6, 0}, {8, 0}, {8, 1}, {6, 1}};
+  const Ring across{{10, 0}, {12, 2}, {12, 0}, {10, 3}};
+  EXPECT_EQ(kind({square, square}), Verdict::repeats);
+  EXPECT_EQ(kind({square, square, wide, beside}), Verdict::overlaps);
+  EXPECT_EQ(kind({square, square, wide, beside, across}), Verdict::crosses);
+}
+
+/// A ring of corners on a grid of `size` by `size`.
+Ring random_ring(std::mt19937_64& random, std::uint64_t size, std::uint64_t corners) {
+  Ring ring;
+  for (; corners > 0; --corners) {
+    ring.push_back(
+        {static_cast<std::int64_t>(random() % size), static_cast<std::int64_t>(random() % size)});
+  }
+  return ring;
+}
+
+TEST(VerdictProperty, OfRandomRingsOnASmallGrid) {
+  constexpr std::uint64_t kSeed = 1976;
+  std::mt19937_64 random(kSeed);
+  std::array<int, 4> kinds{};
+  for (int round = 0; round < 12000; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << " round " << round);
+    std::vector<Ring> rings;
+    const std::uint64_t size = 3 + random() % 3;
+    for (auto count = 1 + random() % 3; count > 0; --count) {
+      rings.push_back(random_ring(random, size, 3 + random() % 5));
+    }
+    expect_in_all_symmetries(rings);
+    ASSERT_FALSE(HasFailure());
+    ++kinds[judge::verdict_on(rings).kind];
+  }
+  EXPECT_GT(kinds[Verdict::polygon], 1000);
+  EXPECT_GT(kinds[Verdict::crosses], 1000);
+  EXPECT_GT(kinds[Verdict::overlaps], 30);
+}
+
+// Ways along the lines of a grid: sides lie on top of each other all over, cross in vertices and
+// are traced several times, and hardly ever cross elsewhere.
+TEST(VerdictProperty, OfWaysAlongAGrid) {
+  constexpr std::uint64_t kSeed = 1983;
+  std::mt19937_64 random(kSeed);
+  std::array<int, 4> kinds{};
+  for (int round = 0; round < 12000; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << " round " << round);
+    std::vector<Ring> rings;
+    for (auto count = 1 + random() % 3; count > 0; --count) {
+      judge::Point here{static_cast<std::int64_t>(random() % 3),
+                        static_cast<std::int64_t>(random() % 3)};
+      Ring ring{here};
+      const bool slanted = random() % 2 == 0;
+      for (auto steps = 4 + random() % 8; steps > 0; --steps) {
+        const auto way = static_cast<std::int64_t>(random() % 3) - 1;
+        const auto other = slanted ? static_cast<std::int64_t>(random() % 3) - 1 : 0;
+        (random() % 2 == 0 ? here.x : here.y) += way;
+        here.x += other;
+        here.y += slanted ? other : 0;
+        ring.push_back(here);
+      }
+      // Back in whole sides: along x, then along y.
+      ring.push_back({ring.front().x, here.y});
+      rings.push_back(ring);
+    }
+    expect_in_all_symmetries(rings);
+    ASSERT_FALSE(HasFailure());
+    ++kinds[judge::verdict_on(rings).kind];
+  }
+  EXPECT_GT(kinds[Verdict::polygon], 3000);
+  EXPECT_GT(kinds[Verdict::overlaps], 300);
+  EXPECT_GT(kinds[Verdict::repeats], 10);
+}
+
+}  // namespace
