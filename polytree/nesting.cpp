@@ -83,7 +83,8 @@ bool Nesting::inside(kz_ulong inner, kz_ulong outer) const {
   const double x = rings_[inner].first_x;
   const double y = rings_[inner].first_y;
   if (!around.numbers || std::isnan(x) || std::isnan(y)) return ring.PointInPolygon(x, y) == 1;
-  // Below, above and to the right no edge is crossed, and to the left an even number.
+  // Below, above and to the right no edge is crossed, and to the left an even number: a point
+  // outside the box needs no test.
   const Box& box = around.box;
   if (x < box.x_min || x > box.x_max || y < box.y_min || y > box.y_max) return false;
   kz_ulong parity = 0;
@@ -234,6 +235,7 @@ bool Nesting::clear(kz_ulong outer, kz_ulong inner) {
   return keep_apart(outer_sides_, inner_sides_, around.largest);
 }
 
+/// The ring's sides, as the test for clearance wants them.
 void Nesting::list_sides(kz_ulong ring, std::vector<Side>& sides) const {
   sides.clear();
   const KZ_GIS_PolygonNode_c& node = nodes_[ring];

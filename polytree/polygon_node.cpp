@@ -189,6 +189,8 @@ bool KZ_GIS_PolygonNode_c::CrossEdges(double px, double py, kz_ulong begin, kz_u
     const bool falls = a.y >= b.y;
     const Vertex& low = falls ? b : a;
     const Vertex& high = falls ? a : b;
+    // Both ends belong to the edge: a vertex at the ray's height is on two edges, and the one
+    // that starts there answers for it, below.
     if (py < low.y || py > high.y) continue;
     const double min_x = std::min(a.x, b.x);
     const double max_x = std::max(a.x, b.x);

@@ -42,6 +42,8 @@ bool starts_fit(kz_ulong count, const kz_ulong* starts, kz_ulong total) {
 /// The boundaries below the root, each behind those inside it: the order in which a walk leaves
 /// them that visits children first.
 std::vector<kz_ulong> list_boundaries(const polytree::Nesting& nesting) {
+  // Down to a ring without children, then on to the next sibling of it or of the first ring
+  // above it that has one: the links alone say where to go on, and nothing is kept of the way.
   std::vector<kz_ulong> boundaries;
   kz_ulong ring = 0;
   bool odd_depth = false;
@@ -111,6 +113,7 @@ kz_ulong KZ_GIS_PolygonTree_c::BuildTree(kz_ulong numPolygons, const kz_ulong* p
 
 /// Makes the nodes of all rings, with their vertices in reversed order.
 kz_ulong KZ_GIS_PolygonTree_c::AddRings(kz_ulong numPolygons, const kz_ulong* polygonStarts) {
+  // A shapefile's boundaries run clockwise, and the triangulator's the other way.
   const double* const x = vertex_list_->XVertices();
   const double* const y = vertex_list_->YVertices();
   std::vector<kz_ulong> indices;
@@ -121,6 +124,7 @@ kz_ulong KZ_GIS_PolygonTree_c::AddRings(kz_ulong numPolygons, const kz_ulong* po
     indices.clear();
     for (kz_ulong i = end; i > start; --i) indices.push_back(i - 1);
     const kz_ulong count = end - start;
+    // A box of zeros is computed when it is first asked for, before the ring is nested.
     nodes_.emplace_back(*vertex_list_, count, indices.data(), 0.0, 0.0, 0.0, 0.0);
     if (nodes_.back().NumberOfVertices() != count) return status::out_of_memory;
   }

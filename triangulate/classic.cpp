@@ -46,6 +46,7 @@ kz_long table_size(kz_long size, std::uint32_t count) {
   return static_cast<kz_long>(static_cast<std::uint32_t>(size) * count);
 }
 
+/// The caller's array, as far as the interface says that it has room.
 tri::TriangleArray output(kz_long n, kz_long (*triangles)[3]) {
   return {triangles == nullptr ? nullptr : &triangles[0][0], tri::triangles_in(process, n)};
 }
@@ -97,6 +98,8 @@ void clear_chains() {
 
 kz_long initilize(kz_long size) { return take_tables(size, false) ? 0 : 1; }
 
+// What callers see of the tables goes stale here, and stays so: the interface has it that the
+// pointers keep their values until the next allocation.
 kz_long release_tables() {
   process.release();
   return 0;
@@ -233,6 +236,7 @@ kz_long triangulate_monotone_polygons(kz_long n, kz_long pieces, kz_long (*trian
   return tri::triangulate_monotone_polygons(process, n, pieces, output(n, triangles));
 }
 
+// The walk round a piece trusts its links, and the caller's number is the first of them.
 kz_long triangulate_monotone_piece(kz_long n, kz_long pos, kz_long side, kz_long (*triangles)[3]) {
   if (pos < 1 || pos > process.chain_next || !process.mchain.holds(pos)) return 0;
   const tri::Sweep sweep =

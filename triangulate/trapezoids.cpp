@@ -95,6 +95,10 @@ kz_long insert_endpoint(Tables& t, kz_long s, const Point& v, const Point& towar
 }
 
 /// A segment on its way down through the map.
+///
+/// Before the way: `first` is the trapezoid right below its upper end, `last` the one right above
+/// its lower end.  On the way each trapezoid that it passes stays as the part to its left, so that
+/// afterwards the two name the ends of the run of left parts.
 struct Passage {
   kz_long s = 0;
   Point top{}, bottom{};
@@ -245,6 +249,7 @@ kz_long link_both_below(Tables& t, const Passage& way, kz_long left, kz_long rig
   const bool into_below0 = passes_into_below0(t, way, left);
 
   if (way.ends_in(t, left) && way.bottom_was_there) {
+    // The vertex that parts the two below is the segment's own end: each part goes on into one.
     d0.above0 = left;
     d0.above1 = kNone;
     d1.above0 = right;
@@ -432,7 +437,8 @@ bool create_initial_structure(Tables& t, kz_long s) {
 
 bool is_left_of_segment(const Tables& t, kz_long s, const Point& v) {
   const Segment& segment = t.seg[s];
-  // At the height of an end x decides, as everywhere else.
+  // At the height of an end x decides, as everywhere else: the horizontal line through a vertex
+  // rises a little to the right, as it were, and the end is where it meets the segment.
   if (level(v.y, segment.end.y)) return v.x < segment.end.x;
   if (level(v.y, segment.start.y)) return v.x < segment.start.x;
   const bool upward = greater_than(segment.end, segment.start);
@@ -473,6 +479,8 @@ kz_long locate(Tables& t, const Point& v, const Point& toward, kz_long node) {
 bool add_segment(Tables& t, kz_long s) {
   if (!t.is_segment(s)) return false;
   Segment& segment = t.seg[s];
+  // The way leads down, whichever way the contour runs.  A neighbour in the contour that is in the
+  // map has brought the end that they share with it.
   const bool swapped = greater_than(segment.end, segment.start);
   const kz_long top_neighbour = swapped ? segment.next_seg : segment.prev_seg;
   const kz_long bottom_neighbour = swapped ? segment.prev_seg : segment.next_seg;
@@ -502,6 +510,8 @@ bool add_segment(Tables& t, kz_long s) {
     case Threading::table_full:
       return false;
     case Threading::no_way_down:
+      // The parts on the way stay as they are, unmerged, and the construction goes on: so much the
+      // interface asks for.  Segments that cross end here.
       t.say("add_segment: error");
       break;
     case Threading::done:
@@ -565,6 +575,11 @@ std::int64_t most_steps(kz_long n) {
 }
 
 /// Inserts segments 1 to n in the order of `permute`.
+///
+/// A search costs as much as the way from its start to its sink is long, and the way from the root
+/// grows with the logarithm of what is inserted already.  At the end of a phase every segment that
+/// waits is searched for once, and later searches for it start there: this is what brings the
+/// whole from n log n down to n log* n.
 bool insert_segments(Tables& t, kz_long n) {
   if (!create_initial_structure(t, choose_segment(t))) return false;
   for (kz_long s = 1; s <= n; ++s) t.seg[s].start_root = t.seg[s].end_root = 1;

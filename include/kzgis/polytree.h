@@ -246,7 +246,8 @@ class KZGIS_EXPORT KZ_GIS_PolygonTree_c {
   /// in the boundary and outside its holes, and nowhere else, if no contour crosses itself or
   /// another.  The triangles are those of `triangulate_polygon`, on the tables of the process but
   /// without its messages.  Where these are not there or not right, `kzgis::triangulate` takes
-  /// the contours for rings that may touch; then it is proved besides that no two cross.
+  /// the contours for rings that may touch; then it is proved besides that no point lies in two
+  /// triangles.
   ///
   /// At its peak it takes no more than 1300 bytes per vertex of a boundary of a million; the
   /// tables of the process, most of them, stay until the next triangulation or `release_tables`.
@@ -256,8 +257,9 @@ class KZGIS_EXPORT KZ_GIS_PolygonTree_c {
   ///                     room for as many as `NumberOfConnections` gives, and no more are
   ///                     written
   /// @return 1; 2 when a boundary could not be triangulated: its rings cross or run the wrong
-  ///         way, or it has less than three corners; 14 without memory.  After a failure `*count` and `connections`
-  ///         hold the boundaries before that one, complete.  An empty tree leaves both alone
+  ///         way, or it has less than three corners; 14 without memory.  After a failure `*count`
+  ///         and `connections` hold the boundaries before that one, complete.  An empty tree leaves
+  ///         both alone
   kz_ulong Triangulate(kz_ulong* count, kz_ulong* connections) const;
 
  private:

@@ -1,8 +1,6 @@
 #ifndef KZGIS_TRIANGULATE_H
 #define KZGIS_TRIANGULATE_H
 
-#include <span>
-
 #include "kzgis/export.h"
 #include "kzgis/types.h"
 
@@ -304,22 +302,5 @@ KZGIS_EXPORT kz_long triangulate_monotone_polygons(kz_long n, kz_long pieces,
 KZGIS_EXPORT kz_long triangulate_monotone_piece(kz_long n, kz_long pos, kz_long side,
                                                 kz_long (*triangles)[3])
     KZGIS_SYMBOL(triangulate_monotone_piece);
-
-namespace kzgis::triangulation {
-
-/// Whether every edge of a triangle is that of one other triangle in the other direction, or
-/// one of the contours', and all of these occur.
-///
-/// The triangles' common edge is then that of the contours, and every point off the edges
-/// lies in as many triangles as the contours wind around it, provided that no triangle is
-/// clockwise, which would count negatively.  No coordinate is asked for.
-///
-/// @param contours   number of vertices of each contour
-/// @param triangles  three vertex numbers each, counted from 0, contour after contour;
-///                   with a number that is no vertex's the answer is no
-/// Throws `std::bad_alloc` without memory.
-KZGIS_EXPORT bool bounded_by(std::span<const kz_long> contours, std::span<const kz_long> triangles);
-
-}  // namespace kzgis::triangulation
 
 #endif
