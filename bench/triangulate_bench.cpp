@@ -5,8 +5,8 @@
 // Everyone starts from plain coordinates and ends with a list of triangles; what a library
 // needs in between, its own geometry objects for one, is part of its time.  The area of the
 // last result is compared with the polygon's after the clock has stopped; who is wrong, or
-// gives no triangles, is marked instead of measured.  kzgis::triangulate and Workspace prove
-// every result as part of their time; no one else does.
+// gives no triangles, is marked instead of measured.  kzgis::triangulate proves
+// every result as part of its time; no one else does.
 
 #include <benchmark/benchmark.h>
 
@@ -98,18 +98,6 @@ double mesh(benchmark::State& state, const Input& input) {
     benchmark::DoNotOptimize(result.triangles.data());
   }
   return doubled_area_of(input, result.triangles, kz_ulong{0});
-}
-
-double workspace(benchmark::State& state, const Input& input) {
-  kzgis::triangulation::Workspace workspace;
-  std::vector<kz_long> corners(3 * input.triangles);
-  kz_long triangles = 0;
-  for (auto _ : state) {
-    triangles = workspace.run(input.counts, input.points, 0.0, 1, corners).triangles;
-    benchmark::DoNotOptimize(corners.data());
-  }
-  corners.resize(3 * static_cast<std::size_t>(triangles));
-  return doubled_area_of(input, corners, kz_long{0});
 }
 
 double classic(benchmark::State& state, const Input& input) {
@@ -287,9 +275,7 @@ struct Subject {
 };
 
 constexpr Subject kSubjects[] = {
-    {"kzgis", mesh, 1000000},
-    {"kzgis Workspace", workspace, 1000000},
-    {"kzgis classic", classic, 1000000},
+    {"kzgis", mesh, 1000000}, {"kzgis classic", classic, 1000000},
 #ifdef KZGIS_BENCH_CGAL
     {"CGAL", cgal, 1000000},
 #endif

@@ -15,7 +15,6 @@
 namespace {
 
 using kzgis::triangulation::Point;
-using kzgis::triangulation::Workspace;
 
 /// Contours as the triangulator takes them: counts, and vertices from number 1.
 struct Polygon {
@@ -161,21 +160,6 @@ void run_one(unsigned what, kz_long a, kz_long b, const Polygon& polygon,
   }
 }
 
-void run_workspace(const Polygon& polygon) {
-  static Workspace workspace;
-  std::vector<kz_long> out(3 * polygon.room());
-  const std::span<const Point> vertices = std::span(polygon.vertices).subspan(1);
-  for (const double tolerance : {0.0, 1e-7}) {
-    const auto result = workspace.run(polygon.counts, vertices, tolerance, 1, out);
-    require(result.triangles >= 0 && static_cast<std::size_t>(result.triangles) <= polygon.room());
-    check_indices(out, result.triangles, 0, polygon.size() - 1);
-    const auto written = 3 * static_cast<std::size_t>(result.triangles);
-    const bool tiles =
-        kzgis::triangulation::bounded_by(polygon.counts, std::span(out).first(written));
-    require(tiles || result.outcome != kzgis::triangulation::Outcome::complete);
-  }
-}
-
 }  // namespace
 
 // The insertion order is seeded from the clock; a find must come back when it is run again.
@@ -189,7 +173,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const Polygon polygon(contours_of(data + 1, size - 1 - script_size));
   if (polygon.size() == 0) return 0;
 
-  run_workspace(polygon);
   std::vector<kz_long> triangles(3 * polygon.room());
   triangulate_polygon(static_cast<kz_long>(polygon.counts.size()), polygon.counts.data(),
                       reinterpret_cast<const double(*)[2]>(polygon.vertices.data()),

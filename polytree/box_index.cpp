@@ -1,4 +1,11 @@
 // Static k-d trees of boxes, merged as they grow.
+//
+// After J. L. Bentley, "Multidimensional binary search trees used for associative searching",
+// Communications of the ACM 18 (1975): the entries of a node are parted at the middle one, by the
+// left edges of their boxes and by the lower ones in turn.  A tree has no links: its entries are
+// a power of two of leaves, so that the halves of a range are its children, and a node's number
+// says where the box around it stands.  Boxes are never taken out; who asks leaves out what has
+// gone (Nesting::find_overlapping).
 
 #include "polytree/box_index.h"
 
@@ -10,6 +17,8 @@ namespace kzgis::polytree {
 void BoxIndex::insert(const Box& box, kz_ulong number) {
   waiting_.push_back({box, number});
   if (waiting_.size() < kLeaf) return;
+  // As a digit carries: a tree of the size of the new one makes room for one of twice the size.
+  // An entry is built into a tree no more often than the number of entries has binary digits.
   Tree tree;
   tree.entries.swap(waiting_);
   while (!trees_.empty() && trees_.back().entries.size() == tree.entries.size()) {
@@ -59,6 +68,7 @@ void BoxIndex::Tree::build(std::size_t node, std::size_t begin, std::size_t end,
   around[node] = all;
 }
 
+/// Visits the nodes whose surrounding box overlaps the one asked for, and no other.
 void BoxIndex::Tree::find(std::size_t node, std::size_t begin, std::size_t end, const Box& box,
                           std::vector<kz_ulong>& found) const {
   if (!around[node].overlaps(box)) return;

@@ -1,3 +1,11 @@
+// How far two rings keep from each other, side by side.
+//
+// Two straight sides over a common stretch of x keep their order if they have it at both of its
+// ends, and are nowhere nearer, measured upwards, than at one of the ends.  The heights there are
+// computed in doubles; the margin that is asked for covers what these can be wrong by, and what the
+// point test's own can be, with a factor of ten to spare.  No exact arithmetic: an answer that is
+// "no" where the truth is "yes" costs time and nothing else.
+
 #include "polytree/clearance.h"
 
 #include <algorithm>
@@ -22,8 +30,10 @@ Heights heights_at(const Side& side, double x) {
   return {y, y};
 }
 
+/// Whether all of `a` lies above all of `b`, with the margin between them.
 bool above(const Heights& a, const Heights& b, double margin) { return a.low > b.high + margin; }
 
+/// Whether no point of one side comes within the margin above or below a point of the other.
 bool keep_apart(const Side& a, const Side& b, double margin) {
   const double from = std::max(a.x0, b.x0);
   const double to = std::min(a.x1, b.x1);
@@ -40,6 +50,7 @@ bool keep_apart(const Side& a, const Side& b, double margin) {
 }  // namespace
 
 bool keep_apart(std::span<const Side> one, std::span<const Side> other, double largest) {
+  // 32 times 2^-49, by which a computed height may be wrong, for each unit of `largest`.
   const double margin = 0x1p-44 * largest;
   // Most pairs differ in height; so do most sides from all of a few that follow each other.
   constexpr std::size_t kBlock = 16;

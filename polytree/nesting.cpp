@@ -1,4 +1,14 @@
 // The nesting rule of the polygon tree.
+//
+// The rule itself is in the header, and a few lines long (insert, find_contained, first_around,
+// settle).  Everything else is there to find the same answers in less time, and falls back on
+// asking each child in turn wherever its conditions do not hold: boxes in an index, stretches of
+// edges that are passed over, chains that are bisected.
+//
+// Between two insertions this holds: a level's children are linked in the order in which they came
+// to it, and `order` grows along them; a level that is indexed has a box in the index for each of
+// them, and for some that have left; the rings of a chain follow each other as only children,
+// but where the chain was cut, and each is clear of the next.
 
 #include "polytree/nesting.h"
 
@@ -34,6 +44,7 @@ Nesting::Nesting(std::span<KZ_GIS_PolygonNode_c> nodes)
   }
 }
 
+/// Notes what the tests will ask of a ring, so that none of them walks round it for that.
 void Nesting::describe(kz_ulong ring) {
   KZ_GIS_PolygonNode_c& node = nodes_[ring];
   Ring& own = rings_[ring];
@@ -72,7 +83,8 @@ bool Nesting::inside(kz_ulong inner, kz_ulong outer) const {
   const double x = rings_[inner].first_x;
   const double y = rings_[inner].first_y;
   if (!around.numbers || std::isnan(x) || std::isnan(y)) return ring.PointInPolygon(x, y) == 1;
-  // Below, above and to the right no edge is crossed, and to the left an even number.
+  // Below, above and to the right no edge is crossed, and to the left an even number: a point
+  // outside the box needs no test.
   const Box& box = around.box;
   if (x < box.x_min || x > box.x_max || y < box.y_min || y > box.y_max) return false;
   kz_ulong parity = 0;
@@ -85,6 +97,9 @@ bool Nesting::inside(kz_ulong inner, kz_ulong outer) const {
   return parity == 1;
 }
 
+/// Takes a ring down from the root to its level.
+///
+/// No ring is moved but by settling, so that a ring which goes on down has changed nothing.
 void Nesting::insert(kz_ulong ring) {
   kz_ulong level = kRoot;
   for (;;) {
@@ -121,7 +136,7 @@ void Nesting::settle(kz_ulong level, kz_ulong ring) {
   append(level, ring);
 }
 
-/// Collects the level's children whose boxes overlap the ring's, in sibling order.
+/// Collects the level's children whose boxes overlap the ring's, in no order.
 void Nesting::find_overlapping(kz_ulong level, kz_ulong ring) {
   overlapping_.clear();
   const Box& box = rings_[ring].box;
@@ -134,28 +149,36 @@ void Nesting::find_overlapping(kz_ulong level, kz_ulong ring) {
   indices_.at(level).find(box, overlapping_);
   // An index keeps the children that have moved away since.
   std::erase_if(overlapping_, [&](kz_ulong child) { return links_[child].parent != level; });
-  std::ranges::sort(overlapping_, {}, [this](kz_ulong child) { return links_[child].order; });
 }
 
-/// Collects the children that the ring takes.
+/// Collects the children that the ring takes, in sibling order.
 void Nesting::find_contained(kz_ulong ring) {
   contained_.clear();
+  std::copy_if(overlapping_.begin(), overlapping_.end(), std::back_inserter(contained_),
+               [&](kz_ulong child) { return inside(child, ring); });
+  std::sort(contained_.begin(), contained_.end(),
+            [this](kz_ulong a, kz_ulong b) { return links_[a].order < links_[b].order; });
+  std::size_t taken = 0;
   kz_ulong passed_over = kNone;
-  for (const kz_ulong child : overlapping_) {
-    if (child != passed_over && inside(child, ring)) {
-      contained_.push_back(child);
-      passed_over = links_[child].next;
-    }
+  for (const kz_ulong child : contained_) {
+    if (child == passed_over) continue;
+    contained_[taken++] = child;
+    passed_over = links_[child].next;
   }
+  contained_.resize(taken);
 }
 
+/// The first of the level's children that the ring lies in.
 kz_ulong Nesting::first_around(kz_ulong ring) {
+  kz_ulong first = kNone;
   for (const kz_ulong child : overlapping_) {
-    if (inside(ring, child)) return child;
+    if (first != kNone && links_[first].order < links_[child].order) continue;
+    if (inside(ring, child)) first = child;
   }
-  return kNone;
+  return first;
 }
 
+/// Makes the ring the level's last child.
 void Nesting::append(kz_ulong level, kz_ulong ring) {
   Links& up = links_[level];
   Links& own = links_[ring];
@@ -180,6 +203,7 @@ void Nesting::append(kz_ulong level, kz_ulong ring) {
   if (up.children == 1 && level != kRoot) extend_chain(level, ring);
 }
 
+/// Takes the ring from its level's children; its box stays in an index there.
 void Nesting::unlink(kz_ulong ring) {
   const Links& own = links_[ring];
   Links& up = links_[own.parent];
@@ -211,6 +235,7 @@ bool Nesting::clear(kz_ulong outer, kz_ulong inner) {
   return keep_apart(outer_sides_, inner_sides_, around.largest);
 }
 
+/// The ring's sides, as the test for clearance wants them.
 void Nesting::list_sides(kz_ulong ring, std::vector<Side>& sides) const {
   sides.clear();
   const KZ_GIS_PolygonNode_c& node = nodes_[ring];

@@ -2,7 +2,12 @@
 //
 // The point test casts a ray towards greater x and counts the edges that it crosses, as
 // in M. Shimrat, "Algorithm 112: Position of point relative to polygon", Communications of
-// the ACM 5 (1962).  Every comparison is exact.
+// the ACM 5 (1962).  No tolerance is used; the height of an edge at the point is computed in
+// doubles, in the order of operations that callers' results depend on.
+//
+// A ring that repeats its first vertex at the end has one edge less than vertices.  That is all
+// that the closing vertex changes: everything below counts edges, and takes the vertex behind the
+// last for the first.
 
 #include <algorithm>
 #include <cstddef>
@@ -11,7 +16,6 @@
 #include <new>
 
 #include "kzgis/polytree.h"
-#include "polytree/refused.h"
 
 using namespace kzgis;
 
@@ -185,6 +189,8 @@ bool KZ_GIS_PolygonNode_c::CrossEdges(double px, double py, kz_ulong begin, kz_u
     const bool falls = a.y >= b.y;
     const Vertex& low = falls ? b : a;
     const Vertex& high = falls ? a : b;
+    // Both ends belong to the edge: a vertex at the ray's height is on two edges, and the one
+    // that starts there answers for it, below.
     if (py < low.y || py > high.y) continue;
     const double min_x = std::min(a.x, b.x);
     const double max_x = std::max(a.x, b.x);

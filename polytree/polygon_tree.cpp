@@ -1,7 +1,14 @@
 // Rings arranged by containment, counted and cut into triangles.
 //
 // All nodes stand in one array, and the boundaries in the order in which a walk meets them,
-// so that nothing here recurses, however deep the rings lie in each other.
+// so that nothing here recurses, however deep the rings lie in each other.  The links between
+// nodes are those that the interface shows (tree_node.cpp); they are made once, from a nesting that
+// was found without them (nesting.cpp), and nobody but the tree can get at its nodes to change
+// them.
+//
+// Which ring is a boundary is a matter of its depth alone: odd depths are.  The order in which
+// boundaries are triangulated, and in which their triangles stand in the caller's array, is that
+// of `boundaries_`: islands before the boundary around them.
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +18,6 @@
 
 #include "kzgis/polytree.h"
 #include "polytree/nesting.h"
-#include "polytree/refused.h"
 #include "polytree/region.h"
 
 using namespace kzgis;
@@ -23,6 +29,7 @@ kz_ulong ring_end(kz_ulong p, kz_ulong count, const kz_ulong* starts, kz_ulong t
   return p + 1 < count ? starts[p + 1] : total;
 }
 
+/// Whether the starts do not decrease, and stay within the vertices.
 bool starts_fit(kz_ulong count, const kz_ulong* starts, kz_ulong total) {
   if (count > 0 && starts == nullptr) return false;
   for (kz_ulong p = 0; p < count; ++p) {
@@ -32,8 +39,11 @@ bool starts_fit(kz_ulong count, const kz_ulong* starts, kz_ulong total) {
   return true;
 }
 
-/// The boundaries below the root, each behind those inside it.
+/// The boundaries below the root, each behind those inside it: the order in which a walk leaves
+/// them that visits children first.
 std::vector<kz_ulong> list_boundaries(const polytree::Nesting& nesting) {
+  // Down to a ring without children, then on to the next sibling of it or of the first ring
+  // above it that has one: the links alone say where to go on, and nothing is kept of the way.
   std::vector<kz_ulong> boundaries;
   kz_ulong ring = 0;
   bool odd_depth = false;
@@ -103,6 +113,7 @@ kz_ulong KZ_GIS_PolygonTree_c::BuildTree(kz_ulong numPolygons, const kz_ulong* p
 
 /// Makes the nodes of all rings, with their vertices in reversed order.
 kz_ulong KZ_GIS_PolygonTree_c::AddRings(kz_ulong numPolygons, const kz_ulong* polygonStarts) {
+  // A shapefile's boundaries run clockwise, and the triangulator's the other way.
   const double* const x = vertex_list_->XVertices();
   const double* const y = vertex_list_->YVertices();
   std::vector<kz_ulong> indices;
@@ -113,6 +124,7 @@ kz_ulong KZ_GIS_PolygonTree_c::AddRings(kz_ulong numPolygons, const kz_ulong* po
     indices.clear();
     for (kz_ulong i = end; i > start; --i) indices.push_back(i - 1);
     const kz_ulong count = end - start;
+    // A box of zeros is computed when it is first asked for, before the ring is nested.
     nodes_.emplace_back(*vertex_list_, count, indices.data(), 0.0, 0.0, 0.0, 0.0);
     if (nodes_.back().NumberOfVertices() != count) return status::out_of_memory;
   }

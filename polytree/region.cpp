@@ -1,26 +1,31 @@
-// Attempts at one region, each checked.
+// Two attempts at one region: the classic triangulator, whose answer is proved before it is
+// believed, and the sweep of kzgis/mesh.h, which takes rings that touch.
+//
+// The classic one is random, works with a tolerance and checks nothing, so that it can fail
+// where a polygon is sound.  It goes first all the same: where it succeeds, callers get the
+// triangles that they have always got.  The sweep knows no such failures, but needs fewer
+// triangles than were announced where rings touch, and takes the inside of a polygon by the
+// odd-even rule, whatever way its rings run: that they run as the interface asks is decided here.
 
 #include "polytree/region.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <memory>
 #include <new>
-#include <span>
+#include <optional>
+#include <utility>
 #include <vector>
 
+#include "exact/predicates.h"
 #include "exact/tiling.h"
 #include "kzgis/mesh.h"
-#include "polytree/refused.h"
+#include "polytree/winding.h"
 
 namespace kzgis::polytree {
 
 namespace {
-
-constexpr kz_ulong kClassicOrders = 3;
-constexpr std::uint64_t kExactOrders = 2;
 
 const KZ_GIS_PolygonNode_c& hole(const KZ_GIS_PolygonNode_c& boundary, kz_ulong i) {
   return static_cast<const KZ_GIS_PolygonNode_c&>(boundary.Child(i));
@@ -34,234 +39,192 @@ std::uint64_t vertex_count(const KZ_GIS_PolygonNode_c& boundary) {
   return vertices;
 }
 
-/// The region's contours, one after the other, and its triangles.
+/// What an operation answered, or nothing where the contours have a flaw.  Throws
+/// `std::bad_alloc` where it had no memory.
+template <class T>
+std::optional<T> answer(Result<T, Flaw> result) {
+  if (result) return std::move(*result);
+  if (result.error().kind == ErrorKind::out_of_memory) throw std::bad_alloc();
+  return std::nullopt;
+}
+
+/// The contours as the classic triangulator takes them, numbered from 1: of a run of equal
+/// vertices, which it cannot have, the first alone.
+struct Distinct {
+  explicit Distinct(std::size_t most)
+      : vertices(std::make_unique<double[][2]>(most + 1)), number(1) {}
+
+  std::vector<kz_long> sizes;
+  std::unique_ptr<double[][2]> vertices;
+  std::vector<std::uint32_t> number;  ///< which vertex of the region each of them is
+};
+
+/// Which way a ring runs, of `size` vertices from `ring` on that differ each from the next: 1
+/// counter-clockwise, -1 clockwise, 0 when a spike hides it.
 ///
-/// Vertices are numbered from 1.  One that repeats the vertex before it is kept from the
-/// triangulators, which cannot have it; it gets a flat triangle of its own, with the vertex
-/// before it and the next one elsewhere.  That makes up the number of triangles.
-class Contours {
- public:
-  Contours(const KZ_GIS_PolygonNode_c& boundary, std::size_t vertices, std::size_t triangles)
-      : vertices_(std::make_unique<double[][2]>(vertices + 1)),
-        global_(vertices + 1),
-        distinct_(std::make_unique<double[][2]>(vertices + 1)),
-        triangles_(std::make_unique<kz_long[][3]>(triangles)),
-        triangle_count_(triangles) {
-    rings_.push_back(&boundary);
-    for (kz_ulong i = 0; i < boundary.NumberOfChildren(); ++i) {
-      rings_.push_back(&hole(boundary, i));
-    }
-    for (const KZ_GIS_PolygonNode_c* ring : rings_) {
-      sizes_.push_back(static_cast<kz_long>(ring->NumberOfVertices()));
+/// Nothing of the ring lies to the left of its leftmost vertex, the lowest of several: the turn
+/// there is that of the whole, if the ring goes through there once.
+int direction(const double (*ring)[2], kz_long size) {
+  kz_long first = 0;
+  for (kz_long i = 1; i < size; ++i) {
+    if (ring[i][0] != ring[first][0] ? ring[i][0] < ring[first][0] : ring[i][1] < ring[first][1]) {
+      first = i;
     }
   }
+  const double* const before = ring[first > 0 ? first - 1 : size - 1];
+  const double* const here = ring[first];
+  const double* const behind = ring[first + 1 < size ? first + 1 : 0];
+  return exact::orientation({before[0], before[1]}, {here[0], here[1]}, {behind[0], behind[1]});
+}
 
-  /// Lays the contours out, each from another first vertex in every order.
-  /// @return false when one of them has fewer than three vertices that differ
-  bool lay_out(kz_ulong order) {
-    distinct_number_.assign(1, 0);
-    distinct_sizes_.clear();
-    flat_count_ = 0;
-    std::size_t begin = 1;
-    for (const KZ_GIS_PolygonNode_c* ring : rings_) {
-      const std::size_t end = begin + ring->NumberOfVertices();
-      const std::size_t before = distinct_number_.size();
-      if (!copy(*ring, order, begin)) return false;
-      drop_repeated(begin, end);
-      distinct_sizes_.push_back(static_cast<kz_long>(distinct_number_.size() - before));
-      if (distinct_sizes_.back() < 3) return false;
-      begin = end;
+/// The region's contours, one after the other, and its triangles.  Vertices are numbered from 0.
+class Region {
+ public:
+  Region(const KZ_GIS_PolygonNode_c& boundary, std::size_t triangles) : triangle_count_(triangles) {
+    add(boundary);
+    for (kz_ulong i = 0; i < boundary.NumberOfChildren(); ++i) add(hole(boundary, i));
+  }
+
+  /// Asks a triangulator without a memory, a tolerance or a proof of its own.
+  /// @return false when what came back does not tile the region
+  bool ask(decltype(&triangulate_polygon) triangulator) {
+    triangles_.clear();
+    Distinct distinct(vertices_.size());
+    std::uint32_t begin = 0;
+    for (const std::uint32_t size : sizes_) {
+      drop_repeated(begin, begin + size, distinct);
+      // A hole that runs the wrong way would count as a second cover of what it encloses.
+      const kz_long corners = distinct.sizes.back();
+      const double(*const ring)[2] =
+          &distinct.vertices[distinct.number.size() - static_cast<std::size_t>(corners)];
+      if (corners < 3 || direction(ring, corners) != (begin == 0 ? 1 : -1)) return false;
+      begin += size;
     }
+    // Zero is no vertex: what is not written stays to be seen.
+    const std::size_t wanted = triangle_count_ - triangles_.size() / 3;
+    const auto found = std::make_unique<kz_long[][3]>(wanted);
+    if (triangulator(static_cast<kz_long>(distinct.sizes.size()), distinct.sizes.data(),
+                     distinct.vertices.get(), found.get()) != 0) {
+      return false;
+    }
+    for (std::size_t t = 0; t < wanted; ++t) {
+      for (const kz_long corner : found[t]) {
+        if (corner < 1 || static_cast<std::size_t>(corner) >= distinct.number.size()) return false;
+        triangles_.push_back(distinct.number[static_cast<std::size_t>(corner)]);
+      }
+    }
+    return exact::tiles(vertices_, exact::sides_of_contours(sizes_), triangles_,
+                        exact::Flat::taken);
+  }
+
+  /// Takes the contours for rings that may touch themselves and each other.
+  ///
+  /// They are refused when the boundary is not the outermost ring or a hole not right inside it:
+  /// as a rule a ring was filed in the wrong place then.  So they are when the direction of the
+  /// rings does not bear out what lies inside by the odd-even rule.
+  bool sweep() {
+    std::vector<double> x, y;
+    for (const exact::Point& vertex : vertices_) {
+      x.push_back(vertex.x);
+      y.push_back(vertex.y);
+    }
+    std::vector<std::int32_t> starts;
+    std::int32_t begin = 0;
+    for (const std::uint32_t size : sizes_) {
+      starts.push_back(begin);
+      begin += static_cast<std::int32_t>(size);
+    }
+    const auto nesting = answer(nest({x, y, starts}));
+    if (!nesting || !is_region(*nesting)) return false;
+    const auto mesh = answer(kzgis::triangulate({x, y, starts}));
+    if (!mesh || mesh->triangles.size() > 3 * triangle_count_) return false;
+    if (!wind_as_covered(sizes_, vertices_, mesh->triangles)) return false;
+    // What touches needs fewer triangles than were announced, and a hole without an inside none
+    // at all: flat ones of a single side make up the number.
+    triangles_ = mesh->triangles;
+    while (triangles_.size() < 3 * triangle_count_) triangles_.push_back(triangles_.size() % 2);
     return true;
   }
 
-  bool triangulate(decltype(&triangulate_polygon) triangulator) {
-    const std::span<kz_long[3]> result = wanted();
-    for (auto& triangle : result) std::ranges::fill(triangle, 0);  // no vertex: not written
-    if (triangulator(static_cast<kz_long>(distinct_sizes_.size()), distinct_sizes_.data(),
-                     distinct_.get(), result.data()) != 0) {
-      return false;
-    }
-    for (auto& triangle : result) {
-      for (kz_long& corner : triangle) {
-        if (corner < 1 || static_cast<std::size_t>(corner) >= distinct_number_.size()) return false;
-        corner = distinct_number_[static_cast<std::size_t>(corner)];
-      }
-    }
-    return tiled();
-  }
-
-  bool triangulate(triangulation::Workspace& workspace, std::uint64_t seed) {
-    std::vector<triangulation::Point> points(distinct_number_.size() - 1);
-    for (std::size_t i = 0; i < points.size(); ++i) {
-      points[i] = {distinct_[i + 1][0], distinct_[i + 1][1]};
-    }
-    const std::span<kz_long[3]> result = wanted();
-    std::vector<kz_long> corners(3 * result.size());
-    const auto outcome = workspace.run(distinct_sizes_, points, 0.0, seed, corners).outcome;
-    if (outcome == triangulation::Outcome::out_of_memory) throw std::bad_alloc();
-    if (outcome != triangulation::Outcome::complete) return false;
-    for (std::size_t i = 0; i < corners.size(); ++i) {
-      result[i / 3][i % 3] = distinct_number_[static_cast<std::size_t>(corners[i]) + 1];
-    }
-    return tiled();
-  }
-
-  /// Takes the contours for rings that may touch.
-  ///
-  /// A ring that runs the wrong way is refused all the same: as a rule it is a hole that
-  /// was filed as a boundary, or the other way round.
-  ///
-  /// What touches needs fewer triangles than were announced, and a hole without an inside
-  /// none at all: flat ones of a single side make up the number.
-  bool triangulate_touching() {
-    std::size_t count = 0;
-    std::vector<kz_long> starts;
-    double twice_area = 0.0;
-    double spread = 0.0;  // what rounding errors are small against
-    for (const kz_long size : sizes_) {
-      const double area = signed_area(count + 1, static_cast<std::size_t>(size));
-      if (starts.empty() ? area < 0.0 : area > 0.0) return false;
-      twice_area += area;
-      spread += std::fabs(area);
-      starts.push_back(static_cast<kz_long>(count));
-      count += static_cast<std::size_t>(size);
-    }
-    std::vector<double> x(count);
-    std::vector<double> y(count);
-    for (std::size_t i = 0; i < count; ++i) {
-      x[i] = vertices_[i + 1][0];
-      y[i] = vertices_[i + 1][1];
-    }
-    const Rings rings{x, y, starts};
-    const auto nesting = nest(rings);
-    if (!nesting && nesting.error().kind == ErrorKind::out_of_memory) throw std::bad_alloc();
-    // The region is the boundary less its holes only if that is where they lie.
-    if (!nesting || nesting->depth[0] != 1) return false;
-    for (std::size_t i = 1; i < starts.size(); ++i) {
-      if (nesting->depth[i] != 0 && nesting->parent[i] != 0) return false;
-    }
-    const auto mesh = kzgis::triangulate(rings);
-    if (!mesh && mesh.error().kind == ErrorKind::out_of_memory) throw std::bad_alloc();
-    if (!mesh || mesh->triangles.size() > 3 * triangle_count_) return false;
-    for (std::size_t i = 0; i < 3 * triangle_count_; ++i) {
-      const bool made_up = i >= mesh->triangles.size();
-      triangles_[i / 3][i % 3] =
-          made_up ? static_cast<kz_long>(1 + i % 2) : static_cast<kz_long>(mesh->triangles[i]) + 1;
-    }
-    // A ring that turns round in a vertex encloses its parts either way: they are not the
-    // region that its winding says.
-    double covered = 0.0;
-    for (std::size_t t = 0; t < triangle_count_; ++t) {
-      const double* const a = vertices_[static_cast<std::size_t>(triangles_[t][0])];
-      const double* const b = vertices_[static_cast<std::size_t>(triangles_[t][1])];
-      const double* const c = vertices_[static_cast<std::size_t>(triangles_[t][2])];
-      covered += (b[0] - a[0]) * (c[1] - a[1]) - (c[0] - a[0]) * (b[1] - a[1]);
-    }
-    return std::fabs(covered - twice_area) <= 1e-9 * spread;
-  }
-
   void write(kz_ulong* connections) const {
-    for (std::size_t t = 0; t < triangle_count_; ++t) {
-      for (const kz_long corner : triangles_[t]) {
-        *connections++ = global_[static_cast<std::size_t>(corner)];
-      }
-    }
+    for (const std::uint32_t vertex : triangles_) *connections++ = global_[vertex];
   }
 
  private:
-  /// Copies one ring to the vertices from number `begin` on.
-  /// @return false when all of its vertices are the same
-  bool copy(const KZ_GIS_PolygonNode_c& ring, kz_ulong order, std::size_t begin) {
+  /// Adds the vertices of one ring, from one on that does not repeat the vertex before it: no
+  /// run of equal vertices goes round the end then, unless all of them are equal.
+  void add(const KZ_GIS_PolygonNode_c& ring) {
     const double* const x = ring.VertexList().XVertices();
     const double* const y = ring.VertexList().YVertices();
     kz_ulong size = 0;
     const kz_ulong* indices = nullptr;
     ring.GetVertices(&size, &indices);
-    // No run of equal vertices is to go round the end: start behind one.
-    kz_ulong shift = size / kClassicOrders * order;
     const auto repeats = [&](kz_ulong i) {
       const kz_ulong v = indices[i];
       const kz_ulong before = indices[i > 0 ? i - 1 : size - 1];
       return x[v] == x[before] && y[v] == y[before];
     };
-    kz_ulong steps = 0;
-    for (; steps < size && repeats(shift); ++steps) shift = shift + 1 < size ? shift + 1 : 0;
-    if (steps == size) return false;
+    kz_ulong first = 0;
+    while (first < size && repeats(first)) ++first;
     for (kz_ulong i = 0; i < size; ++i) {
-      const kz_ulong index = indices[i < size - shift ? i + shift : i - (size - shift)];
-      global_[begin + i] = index;
-      vertices_[begin + i][0] = x[index];
-      vertices_[begin + i][1] = y[index];
+      const kz_ulong index = indices[i < size - first ? i + first : i - (size - first)];
+      global_.push_back(index);
+      vertices_.push_back({x[index], y[index]});
+    }
+    sizes_.push_back(size);
+  }
+
+  /// Hands on the first of each run of equal vertices of the ring [begin, end).
+  ///
+  /// Every other vertex gets a flat triangle, with the vertex before it and the next one
+  /// elsewhere: the triangles of the region come to the announced number then, and to the
+  /// contours' own sides.
+  void drop_repeated(std::uint32_t begin, std::uint32_t end, Distinct& distinct) {
+    const std::size_t before = distinct.number.size();
+    for (std::uint32_t v = begin; v < end;) {
+      distinct.vertices[distinct.number.size()][0] = vertices_[v].x;
+      distinct.vertices[distinct.number.size()][1] = vertices_[v].y;
+      distinct.number.push_back(v);
+      std::uint32_t next = v + 1;
+      while (next < end && same_place(next, v)) ++next;
+      for (++v; v < next; ++v) {
+        triangles_.insert(triangles_.end(), {v - 1, v, next < end ? next : begin});
+      }
+    }
+    distinct.sizes.push_back(static_cast<kz_long>(distinct.number.size() - before));
+  }
+
+  bool same_place(std::uint32_t v, std::uint32_t w) const {
+    return vertices_[v].x == vertices_[w].x && vertices_[v].y == vertices_[w].y;
+  }
+
+  /// Whether the first contour is the outermost and the others, but for those without an inside,
+  /// lie right inside it.
+  bool is_region(const kzgis::Nesting& nesting) const {
+    // A boundary without an inside has flat triangles, if it has the corners of even one.
+    if (nesting.depth[0] > 1 || (nesting.depth[0] == 0 && !has_three_corners(sizes_[0]))) {
+      return false;
+    }
+    for (std::size_t i = 1; i < sizes_.size(); ++i) {
+      if (nesting.depth[i] != 0 && nesting.parent[i] != 0) return false;
     }
     return true;
   }
 
-  /// Twice the area of `size` vertices from number `begin` on, positive counter-clockwise.
-  double signed_area(std::size_t begin, std::size_t size) const {
-    double area = 0.0;
-    const double* const origin = vertices_[begin];
-    for (std::size_t i = 1; i + 1 < size; ++i) {
-      const double* const a = vertices_[begin + i];
-      const double* const b = vertices_[begin + i + 1];
-      area += (a[0] - origin[0]) * (b[1] - origin[1]) - (b[0] - origin[0]) * (a[1] - origin[1]);
+  /// Whether of the first `size` vertices three differ, each from the one before it.
+  bool has_three_corners(std::uint32_t size) const {
+    std::uint32_t corners = 0;
+    for (std::uint32_t i = 0; i < size; ++i) {
+      if (!same_place(i, i > 0 ? i - 1 : size - 1)) ++corners;
     }
-    return area;
+    return corners >= 3;
   }
 
-  /// Hands on the first of each run of equal vertices of the ring [begin, end), and makes
-  /// the flat triangles of the others.  There are two runs at least, so that these never
-  /// outnumber the triangles of the region.
-  void drop_repeated(std::size_t begin, std::size_t end) {
-    for (std::size_t v = begin; v < end;) {
-      distinct_[distinct_number_.size()][0] = vertices_[v][0];
-      distinct_[distinct_number_.size()][1] = vertices_[v][1];
-      distinct_number_.push_back(static_cast<kz_long>(v));
-      std::size_t next = v + 1;
-      while (next < end && vertices_[next][0] == vertices_[v][0] &&
-             vertices_[next][1] == vertices_[v][1]) {
-        ++next;
-      }
-      const std::size_t elsewhere = next < end ? next : begin;
-      for (++v; v < next; ++v, ++flat_count_) {
-        triangles_[flat_count_][0] = static_cast<kz_long>(v - 1);
-        triangles_[flat_count_][1] = static_cast<kz_long>(v);
-        triangles_[flat_count_][2] = static_cast<kz_long>(elsewhere);
-      }
-    }
-  }
-
-  /// Where the triangles between distinct vertices go: behind the flat ones.
-  std::span<kz_long[3]> wanted() {
-    return std::span(triangles_.get(), triangle_count_).subspan(flat_count_);
-  }
-
-  bool tiled() const {
-    std::vector<exact::Point> points;
-    for (std::size_t i = 1; i < global_.size(); ++i) {
-      points.push_back({vertices_[i][0], vertices_[i][1]});
-    }
-    std::vector<std::uint32_t> corners;
-    for (const auto& triangle : std::span(triangles_.get(), triangle_count_)) {
-      for (const kz_long corner : triangle) {
-        corners.push_back(static_cast<std::uint32_t>(corner) - 1);
-      }
-    }
-    const std::vector<std::uint32_t> sizes(sizes_.begin(), sizes_.end());
-    return exact::tiles(points, exact::sides_of_contours(sizes), corners, exact::Flat::taken);
-  }
-
-  std::vector<const KZ_GIS_PolygonNode_c*> rings_;
-  std::vector<kz_long> sizes_;
-  std::unique_ptr<double[][2]> vertices_;
+  std::vector<std::uint32_t> sizes_;
   std::vector<kz_ulong> global_;  // what the vertex list calls each vertex
-  // What the triangulators see, and which vertex each of theirs is.
-  std::vector<kz_long> distinct_sizes_;
-  std::unique_ptr<double[][2]> distinct_;
-  std::vector<kz_long> distinct_number_;
-  std::unique_ptr<kz_long[][3]> triangles_;
+  std::vector<exact::Point> vertices_;
+  std::vector<std::uint32_t> triangles_;
   std::size_t triangle_count_;
-  std::size_t flat_count_ = 0;
 };
 
 }  // namespace
@@ -275,24 +238,12 @@ kz_ulong triangulate_region(const KZ_GIS_PolygonNode_c& boundary, kz_ulong* conn
                             decltype(&triangulate_polygon) triangulator) {
   const std::int64_t triangles = triangle_count(boundary);
   if (triangles == 0) return status::success;
-  const std::uint64_t vertices = vertex_count(boundary);
   // A triangulator counts in 32 bits.
-  if (vertices >= std::numeric_limits<kz_long>::max()) return status::refused;
+  if (vertex_count(boundary) >= std::numeric_limits<kz_long>::max()) return status::refused;
   try {
-    Contours contours(boundary, static_cast<std::size_t>(vertices),
-                      static_cast<std::size_t>(triangles));
-    bool done = false;
-    bool proper = true;
-    for (kz_ulong order = 0; !done && proper && order < kClassicOrders; ++order) {
-      proper = contours.lay_out(order);
-      done = proper && contours.triangulate(triangulator);
-    }
-    triangulation::Workspace workspace;
-    for (std::uint64_t seed = 1; !done && proper && seed <= kExactOrders; ++seed) {
-      done = contours.triangulate(workspace, seed);
-    }
-    if (!done && !contours.triangulate_touching()) return status::refused;
-    contours.write(connections);
+    Region region(boundary, static_cast<std::size_t>(triangles));
+    if (!region.ask(triangulator) && !region.sweep()) return status::refused;
+    region.write(connections);
     return status::success;
   } catch (const std::bad_alloc&) {
     return status::out_of_memory;

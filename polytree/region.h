@@ -17,19 +17,19 @@ std::int64_t triangle_count(const KZ_GIS_PolygonNode_c& boundary);
 /// Cuts the region into `triangle_count` triangles, and writes three indices for each into
 /// the vertex list's arrays, or nothing at all.
 ///
-/// What comes back from a triangulator is believed once it is proved to tile the region.
-/// Otherwise the contours are handed over again from other first vertices, which changes
-/// the order in which edges are inserted even where the random numbers stay the same, then
-/// to a triangulator that decides everything exactly, and at last as rings that may touch.
-/// With a hole of fewer than three different vertices this last is all that is tried: it
-/// takes nothing from the region.
+/// What comes back from the triangulator is believed once it is proved to tile the region
+/// (`exact::tiles`).  Otherwise `kzgis::triangulate` takes the contours for rings that may touch,
+/// with a proof of its own; that its triangles are the region which the contours wind round is
+/// proved here (`wind_as_covered`).  Where a contour has fewer than three different vertices,
+/// such as a hole that takes nothing from the region, the second is all that is tried.
 ///
 /// Before: `triangle_count` is not negative.
 ///
-/// @param triangulator  `triangulate_polygon`, but for tests
-/// @return 1; 2 when no attempt tiled the region; 14 without memory
-kz_ulong triangulate_region(const KZ_GIS_PolygonNode_c& boundary, kz_ulong* connections,
-                            decltype(&triangulate_polygon) triangulator = &triangulate_polygon);
+/// @param triangulator  another one than the classic, for tests
+/// @return 1; 2 when neither tiled the region; 14 without memory
+kz_ulong triangulate_region(
+    const KZ_GIS_PolygonNode_c& boundary, kz_ulong* connections,
+    decltype(&triangulate_polygon) triangulator = &triangulation::triangulate_quietly);
 
 }  // namespace kzgis::polytree
 

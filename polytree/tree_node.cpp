@@ -1,12 +1,15 @@
 // The links of an ordered tree.  The children stand in one array from the C heap, which
 // grows by ten and keeps their order.
+//
+// Nothing keeps the two directions of a link together: removing a child leaves its link to the
+// parent, and a copied node has children whose parent is another.  Callers count on both, so that
+// every operation asks the list that it changes, and believes no link from below.
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 
 #include "kzgis/polytree.h"
-#include "polytree/refused.h"
 
 using namespace kzgis;
 

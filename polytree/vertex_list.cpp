@@ -1,4 +1,4 @@
-// A borrowed pair of coordinate arrays.
+// A borrowed pair of coordinate arrays: nothing here looks at what the addresses name.
 
 #include "kzgis/polytree.h"
 

@@ -1,7 +1,9 @@
 // The plain functions: the algorithm on the tables of the process.
 //
 // Each refuses numbers that lie outside the tables, so that a call out of turn, before
-// `initilize` or after `release_tables`, finds nothing instead of stale memory.
+// `initilize` or after `release_tables`, finds nothing instead of stale memory.  The pointers
+// that callers see are copies: the functions themselves go by `process`, which knows how large
+// each table is, and whether it is there.
 
 #include <algorithm>
 #include <array>
@@ -44,19 +46,15 @@ kz_long table_size(kz_long size, std::uint32_t count) {
   return static_cast<kz_long>(static_cast<std::uint32_t>(size) * count);
 }
 
+/// The caller's array, as far as the interface says that it has room.
 tri::TriangleArray output(kz_long n, kz_long (*triangles)[3]) {
   return {triangles == nullptr ? nullptr : &triangles[0][0], tri::triangles_in(process, n)};
 }
 
-void clear_map() {
-  process.tr.clear(process.tr_size);
-  process.qs.clear(process.qs_size);
-}
-
-}  // namespace
-
-kz_long initilize(kz_long size) {
+/// Allocates all tables, releases those of the last call, and shows callers where they are.
+bool take_tables(kz_long size, bool quiet) {
   process = tri::Tables{};
+  process.quiet = quiet;
   const char* failed = process.allocate(size);
   SEGSIZE = size;
   QSIZE = table_size(size, 10);
@@ -69,20 +67,45 @@ kz_long initilize(kz_long size) {
   vert = process.vert.data();
   mon = process.mon.data();
   visited = process.visited.data();
-  if (failed == nullptr) return 0;
-  print_error("initilize:  Error allocating space for %s\n", failed);
-  return 1;
+  if (failed == nullptr) return true;
+  if (!quiet) print_error("initilize:  Error allocating space for %s\n", failed);
+  return false;
 }
 
+/// Draws an insertion order, another one in every second.
+bool order_segments(kz_long n) {
+  std::srand(static_cast<unsigned>(std::time(nullptr)));
+  return tri::generate_random_ordering(process, n);
+}
+
+// The tables are open to callers, who may have left anything in them: a stage that starts
+// from zero clears them whole.  Those that `initilize` has just allocated are zero, and as long
+// as nobody writes to what a polygon does not use, that takes addresses but no memory.
+
+void clear_map() {
+  process.tr.clear();
+  process.qs.clear();
+}
+
+void clear_chains() {
+  process.vert.clear();
+  process.visited.clear();
+  process.mchain.clear();
+  process.mon.clear();
+}
+
+}  // namespace
+
+kz_long initilize(kz_long size) { return take_tables(size, false) ? 0 : 1; }
+
+// What callers see of the tables goes stale here, and stays so: the interface has it that the
+// pointers keep their values until the next allocation.
 kz_long release_tables() {
   process.release();
   return 0;
 }
 
-kz_long generate_random_ordering(kz_long n) {
-  std::srand(static_cast<unsigned>(std::time(nullptr)));
-  return tri::generate_random_ordering(process, n, std::rand) ? 0 : 1;
-}
+kz_long generate_random_ordering(kz_long n) { return order_segments(n) ? 0 : 1; }
 
 kz_long choose_segment() { return tri::choose_segment(process); }
 
@@ -115,23 +138,21 @@ kz_long print_error(const char* format, ...) {
 }
 
 kz_long _equal_to(const tri::Point* a, const tri::Point* b) {
-  return tri::equal_to(*a, *b, tri::kClassicTolerance) ? 1 : 0;
+  return tri::equal_to(*a, *b) ? 1 : 0;
 }
 
 kz_long _greater_than(const tri::Point* a, const tri::Point* b) {
-  return tri::greater_than(*a, *b, tri::kClassicTolerance) ? 1 : 0;
+  return tri::greater_than(*a, *b) ? 1 : 0;
 }
 
 kz_long _greater_than_equal_to(const tri::Point* a, const tri::Point* b) {
-  return tri::greater_than_equal_to(*a, *b, tri::kClassicTolerance) ? 1 : 0;
+  return tri::greater_than_equal_to(*a, *b) ? 1 : 0;
 }
 
 kz_long _less_than(const tri::Point* a, const tri::Point* b) {
-  return tri::less_than(*a, *b, tri::kClassicTolerance) ? 1 : 0;
+  return tri::less_than(*a, *b) ? 1 : 0;
 }
 
-// The tables are open to callers, who may have left anything in them: a stage that starts
-// from cleared tables clears them whole.
 kz_long construct_trapezoids(kz_long n) {
   clear_map();
   tri::construct_trapezoids(process, n);
@@ -148,6 +169,8 @@ kz_long add_segment(kz_long s) {
   return 0;
 }
 
+// A search that fails prints "Haggu !!!!!", and answers with the number of characters printed;
+// that is what callers have always got.
 kz_long locate_endpoint(const tri::Point* v, const tri::Point* vo, kz_long r) {
   const kz_long trapezoid = tri::locate(process, *v, *vo, r);
   if (trapezoid > 0) return trapezoid;
@@ -171,10 +194,11 @@ void refresh_segment_roots(kz_long s) {
   if (process.is_segment(s)) tri::refresh_segment_roots(process, s);
 }
 
-// The walk's list of visits grows on the standard heap, and no exception may pass from here.
+// The walk's list of visits grows on the standard heap, and no exception may pass from here: the
+// interface knows none, and programs that were written for it may be built without.
 
 kz_long monotonate_trapezoids(kz_long n) {
-  process.mchain.clear(process.tr_size);
+  clear_chains();
   try {
     return tri::monotonate_trapezoids(process, n);
   } catch (const std::bad_alloc&) {
@@ -212,6 +236,7 @@ kz_long triangulate_monotone_polygons(kz_long n, kz_long pieces, kz_long (*trian
   return tri::triangulate_monotone_polygons(process, n, pieces, output(n, triangles));
 }
 
+// The walk round a piece trusts its links, and the caller's number is the first of them.
 kz_long triangulate_monotone_piece(kz_long n, kz_long pos, kz_long side, kz_long (*triangles)[3]) {
   if (pos < 1 || pos > process.chain_next || !process.mchain.holds(pos)) return 0;
   const tri::Sweep sweep =
@@ -219,31 +244,48 @@ kz_long triangulate_monotone_piece(kz_long n, kz_long pos, kz_long side, kz_long
   return sweep == tri::Sweep::no_memory ? 1 : 0;
 }
 
-kz_long triangulate_polygon(kz_long ncontours, const kz_long* cntr, const double (*vertices)[2],
-                            kz_long (*triangles)[3]) {
+namespace {
+
+/// Triangulates on fresh tables.  What is missing at the end, for want of memory or because the
+/// contours are no polygon's, nothing reports.
+void triangulate(kz_long ncontours, const kz_long* cntr, const double (*vertices)[2],
+                 kz_long (*triangles)[3], bool quiet) {
   constexpr std::int64_t kMost = INT32_MAX - 1;
   std::int64_t n = 0;
   for (kz_long k = 0; k < ncontours; ++k) {
-    if (cntr[k] < 0 || n + cntr[k] > kMost) return 0;
+    if (cntr[k] < 0 || n + cntr[k] > kMost) return;
     n += cntr[k];
   }
-  if (initilize(static_cast<kz_long>(n) + 1) != 0) return 0;
-
-  tri::build_segments(process, ncontours, cntr, [&](kz_long i) {
-    return tri::Point{vertices[i][0], vertices[i][1]};
-  });
   const auto count = static_cast<kz_long>(n);
-  if (generate_random_ordering(count) != 0) return 0;
+  if (!take_tables(count + 1, quiet)) return;
+  tri::build_segments(process, ncontours, cntr, vertices);
+  if (!order_segments(count)) return;
   try {
     tri::triangulate_segments(process, count, output(count, triangles));
   } catch (const std::bad_alloc&) {
-    // The triangles written so far stand, and nothing reports it: the result is always 0.
+    // The triangles written so far stand.
   }
+}
+
+}  // namespace
+
+kz_long triangulate_polygon(kz_long ncontours, const kz_long* cntr, const double (*vertices)[2],
+                            kz_long (*triangles)[3]) {
+  triangulate(ncontours, cntr, vertices, triangles, false);
+  return 0;
+}
+
+kz_long tri::triangulate_quietly(kz_long ncontours, const kz_long* cntr,
+                                 const double (*vertices)[2], kz_long (*triangles)[3]) {
+  triangulate(ncontours, cntr, vertices, triangles, true);
+  process.quiet = false;  // the tables stay, and the next call on them may have to say something
   return 0;
 }
 
 kz_long is_point_inside_polygon(const double* vertex) {
-  // Without a map there is nothing to search, and nothing to complain about.
+  // Without a map there is nothing to search, and nothing to complain about.  With one, a
+  // trapezoid is inside when the segment to its right runs upward: the inside lies to the left of
+  // every edge.
   if (process.seg_size == 0 || process.qs_next == 1) return 0;
   const tri::Point point{vertex[0], vertex[1]};
   const kz_long i = tri::locate(process, point, point, 1);
@@ -254,5 +296,5 @@ kz_long is_point_inside_polygon(const double* vertex) {
     return 0;
   }
   const tri::Segment& right = process.seg[here.right_seg];
-  return tri::greater_than_equal_to(right.end, right.start, process.tolerance) ? 1 : 0;
+  return tri::greater_than_equal_to(right.end, right.start) ? 1 : 0;
 }

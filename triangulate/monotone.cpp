@@ -5,6 +5,16 @@
 // diagonals leave pieces that are monotone in the sweep order.  A piece of that kind is
 // cut by the sweep of M. Garey, D. Johnson, F. Preparata and R. Tarjan, "Triangulating a
 // simple polygon", Information Processing Letters 7 (1978).
+//
+// Pieces are circular chains of links in `mchain`.  At first there is one chain to each contour;
+// a diagonal between two vertices of one chain makes two of it, one between vertices of two
+// chains makes them one.  Between two diagonals this holds: every chain runs with its piece to
+// the left; `vert` knows of every vertex which chains lead through it, and where each goes next;
+// `mon` holds a link of every piece.  A vertex has room for four chains, its contour's and those
+// of three diagonals: a polygon that wants more is none.
+//
+// The cases below are one table of the interface, of which callers see the order: which piece
+// gets which number, and with it the order of the triangles, is decided by the order of visits.
 
 #include "triangulate/monotone.h"
 
@@ -22,6 +32,8 @@ enum Direction : kz_long { kFromAbove = 1, kFromBelow = 2 };
 enum PieceSide : kz_long { kLowestIsNext = 1, kLowestIsElsewhere = 2 };
 
 enum Neighbour { A0, A1, B0, B1 };
+
+// Numbers of vertices and of segments are the same: segment i starts at vertex i.
 
 /// A vertex, named by how it is found from a trapezoid with segments L and R.
 enum class Corner {
@@ -81,6 +93,11 @@ constexpr Case kLeftToRight{{right, left, 2, {B1, B0, A0, A1}}, {left, right, 2,
 constexpr Case kRightToLeft{{right_next, left_next, 2, {B1, B0, A0, A1}},
                             {left_next, right_next, 2, {A0, A1, B1, B0}}};
 
+/// The case that a trapezoid is, and the plan for a walk that comes to it from `from`.
+///
+/// How many neighbours there are above says what is there: none a vertex where both segments
+/// meet; one a vertex at one of the segments; two a vertex between them, the cusp of a chain that
+/// comes from above.  So it is below.
 const Plan& choose_plan(const Tables& t, const Trapezoid& here, kz_long from, kz_long dir) {
   const bool a0 = here.above0 > 0;
   const bool a1 = here.above1 > 0;
@@ -91,7 +108,6 @@ const Plan& choose_plan(const Tables& t, const Trapezoid& here, kz_long from, kz
   const auto pick = [](const Case& plans, bool from_there) -> const Plan& {
     return from_there ? plans.from_there : plans.otherwise;
   };
-  const auto meet = [&](const Point& a, const Point& b) { return equal_to(a, b, t.tolerance); };
   const Segment& left_seg = t.seg[here.left_seg];
   const Segment& right_seg = t.seg[here.right_seg];
 
@@ -108,21 +124,21 @@ const Plan& choose_plan(const Tables& t, const Trapezoid& here, kz_long from, kz
       return pick(kCuspAboveAndBelow,
                   (from_below && from == here.below1) || (from_above && from == here.above1));
     }
-    if (meet(here.bottom, left_seg.end)) {
+    if (equal_to(here.bottom, left_seg.end)) {
       return pick(kCuspAboveVertexLeft, from_above && from == here.above0);
     }
     return pick(kCuspAboveVertexRight, from_above && from == here.above1);
   }
   if (b0 && b1) {
-    if (meet(here.top, left_seg.start)) {
+    if (equal_to(here.top, left_seg.start)) {
       return pick(kVertexLeftCuspBelow, from_below && from == here.below0);
     }
     return pick(kVertexRightCuspBelow, from_below && from == here.below1);
   }
-  if (meet(here.top, left_seg.start) && meet(here.bottom, right_seg.start)) {
+  if (equal_to(here.top, left_seg.start) && equal_to(here.bottom, right_seg.start)) {
     return pick(kLeftToRight, !from_above);
   }
-  if (meet(here.top, right_seg.end) && meet(here.bottom, left_seg.end)) {
+  if (equal_to(here.top, right_seg.end) && equal_to(here.bottom, left_seg.end)) {
     return pick(kRightToLeft, !from_above);
   }
   return kSameSide;
@@ -174,12 +190,15 @@ kz_long find_start(const Tables& t) {
     const bool point_below = here.below0 <= 0 && here.below1 <= 0;
     if (!point_above && !point_below) continue;
     const Segment& right_seg = t.seg[here.right_seg];
-    if (greater_than(right_seg.end, right_seg.start, t.tolerance)) return i;
+    if (greater_than(right_seg.end, right_seg.start)) return i;
   }
   return 0;
 }
 
 /// The slot of vertex `at` whose chain leaves it next, clockwise, from the way to `to`.
+///
+/// The chains through a vertex part the angles around it among them: this is the one in whose
+/// angle the diagonal runs.  Of slots that rank the same the first is taken.
 kz_long chain_towards(const Tables& t, kz_long at, kz_long to) {
   const VertexChain& vertex = t.vert[at];
   const Point& target = t.vert[to].point;
@@ -208,11 +227,6 @@ bool write_triangle(Tables& t, const TriangleArray& out, kz_long a, kz_long b, k
 
 kz_long monotonate_trapezoids(Tables& t, kz_long n) {
   n = t.segments_in(n);
-  t.vert.clear(t.seg_size);
-  t.visited.clear(t.tr_size);
-  t.mchain.clear(t.chain_next + 1);  // nothing behind it was ever used
-  t.mon.clear(t.seg_size);
-
   // Every contour begins as one chain of its own.
   for (kz_long i = 1; i <= n; ++i) {
     t.mchain[i] = {.vertex_no = i,
@@ -290,6 +304,7 @@ kz_long split_monotone_polygon(Tables& t, kz_long m, kz_long a, kz_long b) {
   const kz_long p = at_a.chain_pos[slots.a];
   const kz_long q = at_b.chain_pos[slots.b];
 
+  // Before, p's link leads on from a and q's from b, with the diagonal in the angle behind each.
   // Both ends of the diagonal are doubled.  The old links p and q go to one side of it, and
   // the new ones, i and j, to the other: a chain through both falls in two, two chains join
   // in one.
@@ -326,6 +341,7 @@ kz_long triangulate_monotone_polygons(Tables& t, kz_long n, kz_long pieces,
                                       const TriangleArray& out) {
   t.tri_count = 0;
   // The tables are open to callers: a chain is followed as far as it stays inside them.
+  // No position is looked at twice: a chain through a marked one was cut into triangles before.
   const auto sound = [&t](kz_long pos) {
     return t.mchain.holds(pos) && t.vert.holds(t.mchain[pos].vertex_no);
   };
@@ -349,9 +365,8 @@ kz_long triangulate_monotone_polygons(Tables& t, kz_long n, kz_long pieces,
       t.mchain[pos].marked = 1;
       ++count;
       const Point& point = t.vert[t.mchain[pos].vertex_no].point;
-      if (greater_than(point, t.vert[t.mchain[highest].vertex_no].point, t.tolerance))
-        highest = pos;
-      if (less_than(point, t.vert[t.mchain[lowest].vertex_no].point, t.tolerance)) lowest = pos;
+      if (greater_than(point, t.vert[t.mchain[highest].vertex_no].point)) highest = pos;
+      if (less_than(point, t.vert[t.mchain[lowest].vertex_no].point)) lowest = pos;
     }
     if (done_before) continue;
     if (count < 3 || !sound(pos) || !sound(t.mchain[pos].prev_link) ||
@@ -367,10 +382,12 @@ kz_long triangulate_monotone_polygons(Tables& t, kz_long n, kz_long pieces,
       }
       continue;
     }
+    // One side of such a piece is a single edge, from the highest vertex to the lowest
+    // (A. Fournier and D. Y. Montuno, "Triangulating simple polygons and equivalent problems",
+    // ACM Transactions on Graphics 3 (1984)).  The other is the chain to sweep.
     const Point& after_highest = t.vert[t.mchain[t.mchain[highest].next_link].vertex_no].point;
     const Point& low_point = t.vert[t.mchain[lowest].vertex_no].point;
-    const PieceSide side =
-        equal_to(after_highest, low_point, t.tolerance) ? kLowestIsNext : kLowestIsElsewhere;
+    const PieceSide side = equal_to(after_highest, low_point) ? kLowestIsNext : kLowestIsElsewhere;
     if (triangulate_monotone_piece(t, n, highest, side, out) == Sweep::not_monotone) break;
   }
   return t.tri_count;
@@ -421,9 +438,10 @@ Sweep triangulate_monotone_piece(Tables& t, kz_long n, kz_long pos, kz_long side
                                                                     : Sweep::not_monotone;
 }
 
+// Stage after stage, and none goes on from one that failed: what it left in the tables is sound
+// to read, and means nothing.
 kz_long triangulate_segments(Tables& t, kz_long n, const TriangleArray& out) {
   if (!construct_trapezoids(t, n)) return 0;
-  if (t.frugal) t.qs.release();
   const kz_long pieces = monotonate_trapezoids(t, n);
   return triangulate_monotone_polygons(t, n, pieces, out);
 }

@@ -1,4 +1,8 @@
 // Order of directions around a point.
+//
+// The interface orders them by a measure made of cosines, falling counter-clockwise from 1 to -3,
+// and tells nothing apart where two cosines round to the same number.  What the algorithm asks is
+// which of two directions comes first, and that is a matter of signs.
 
 #include "triangulate/predicates.h"
 

@@ -1,4 +1,8 @@
 // Every question about positions that the triangulator asks.
+//
+// Heights are compared with a tolerance, as callers of the tables have always seen it; on which
+// side of a line a point lies is decided exactly (exact/), so that rounding cannot lead the
+// search for a point astray.
 
 #ifndef KZGIS_TRIANGULATE_PREDICATES_H
 #define KZGIS_TRIANGULATE_PREDICATES_H
@@ -10,33 +14,33 @@
 
 namespace kzgis::triangulation {
 
-inline bool level(double y, double other_y, double tolerance) {
-  return std::fabs(y - other_y) <= tolerance;
-}
+/// What is no further apart than this is level, and in x and y both, the same point.
+inline constexpr double kTolerance = 1.0e-7;
 
-inline bool equal_to(const Point& a, const Point& b, double tolerance) {
-  return level(a.y, b.y, tolerance) && level(a.x, b.x, tolerance);
-}
+inline bool level(double y, double other_y) { return std::fabs(y - other_y) <= kTolerance; }
 
-// The sweep order: y decides, and x, exactly, between points level within the tolerance.
-// No two vertices rank the same, and a horizontal edge rises from left to right: the map
-// of trapezoids knows no special case for it.
+inline bool equal_to(const Point& a, const Point& b) { return level(a.y, b.y) && level(a.x, b.x); }
 
-inline bool greater_than(const Point& a, const Point& b, double tolerance) {
-  if (a.y > b.y + tolerance) return true;
-  if (b.y - tolerance > a.y) return false;
+// The sweep order: y decides, and x, exactly, between points that are level.  No two vertices
+// rank the same, and a horizontal edge rises from left to right: the map of trapezoids knows
+// no special case for it.  Being level does not carry over from one pair of points to the next:
+// where vertices crowd together within the tolerance this is no order, and the map no map.
+
+inline bool greater_than(const Point& a, const Point& b) {
+  if (a.y > b.y + kTolerance) return true;
+  if (b.y - kTolerance > a.y) return false;
   return a.x > b.x;
 }
 
-inline bool greater_than_equal_to(const Point& a, const Point& b, double tolerance) {
-  if (a.y > b.y + tolerance) return true;
-  if (b.y - tolerance > a.y) return false;
+inline bool greater_than_equal_to(const Point& a, const Point& b) {
+  if (a.y > b.y + kTolerance) return true;
+  if (b.y - kTolerance > a.y) return false;
   return a.x >= b.x;
 }
 
-inline bool less_than(const Point& a, const Point& b, double tolerance) {
-  if (b.y - tolerance > a.y) return true;
-  if (a.y > b.y + tolerance) return false;
+inline bool less_than(const Point& a, const Point& b) {
+  if (b.y - kTolerance > a.y) return true;
+  if (a.y > b.y + kTolerance) return false;
   return a.x < b.x;
 }
 

@@ -1,4 +1,7 @@
-// The tables' sizes and lifetime, and the phases of the random insertion order.
+// The tables' sizes and lifetime, the segments of a polygon and the order of their insertion.
+//
+// After R. Seidel (1991), see trapezoids.cpp: n segments come in random order and in phases, of
+// which there are about log* n, the number of times that the logarithm can be taken of n.
 
 #include "triangulate/tables.h"
 
@@ -19,7 +22,8 @@ constexpr std::int64_t kTrapezoidsPerSegment = 6;
 // number of its own beside number 0.  Holes have three vertices, so that is below 2n.
 constexpr std::int64_t kPiecesPerSegment = 2;
 
-/// Truncates to 32 bits; what does not fit becomes the smallest number.
+/// Truncates to 32 bits, as the processors of the interface's day did; what does not fit becomes
+/// the smallest number.
 kz_long truncate_to_int32(double value) {
   if (value > -2147483649.0 && value < 2147483648.0) return static_cast<kz_long>(value);
   return std::numeric_limits<kz_long>::min();
@@ -39,7 +43,8 @@ const char* Tables::allocate(kz_long size) {
   if (!vert.allocate(size)) return "vert";
   if (!mon.allocate(size * kPiecesPerSegment)) return "mon";
   if (!visited.allocate(trapezoids)) return "visited";
-  // The numbers of nodes and trapezoids are 32 bits wide.
+  // The numbers of nodes and trapezoids are 32 bits wide: what a table holds beyond them is there
+  // without a number.
   constexpr std::int64_t kLargest = std::numeric_limits<kz_long>::max();
   seg_size = size;
   qs_size = static_cast<kz_long>(std::min(nodes, kLargest));
@@ -58,6 +63,17 @@ void Tables::release() {
   visited.release();
   stack.release();
   seg_size = qs_size = tr_size = 0;
+}
+
+bool Tables::take_step() {
+  if (steps_left > 0) {
+    --steps_left;
+    return true;
+  }
+  // Past zero it has been said.
+  if (steps_left == 0) say("newnode: Query-table overflow");
+  steps_left = -1;
+  return false;
 }
 
 kz_long Tables::say(const char* line) const {
@@ -86,9 +102,49 @@ kz_long phase_end(kz_long n, kz_long h) {
   return truncate_to_int32(std::ceil(n / v));
 }
 
+bool generate_random_ordering(Tables& t, kz_long n) {
+  n = t.segments_in(n);
+  Table<kz_long> scratch;
+  if (!scratch.allocate(std::max(t.seg_size, 1))) {
+    t.say("generate_random_ordering: error allocating space for st");
+    return false;
+  }
+  t.next_choice = 1;
+  for (kz_long i = 0; i <= n; ++i) scratch[i] = i;
+  // The draw of R. A. Fisher and F. Yates from what remains behind the offset i - 1: the first
+  // entry there takes the place of the one drawn, and is behind the offset of the next round.
+  for (kz_long i = 1; i <= n; ++i) {
+    const auto remaining = static_cast<std::uint32_t>(n + 1 - i);
+    const auto m = static_cast<kz_long>(static_cast<std::uint32_t>(std::rand()) % remaining + 1);
+    t.permute[i] = scratch[i - 1 + m];
+    scratch[i - 1 + m] = scratch[i];
+  }
+  return true;
+}
+
 kz_long choose_segment(Tables& t) {
   if (t.next_choice < 1 || t.next_choice >= t.seg_size) return 0;
   return t.permute[t.next_choice++];
+}
+
+kz_long build_segments(Tables& t, kz_long contours, const kz_long* vertex_counts,
+                       const double (*vertices)[2]) {
+  t.seg.clear();
+  kz_long i = 1;
+  for (kz_long k = 0; k < contours; ++k) {
+    const kz_long first = i;
+    const kz_long last = i + vertex_counts[k] - 1;
+    for (; i <= last; ++i) {
+      Segment& s = t.seg[i];
+      s.start = {vertices[i][0], vertices[i][1]};
+      // A ring of one vertex is its own next and leans on the ring before it: asking for
+      // the last vertex first makes it so.
+      s.next_seg = i == last ? first : i + 1;
+      s.prev_seg = i == first && i != last ? last : i - 1;
+      t.seg[s.prev_seg].end = s.start;
+    }
+  }
+  return i - 1;
 }
 
 kz_long triangles_in(const Tables& t, kz_long n) {

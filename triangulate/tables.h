@@ -1,5 +1,12 @@
-// The working data of one triangulation; the whole algorithm runs over a Tables object
-// that it is handed.
+// The working data of one triangulation.
+//
+// The interface has one set of tables for the whole process (classic.cpp).  The algorithm does
+// not know that: each of its steps works on a Tables object that it is handed, so that what a
+// step reads and changes can be seen in its arguments.
+//
+// The tables are open to callers, between any two steps, and a polygon that crosses itself
+// leaves numbers in them that no polygon gives.  Every number that comes out of a table is
+// therefore looked at before it is used as a place in another one.
 
 #ifndef KZGIS_TRIANGULATE_TABLES_H
 #define KZGIS_TRIANGULATE_TABLES_H
@@ -9,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <type_traits>
 
@@ -25,7 +33,7 @@ class Table {
   static_assert(std::is_trivially_copyable_v<Record>);
 
  public:
-  /// Makes room for `count` records.  A larger table from before stays, as it is.
+  /// Makes room for `count` records.  A table from before that is large enough stays, as it is.
   /// @return false, and no records at all, when there is no room for them
   bool allocate(std::int64_t count) {
     if (count <= size_) return count >= 0;
@@ -41,10 +49,8 @@ class Table {
     size_ = 0;
   }
 
-  /// Zeroes the first `count` records, as far as there are so many.
-  void clear(std::int64_t count) {
-    std::fill_n(first_.get(), std::clamp(count, std::int64_t{0}, size_), Record{});
-  }
+  /// Zeroes all records.
+  void clear() { std::fill_n(first_.get(), size_, Record{}); }
 
   bool holds(kz_long index) const { return index >= 0 && index < size_; }
   Record& operator[](kz_long index) {
@@ -66,8 +72,6 @@ class Table {
   std::int64_t size_ = 0;
 };
 
-inline constexpr double kClassicTolerance = 1.0e-7;
-
 struct Tables {
   Table<Segment> seg;
   Table<QueryNode> qs;
@@ -83,9 +87,9 @@ struct Tables {
   kz_long qs_size = 0;
   kz_long tr_size = 0;
 
-  double tolerance = kClassicTolerance;
-  bool frugal = false;  ///< reuse what merging gives back at once, release what is done with
-  bool quiet = false;   ///< messages stay unprinted
+  bool quiet = false;  ///< messages stay unprinted
+  /// How many more steps a construction of the map may take; see `take_step`.
+  std::int64_t steps_left = std::numeric_limits<std::int64_t>::max();
 
   kz_long next_choice = 1;  ///< next entry of `permute`
   kz_long qs_next = 1;      ///< first query node never handed out
@@ -106,6 +110,11 @@ struct Tables {
   /// @return number of characters
   kz_long say(const char* line) const;
 
+  /// Takes one of the steps that are left to a construction: every walk through the map that can
+  /// be long asks before it goes on.
+  /// @return false when there was none left; the line that a full table prints is printed, once
+  bool take_step();
+
   /// `n` as far as there are so many segments.
   kz_long segments_in(kz_long n) const { return std::clamp(n, 0, std::max(seg_size - 1, 0)); }
   bool is_segment(kz_long s) const { return s >= 1 && s < seg_size; }
@@ -117,55 +126,17 @@ kz_long phase_end(kz_long n, kz_long h);
 /// Number of insertion phases.
 kz_long phase_count(kz_long n);
 
-/// Fills `permute` from `draw`, which gives non-negative integers.
+/// Fills entries 1 to n of `permute` with the numbers 1 to n, in an order drawn by `std::rand`.
 /// @return false, with `permute` as it was, when the scratch array cannot be allocated
-template <class Draw>
-bool generate_random_ordering(Tables& t, kz_long n, Draw draw) {
-  n = t.segments_in(n);
-  Table<kz_long> scratch;
-  if (!scratch.allocate(std::max(t.seg_size, 1))) {
-    t.say("generate_random_ordering: error allocating space for st");
-    return false;
-  }
-  t.next_choice = 1;
-  for (kz_long i = 0; i <= n; ++i) scratch[i] = i;
-  // A Fisher-Yates draw from what remains behind the offset i - 1, whose first entry takes
-  // the place of the one drawn.
-  for (kz_long i = 1; i <= n; ++i) {
-    const auto remaining = static_cast<std::uint32_t>(n + 1 - i);
-    const auto m = static_cast<kz_long>(static_cast<std::uint32_t>(draw()) % remaining + 1);
-    t.permute[i] = scratch[i - 1 + m];
-    scratch[i - 1 + m] = scratch[i];
-  }
-  return true;
-}
+bool generate_random_ordering(Tables& t, kz_long n);
 
 /// The next segment of the order; 0 when there is none left.
 kz_long choose_segment(Tables& t);
 
-/// Builds the segment table from contours.
-///
-/// @param vertex  gives vertex i, counted from 1
+/// Builds the segment table from contours, whose vertices are numbered from 1.
 /// @return number of segments, no more than the table holds
-template <class Vertex>
-kz_long build_segments(Tables& t, kz_long contours, const kz_long* vertex_counts, Vertex vertex) {
-  t.seg.clear(t.seg_size);
-  kz_long i = 1;
-  for (kz_long k = 0; k < contours; ++k) {
-    const kz_long first = i;
-    const kz_long last = i + vertex_counts[k] - 1;
-    for (; i <= last; ++i) {
-      Segment& s = t.seg[i];
-      s.start = vertex(i);
-      // A ring of one vertex is its own next and leans on the ring before it: asking for
-      // the last vertex first makes it so.
-      s.next_seg = i == last ? first : i + 1;
-      s.prev_seg = i == first && i != last ? last : i - 1;
-      t.seg[s.prev_seg].end = s.start;
-    }
-  }
-  return i - 1;
-}
+kz_long build_segments(Tables& t, kz_long contours, const kz_long* vertex_counts,
+                       const double (*vertices)[2]);
 
 /// How many triangles the contours in the segment table make: n + 2 (contours - 1) - 2.
 kz_long triangles_in(const Tables& t, kz_long n);

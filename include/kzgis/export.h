@@ -18,4 +18,18 @@
 #define KZGIS_EXPORT __attribute__((visibility("default")))
 #endif
 
+/// Stands behind the declaration of a variable or function of the global namespace, and gives it
+/// a symbol of the same name with `kzgis_` before it.
+///
+/// In C++ nothing but the name goes into the symbol of such a variable, and little more into
+/// that of a function without parameters.  A program with a `tr` of its own, which may never have
+/// heard of this library's, would therefore share its memory with the library: the dynamic
+/// linker lets the first symbol of a name serve everybody.  Linked statically, it would not even
+/// link.  Where libraries are not ELF files the macro is empty.
+#if defined(__ELF__) && defined(__GNUC__)
+#define KZGIS_SYMBOL(name) __asm__("kzgis_" #name)
+#else
+#define KZGIS_SYMBOL(name)
+#endif
+
 #endif

@@ -21,7 +21,8 @@
 /// @param buffer  the caller's, with room for 1024 bytes
 /// @return `buffer`; null, with an empty text in `buffer`, when the expanded name and
 ///         its NUL need more than 1024 bytes
-KZGIS_EXPORT char* FILEmap_variables(const char* name, char* buffer);
+KZGIS_EXPORT char* FILEmap_variables(const char* name, char* buffer)
+    KZGIS_SYMBOL(FILEmap_variables);
 
 /// Opens a file as `std::fopen` does, after expanding path variables in `path`.
 ///
@@ -32,7 +33,7 @@ KZGIS_EXPORT char* FILEmap_variables(const char* name, char* buffer);
 ///
 /// @return a stream that the caller closes with `std::fclose`; null when the path does
 ///         not fit 1024 bytes or the file cannot be opened
-KZGIS_EXPORT std::FILE* FILEfopen(const char* path, const char* mode);
+KZGIS_EXPORT std::FILE* FILEfopen(const char* path, const char* mode) KZGIS_SYMBOL(FILEfopen);
 
 namespace kzgis {
 

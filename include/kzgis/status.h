@@ -19,7 +19,8 @@ using OMstatus_handler = void (*)(int percent, const char* label, void* context)
 /// not guarded by a lock.
 ///
 /// @return the handler that was installed before, or null
-KZGIS_EXPORT OMstatus_handler OMstatus_set_handler(OMstatus_handler handler, void* context);
+KZGIS_EXPORT OMstatus_handler OMstatus_set_handler(OMstatus_handler handler, void* context)
+    KZGIS_SYMBOL(OMstatus_set_handler);
 
 /// Reports progress to the installed handler; does nothing when there is none.
 ///
@@ -27,6 +28,7 @@ KZGIS_EXPORT OMstatus_handler OMstatus_set_handler(OMstatus_handler handler, voi
 /// @param label     what is going on
 /// @param reserved  0
 /// @return always 0
-KZGIS_EXPORT int OMstatus_check(int percent, const char* label, int reserved);
+KZGIS_EXPORT int OMstatus_check(int percent, const char* label, int reserved)
+    KZGIS_SYMBOL(OMstatus_check);
 
 #endif

@@ -1,10 +1,6 @@
 #ifndef KZGIS_TRIANGULATE_H
 #define KZGIS_TRIANGULATE_H
 
-#include <cstdint>
-#include <memory>
-#include <span>
-
 #include "kzgis/export.h"
 #include "kzgis/types.h"
 
@@ -16,12 +12,10 @@
 /// random order, into a map of trapezoids; the trapezoids inside the polygon give the
 /// diagonals that cut it into y-monotone pieces; each piece is cut by one sweep.
 ///
-/// The plain functions at the top work on tables of the whole process, exported too, so
-/// only one of them may run at a time, `print_error` and the comparisons of points apart.
-/// The same algorithm without that state is `kzgis::triangulation::Workspace`, at the end.
-///
-/// Of all that is declared here only `bounded_by` throws.  What needs memory says what it gives
-/// without.
+/// The functions work on tables of the whole process, exported too: only one of them may run at
+/// a time, `print_error` and the comparisons of points apart.  Nothing checks the input, and
+/// nothing proves the output; `kzgis::triangulate` (kzgis/mesh.h) does both, needs no tables, and
+/// is what a new program wants.
 namespace kzgis::triangulation {
 
 struct Point {
@@ -86,22 +80,25 @@ struct VertexChain {
 // The tables of the process.  Index 0 is unused.  They are allocated by `initilize` and
 // live until the next `initilize` (or `triangulate_polygon`) or until `release_tables`,
 // after which the pointers keep their stale values.  The pointers and sizes show where
-// the tables are; writing another value into them changes nothing.
+// the tables are; writing another value into them changes nothing.  In C++ these names are
+// short; their symbols say whose they are (KZGIS_SYMBOL).
 
-extern KZGIS_EXPORT kzgis::triangulation::Segment* seg;       ///< SEGSIZE records
-extern KZGIS_EXPORT kzgis::triangulation::QueryNode* qs;      ///< QSIZE records
-extern KZGIS_EXPORT kzgis::triangulation::Trapezoid* tr;      ///< TRSIZE records
-extern KZGIS_EXPORT kz_long* permute;                         ///< SEGSIZE: the insertion order
-extern KZGIS_EXPORT kzgis::triangulation::ChainLink* mchain;  ///< TRSIZE records
-extern KZGIS_EXPORT kzgis::triangulation::VertexChain* vert;  ///< SEGSIZE records
+extern KZGIS_EXPORT kzgis::triangulation::Segment* seg KZGIS_SYMBOL(seg);  ///< SEGSIZE records
+extern KZGIS_EXPORT kzgis::triangulation::QueryNode* qs KZGIS_SYMBOL(qs);  ///< QSIZE records
+extern KZGIS_EXPORT kzgis::triangulation::Trapezoid* tr KZGIS_SYMBOL(tr);  ///< TRSIZE records
+extern KZGIS_EXPORT kz_long* permute KZGIS_SYMBOL(permute);  ///< SEGSIZE: the insertion order
+extern KZGIS_EXPORT kzgis::triangulation::ChainLink* mchain
+    KZGIS_SYMBOL(mchain);  ///< TRSIZE records
+extern KZGIS_EXPORT kzgis::triangulation::VertexChain* vert
+    KZGIS_SYMBOL(vert);  ///< SEGSIZE records
 /// For each monotone piece, counted from 0, one position in `mchain` that lies on it.  It
 /// holds 2 * SEGSIZE numbers: cuts and joins together can exceed the vertices.
-extern KZGIS_EXPORT kz_long* mon;
-extern KZGIS_EXPORT kz_long* visited;  ///< TRSIZE marks
+extern KZGIS_EXPORT kz_long* mon KZGIS_SYMBOL(mon);
+extern KZGIS_EXPORT kz_long* visited KZGIS_SYMBOL(visited);  ///< TRSIZE marks
 
-extern KZGIS_EXPORT kz_long SEGSIZE;  ///< vertices + 1
-extern KZGIS_EXPORT kz_long QSIZE;    ///< 10 * SEGSIZE
-extern KZGIS_EXPORT kz_long TRSIZE;   ///< 6 * SEGSIZE
+extern KZGIS_EXPORT kz_long SEGSIZE KZGIS_SYMBOL(SEGSIZE);  ///< vertices + 1
+extern KZGIS_EXPORT kz_long QSIZE KZGIS_SYMBOL(QSIZE);      ///< 10 * SEGSIZE
+extern KZGIS_EXPORT kz_long TRSIZE KZGIS_SYMBOL(TRSIZE);    ///< 6 * SEGSIZE
 
 // Entry points.
 
@@ -114,7 +111,8 @@ extern KZGIS_EXPORT kz_long TRSIZE;   ///< 6 * SEGSIZE
 /// end; no two vertices are closer than 1e-7 in both x and y.  Nothing of this is
 /// checked.  Input that breaks it, a table that overflows or memory that runs out leave
 /// the triangles written so far, never more than the number above, and go unreported but
-/// for a line on standard error.
+/// for a line on standard error.  Input whose search paths grow out of all proportion, such as
+/// vertices by the thousands in few places, ends like a table that overflows.
 ///
 /// The insertion order is seeded from the clock in seconds, by `std::srand`: the same
 /// polygon may give other, equally valid triangles in a later second.
@@ -127,13 +125,24 @@ extern KZGIS_EXPORT kz_long TRSIZE;   ///< 6 * SEGSIZE
 ///                   from 1, counter-clockwise
 /// @return 0, always
 KZGIS_EXPORT kz_long triangulate_polygon(kz_long ncontours, const kz_long* cntr,
+                                         const double (*vertices)[2], kz_long (*triangles)[3])
+    KZGIS_SYMBOL(triangulate_polygon);
+
+namespace kzgis::triangulation {
+
+/// `triangulate_polygon` without its messages, for a caller that looks at the triangles, and
+/// knows what to do where there are none.
+KZGIS_EXPORT kz_long triangulate_quietly(kz_long ncontours, const kz_long* cntr,
                                          const double (*vertices)[2], kz_long (*triangles)[3]);
+
+}  // namespace kzgis::triangulation
 
 /// 1 when the point (x, y) lies inside the polygon triangulated last, else 0.
 ///
 /// Points on the boundary get no consistent answer.  With no tables, before the first
 /// triangulation or after `release_tables`, every point is outside.
-KZGIS_EXPORT kz_long is_point_inside_polygon(const double* vertex);
+KZGIS_EXPORT kz_long is_point_inside_polygon(const double* vertex)
+    KZGIS_SYMBOL(is_point_inside_polygon);
 
 // Tables and order.
 
@@ -142,35 +151,36 @@ KZGIS_EXPORT kz_long is_point_inside_polygon(const double* vertex);
 ///
 /// @return 0; 1 when a table cannot be allocated: its name goes to standard error and
 ///         the tables before it stay allocated
-KZGIS_EXPORT kz_long initilize(kz_long size);
+KZGIS_EXPORT kz_long initilize(kz_long size) KZGIS_SYMBOL(initilize);
 
 /// Releases the tables; a second call does nothing.
 /// @return 0
-KZGIS_EXPORT kz_long release_tables();
+KZGIS_EXPORT kz_long release_tables() KZGIS_SYMBOL(release_tables);
 
 /// Fills entries 1 to n of `permute` with the numbers 1 to n in random order and starts
 /// `choose_segment` at the first.  Seeds `std::rand` from the clock.
 ///
 /// @return 0; 1, with `permute` as it was and one line on standard error, when the scratch
 ///         array cannot be allocated
-KZGIS_EXPORT kz_long generate_random_ordering(kz_long n);
+KZGIS_EXPORT kz_long generate_random_ordering(kz_long n) KZGIS_SYMBOL(generate_random_ordering);
 
 /// The next segment of the random order; 0 past the end of the table.
-KZGIS_EXPORT kz_long choose_segment();
+KZGIS_EXPORT kz_long choose_segment() KZGIS_SYMBOL(choose_segment);
 
 /// Where phase h of the insertion ends, for n segments: n divided by the h times
 /// repeated binary exponent of n, rounded up.  -2147483648 when no 32-bit number is that
 /// quotient, as when the exponent has come down to 0.
-KZGIS_EXPORT kz_long math_N(kz_long n, kz_long h);
+KZGIS_EXPORT kz_long math_N(kz_long n, kz_long h) KZGIS_SYMBOL(math_N);
 
 /// Number of phases for n segments: how often the binary exponent can be taken before the
 /// value falls below 1, less one; -1 when n < 1.
-KZGIS_EXPORT kz_long math_logstar_n(kz_long n);
+KZGIS_EXPORT kz_long math_logstar_n(kz_long n) KZGIS_SYMBOL(math_logstar_n);
 
 /// Formatted print, as by `std::printf`, to standard error.  Texts of 256 characters and more
 /// need memory: without it their first 255 are printed.
 /// @return number of characters of the whole text
-[[gnu::format(printf, 1, 2)]] KZGIS_EXPORT kz_long print_error(const char* format, ...);
+[[gnu::format(printf, 1, 2)]] KZGIS_EXPORT kz_long print_error(const char* format, ...)
+    KZGIS_SYMBOL(print_error);
 
 // Order of points: by y, and by x where the two heights are no more than 1e-7 apart.
 // Each answers 1 or 0.  Callers know these names, reserved or not.
@@ -178,32 +188,39 @@ KZGIS_EXPORT kz_long math_logstar_n(kz_long n);
 
 /// Whether a and b lie within 1e-7 of each other in x and in y.
 KZGIS_EXPORT kz_long _equal_to(const kzgis::triangulation::Point* a,
-                               const kzgis::triangulation::Point* b);
+                               const kzgis::triangulation::Point* b) KZGIS_SYMBOL(_equal_to);
 /// Whether a lies above b, or level and to its right.
 KZGIS_EXPORT kz_long _greater_than(const kzgis::triangulation::Point* a,
-                                   const kzgis::triangulation::Point* b);
+                                   const kzgis::triangulation::Point* b)
+    KZGIS_SYMBOL(_greater_than);
 /// The same, or level with equal x.
 KZGIS_EXPORT kz_long _greater_than_equal_to(const kzgis::triangulation::Point* a,
-                                            const kzgis::triangulation::Point* b);
+                                            const kzgis::triangulation::Point* b)
+    KZGIS_SYMBOL(_greater_than_equal_to);
 /// Whether a lies below b, or level and to its left.
 KZGIS_EXPORT kz_long _less_than(const kzgis::triangulation::Point* a,
-                                const kzgis::triangulation::Point* b);
+                                const kzgis::triangulation::Point* b) KZGIS_SYMBOL(_less_than);
 // NOLINTEND(bugprone-reserved-identifier)
 
 // The map of trapezoids.  A number outside its table is refused: nothing changes, and the
 // result is 0.
 
 /// Builds the map of segments 1 to n, which `seg` and `permute` must hold.
+///
+/// It is left incomplete, with the line of a table that overflows on standard error, when it
+/// would take more steps than 64 n (log2 n + 8), and than ten million.  A polygon in random order
+/// takes a small part of that, one of up to 3000 vertices in any order no more.
+///
 /// @return 0
-KZGIS_EXPORT kz_long construct_trapezoids(kz_long n);
+KZGIS_EXPORT kz_long construct_trapezoids(kz_long n) KZGIS_SYMBOL(construct_trapezoids);
 
 /// Starts the map anew with one segment: four trapezoids, seven query nodes.
 /// @return the root node, 1
-KZGIS_EXPORT kz_long create_initial_structure(kz_long s);
+KZGIS_EXPORT kz_long create_initial_structure(kz_long s) KZGIS_SYMBOL(create_initial_structure);
 
 /// Adds a segment to the map.
 /// @return 0
-KZGIS_EXPORT kz_long add_segment(kz_long s);
+KZGIS_EXPORT kz_long add_segment(kz_long s) KZGIS_SYMBOL(add_segment);
 
 /// The trapezoid that holds `v`, searched from query node `r` downwards.
 ///
@@ -212,34 +229,37 @@ KZGIS_EXPORT kz_long add_segment(kz_long s);
 /// @return trapezoid number.  Where the search meets a node of no known kind, "Haggu !!!!!"
 ///         goes to standard error and the result is the 12 characters written
 KZGIS_EXPORT kz_long locate_endpoint(const kzgis::triangulation::Point* v,
-                                     const kzgis::triangulation::Point* vo, kz_long r);
+                                     const kzgis::triangulation::Point* vo, kz_long r)
+    KZGIS_SYMBOL(locate_endpoint);
 
 /// The next free query node; when the table is full one that merging has orphaned; -1,
 /// with one line on standard error, when there is none either.
-KZGIS_EXPORT kz_long newnode();
+KZGIS_EXPORT kz_long newnode() KZGIS_SYMBOL(newnode);
 
 /// The next free trapezoid, valid and unbounded; when the table is full one that merging has
 /// given back; -1, with one line on standard error, when there is none either.
-KZGIS_EXPORT kz_long newtrap();
+KZGIS_EXPORT kz_long newtrap() KZGIS_SYMBOL(newtrap);
 
 /// 1 when v lies strictly to the left of segment s, seen upwards, else 0.
-KZGIS_EXPORT kz_long is_left_of_segment(kz_long s, const kzgis::triangulation::Point* v);
+KZGIS_EXPORT kz_long is_left_of_segment(kz_long s, const kzgis::triangulation::Point* v)
+    KZGIS_SYMBOL(is_left_of_segment);
 
 /// Joins the trapezoids from `first` down to `last`, along one side of segment s, that
 /// have come to lie between the same two segments.
 /// @param side  1 left of s, 2 right of it
 /// @return 0
-KZGIS_EXPORT kz_long merge_trapezoid_run(kz_long s, kz_long first, kz_long last, kz_long side);
+KZGIS_EXPORT kz_long merge_trapezoid_run(kz_long s, kz_long first, kz_long last, kz_long side)
+    KZGIS_SYMBOL(merge_trapezoid_run);
 
 /// Moves the two search roots of a segment that is not yet inserted down to the sinks that
 /// hold its endpoints now.
-KZGIS_EXPORT void refresh_segment_roots(kz_long s);
+KZGIS_EXPORT void refresh_segment_roots(kz_long s) KZGIS_SYMBOL(refresh_segment_roots);
 
 // Monotone pieces and triangles.
 
 /// Cuts the polygon of segments 1 to n, whose trapezoids are built, into y-monotone pieces.
 /// @return number of pieces; 0 when memory runs out
-KZGIS_EXPORT kz_long monotonate_trapezoids(kz_long n);
+KZGIS_EXPORT kz_long monotonate_trapezoids(kz_long n) KZGIS_SYMBOL(monotonate_trapezoids);
 
 /// Walks the trapezoids that can be reached from `t` and draws their diagonals, as far as
 /// memory lasts.
@@ -247,103 +267,40 @@ KZGIS_EXPORT kz_long monotonate_trapezoids(kz_long n);
 /// @param from  trapezoid the walk comes from
 /// @param dir   1 when `from` lies above, 2 below
 /// @return 0
-KZGIS_EXPORT kz_long traverse_trapezoids(kz_long m, kz_long t, kz_long from, kz_long dir);
+KZGIS_EXPORT kz_long traverse_trapezoids(kz_long m, kz_long t, kz_long from, kz_long dir)
+    KZGIS_SYMBOL(traverse_trapezoids);
 
 /// Draws the diagonal from vertex a to vertex b.
 /// @return number of the new piece; -1, and nothing changed, when a and b are not two
 ///         vertices, one of them has four chains already or a table is full
-KZGIS_EXPORT kz_long split_monotone_polygon(kz_long m, kz_long a, kz_long b);
+KZGIS_EXPORT kz_long split_monotone_polygon(kz_long m, kz_long a, kz_long b)
+    KZGIS_SYMBOL(split_monotone_polygon);
 
 /// Which of the chains through a, and which of those through b, the diagonal between them
 /// belongs to.
 /// @return 0
-KZGIS_EXPORT kz_long vertex_chain_positions(kz_long a, kz_long b, kz_long* slot_a, kz_long* slot_b);
+KZGIS_EXPORT kz_long vertex_chain_positions(kz_long a, kz_long b, kz_long* slot_a, kz_long* slot_b)
+    KZGIS_SYMBOL(vertex_chain_positions);
 
 /// Orders directions around p: 1 where r lies in the direction of q, falling to -1 opposite
 /// to it and to -3 on, counter-clockwise.
 KZGIS_EXPORT double angle_measure(const kzgis::triangulation::Point* p,
                                   const kzgis::triangulation::Point* q,
-                                  const kzgis::triangulation::Point* r);
+                                  const kzgis::triangulation::Point* r) KZGIS_SYMBOL(angle_measure);
 
 /// Cuts every monotone piece into triangles, written from `triangles[0]` on.  A piece for
 /// which there is no memory is left out, with one line on standard error.
 /// @return number of triangles, at most n + 2 (contours - 1) - 2
 KZGIS_EXPORT kz_long triangulate_monotone_polygons(kz_long n, kz_long pieces,
-                                                   kz_long (*triangles)[3]);
+                                                   kz_long (*triangles)[3])
+    KZGIS_SYMBOL(triangulate_monotone_polygons);
 
 /// Cuts one piece of at least four vertices, writing after the triangles there are.
 /// @param pos   position in `mchain` of its highest vertex
 /// @param side  1 when the vertex after that is the lowest, else 2
 /// @return 0; 1 when the scratch stack cannot be allocated: one line goes to standard error
 KZGIS_EXPORT kz_long triangulate_monotone_piece(kz_long n, kz_long pos, kz_long side,
-                                                kz_long (*triangles)[3]);
-
-namespace kzgis::triangulation {
-
-/// Whether every edge of a triangle is that of one other triangle in the other direction, or
-/// one of the contours', and all of these occur.
-///
-/// The triangles' common edge is then that of the contours, and every point off the edges
-/// lies in as many triangles as the contours wind around it, provided that no triangle is
-/// clockwise, which would count negatively.  No coordinate is asked for.
-///
-/// @param contours   number of vertices of each contour
-/// @param triangles  three vertex numbers each, counted from 0, contour after contour;
-///                   with a number that is no vertex's the answer is no
-/// Throws `std::bad_alloc` without memory.
-KZGIS_EXPORT bool bounded_by(std::span<const kz_long> contours, std::span<const kz_long> triangles);
-
-/// How `Workspace::run` ended.
-enum class Outcome {
-  complete,       ///< all triangles are there, and proved right
-  bad_input,      ///< sizes that do not fit each other, a ring below 3 vertices, no number
-  not_completed,  ///< no polygon, or none that this tolerance and insertion order can do
-  out_of_memory,
-};
-
-struct Result {
-  Outcome outcome;
-  kz_long triangles;  ///< number written; 0 unless complete
-};
-
-/// The same triangulator on tables of its own.
-///
-/// Workspaces are independent of each other and of the process-wide tables: as many threads
-/// may triangulate at once as there are workspaces.  One used again keeps most of its
-/// memory, and takes no memory before its first run.  At its peak a run takes no more than 600
-/// bytes per vertex of a polygon of a million, out of an address space of 1100.
-class KZGIS_EXPORT Workspace {
- public:
-  Workspace();
-  ~Workspace();
-  Workspace(Workspace&& other) noexcept;
-  Workspace& operator=(Workspace&& other) noexcept;
-
-  /// Triangulates one outer boundary with its holes; prints nothing.  After
-  /// `Outcome::out_of_memory` the workspace serves again.
-  ///
-  /// The input is that of `triangulate_polygon`, except that vertices and their numbers
-  /// count from 0.  What is `complete` has been checked, exactly: the number of triangles,
-  /// that each runs counter-clockwise, and that every edge is shared by two of them or is one
-  /// of the polygon's.  They cover every point as often as the contours wind around it; only
-  /// contours that overlap could make that more than once.
-  ///
-  /// @param contours   number of vertices of each contour
-  /// @param vertices   all of them, contour after contour
-  /// @param tolerance  vertices whose heights differ by no more are ordered by x; >= 0.
-  ///                   With 0 every decision is exact: a polygon that meets the
-  ///                   requirements, with magnitudes from 1e-140 to 1e150, is `complete` with any
-  ///                   seed, but for one whose query nodes outgrow ten per vertex: none known
-  /// @param seed       chooses the insertion order: the same input gives the same triangles
-  /// @param out        takes three numbers per triangle, N + 2 (contours - 1) - 2 triangles
-  Result run(std::span<const kz_long> contours, std::span<const Point> vertices, double tolerance,
-             std::uint64_t seed, std::span<kz_long> out);
-
- private:
-  struct Impl;
-  std::unique_ptr<Impl> impl_;
-};
-
-}  // namespace kzgis::triangulation
+                                                kz_long (*triangles)[3])
+    KZGIS_SYMBOL(triangulate_monotone_piece);
 
 #endif

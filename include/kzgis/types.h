@@ -14,6 +14,7 @@ using kz_ulong = std::uint32_t;
 namespace kzgis::status {
 inline constexpr kz_ulong success = 1;
 inline constexpr kz_ulong wrong_kind = 2;        ///< not the kind of record or file asked for
+inline constexpr kz_ulong refused = 2;           ///< polygons: not what nodes and trees can take
 inline constexpr kz_ulong read_failed = 4;       ///< a read failed before the end of the file
 inline constexpr kz_ulong short_read = 5;        ///< a read returned fewer bytes than needed
 inline constexpr kz_ulong bad_file_code = 6;     ///< the header's file code is not 9994

@@ -1,10 +1,9 @@
-// The triangulator without memory: entry points, stages, workspaces.
+// The triangulator without memory: entry points, stages.
 
 #include "kzgis/triangulate.h"
 
 #include <array>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "memory/failing.h"
@@ -12,7 +11,6 @@
 
 namespace {
 
-using kzgis::triangulation::Outcome;
 using kzgis::triangulation::Point;
 
 // A square with a square hole, vertices from 1.
@@ -84,7 +82,6 @@ long released(long result) {
 }
 
 std::vector<Operation> operations() {
-  const long no_memory = static_cast<long>(Outcome::out_of_memory);
   return {
       {"triangulate_polygon",
        10,  // the tables, the scratch of the order, of the walk and of the sweep
@@ -166,33 +163,6 @@ std::vector<Operation> operations() {
        prepare_segments},
       {"print_error_Short", 0, {}, [] { return long{print_error("no table %d\n", 7)}; }},
       {"print_error_Long", 1, {}, [] { return long{print_error("%300d\n", 7)}; }},
-      {"bounded_by",
-       4,
-       {kThrew},
-       [] {
-         const kz_long square[] = {4};
-         const kz_long triangles[] = {0, 1, 2, 0, 2, 3};
-         return long{kzgis::triangulation::bounded_by(square, triangles)};
-       }},
-      {"Workspace",
-       0,
-       {},
-       [] {
-         kzgis::triangulation::Workspace workspace;
-         kzgis::triangulation::Workspace moved(std::move(workspace));
-         workspace = std::move(moved);
-         return 1L;
-       }},
-      {"Workspace_run",
-       10,
-       {no_memory},
-       [] {
-         static constexpr Point kSquare[] = {{0, 0}, {9, 0}, {9, 9}, {0, 9}};
-         const kz_long contour[] = {4};
-         kz_long triangles[6];
-         kzgis::triangulation::Workspace workspace;
-         return static_cast<long>(workspace.run(contour, kSquare, 0.0, 1, triangles).outcome);
-       }},
   };
 }
 
@@ -205,18 +175,6 @@ TEST(PrintErrorWithoutMemory, PrintsTheFirst255Characters) {
   EXPECT_TRUE(failing_memory::succeed());
   EXPECT_EQ(length, 306);
   EXPECT_EQ(err.text(), "begin" + std::string(250, ' '));
-}
-
-TEST(WorkspaceWithoutMemory, TriangulatesAgain) {
-  using kzgis::triangulation::Workspace;
-  static constexpr Point kSquare[] = {{0, 0}, {9, 0}, {9, 9}, {0, 9}};
-  const auto run = [](Workspace& workspace) {
-    const kz_long contour[] = {4};
-    kz_long triangles[6];
-    return workspace.run(contour, kSquare, 0.0, 1, triangles).outcome;
-  };
-  expect_usable_again<Workspace>([run](Workspace& w) { run(w); },
-                                 [run](Workspace& w) { EXPECT_EQ(run(w), Outcome::complete); });
 }
 
 }  // namespace

@@ -144,16 +144,18 @@ TEST(Triangulate, SmallCoordinates) {
   EXPECT_EQ(mesh.status, 1u);
   EXPECT_EQ(mesh.count, 24u);
   EXPECT_EQ(twice_area(rings, mesh), std::ldexp(144.0, -80));
+  EXPECT_EQ(err.text(), "");  // of the attempt that failed before, too
 }
 
 // What cannot be triangulated.
 
 /// Expects status 2 with nothing written.
 void expect_refused(const Rings& rings) {
-  StderrCapture err;  // the triangulator may say why
+  StderrCapture err;
   const Triangulation mesh = triangulate(rings.tree());
   EXPECT_EQ(mesh.status, 2u);
   EXPECT_EQ(mesh.count, 0u);
+  EXPECT_EQ(err.text(), "");
 }
 
 TEST(TriangulateRefuses, WrongWinding) {
@@ -161,6 +163,16 @@ TEST(TriangulateRefuses, WrongWinding) {
   expect_refused({closed(hole(0.0, 0.0, 3.0, 2.0))});
   expect_refused({boundary(0.0, 0.0, 9.0, 9.0), boundary(3.0, 3.0, 6.0, 6.0)});
   expect_refused({hole(0.0, 0.0, 9.0, 9.0), boundary(3.0, 3.0, 6.0, 6.0)});
+}
+
+TEST(TriangulateRefuses, ALoopThatRunsTheWrongWayHoweverSmall) {
+  // A square of 1e6 each way, and in its far corner a loop of an area of 1.5 that touches it.
+  const double r = 1e6;
+  expect_refused({{{0, 0}, {0, r}, {r, r}, {r + 2, r + 1}, {r + 1, r + 2}, {r, r}, {r, 0}}});
+  const Rings right_way{{{0, 0}, {0, r}, {r, r}, {r + 1, r + 2}, {r + 2, r + 1}, {r, r}, {r, 0}}};
+  const Triangulation mesh = triangulate(right_way.tree());
+  EXPECT_EQ(mesh.status, 1u);
+  EXPECT_EQ(twice_area(right_way, mesh), 2 * r * r + 3.0);
 }
 
 TEST(TriangulateRefuses, ABowTie) {
@@ -234,6 +246,27 @@ TEST(Triangulate, TwoVerticesHaveNoTriangles) {
   const Triangulation mesh = triangulate(rings.tree());
   EXPECT_EQ(mesh.status, 1u);
   EXPECT_EQ(mesh.count, 6u);
+}
+
+TEST(Triangulate, AHoleBehindOneWithoutAnInsideIsTaken) {
+  const Rings rings{
+      boundary(0.0, 0.0, 9.0, 9.0), {{1.0, 1.0}, {2.0, 2.0}, {2.0, 2.0}}, hole(3.0, 3.0, 6.0, 6.0)};
+  const Triangulation mesh = triangulate(rings.tree());
+  EXPECT_EQ(mesh.status, 1u);
+  EXPECT_EQ(twice_area(rings, mesh), 144.0);
+}
+
+TEST(Triangulate, ABoundaryWithoutAnInsideHasFlatTriangles) {
+  const Points flat[] = {{{0.0, 0.0}, {1.0, 1.0}, {4.0, 4.0}},
+                         {{0.0, 3.0}, {3.0, 3.0}, {1.0, 3.0}, {2.0, 3.0}, {1.0, 3.0}},
+                         {{0.0, 0.0}, {5.0, 5.0}, {0.0, 0.0}, {5.0, 0.0}}};
+  for (const Points& ring : flat) {
+    const Rings rings{ring};
+    const Triangulation mesh = triangulate(rings.tree());
+    EXPECT_EQ(mesh.status, 1u);
+    EXPECT_EQ(mesh.count, 3 * (ring.size() - 2));
+    EXPECT_EQ(twice_area(rings, mesh), 0.0);
+  }
 }
 
 TEST(Triangulate, AHoleWithoutAnInsideTakesNothing) {

@@ -65,25 +65,6 @@ struct Input {
   }
 };
 
-/// What a workspace takes, boundaries counter-clockwise, and room for what it gives.
-struct WorkspaceInput {
-  std::vector<kzgis::triangulation::Point> vertices;
-  std::vector<kz_long> contours;
-  std::vector<kz_long> triangles;
-
-  explicit WorkspaceInput(const Input& input) {
-    for (std::size_t i = input.x.size(); i-- > 0;) vertices.push_back({input.x[i], input.y[i]});
-    contours.push_back(static_cast<kz_long>(vertices.size()));
-    triangles.resize(3 * (vertices.size() - 2));
-  }
-
-  void triangulate() {
-    kzgis::triangulation::Workspace workspace;
-    EXPECT_EQ(workspace.run(contours, vertices, 0.0, 1, triangles).outcome,
-              kzgis::triangulation::Outcome::complete);
-  }
-};
-
 class MillionVertices : public testing::Test {
  protected:
   std::mt19937_64 random_{20030417};
@@ -134,12 +115,6 @@ TEST_F(MillionVertices, AreTriangulatedByTheTree) {
   report("KZ_GIS_PolygonTree_c", bytes, 1300);
 }
 
-TEST_F(MillionVertices, AreTriangulatedByAWorkspace) {
-  WorkspaceInput polygon(spiral_);
-  report("Workspace", bytes_per_vertex(polygon.vertices.size(), [&] { polygon.triangulate(); }),
-         600);
-}
-
 TEST_F(MillionVertices, AreReadFromAShapefile) {
   // On the heap while it is written only: what is read is all that is measured.
   const TemporaryDirectory directory;
@@ -176,23 +151,6 @@ TEST_F(MillionVertices, AreReadFromAShapefile) {
   std::free(x);
   std::free(y);
   report("KZ_GIS_ESRI_Shape_c", bytes, 20);  // the coordinates, and little more
-}
-
-using MillionVerticesDeathTest = MillionVertices;
-
-TEST_F(MillionVerticesDeathTest, TakeAnAddressSpaceInAWorkspace) {
-  if (!kMemoryIsTheProgramsOwn) GTEST_SKIP() << "a sanitizer's address space grows by itself";
-  WorkspaceInput polygon(spiral_);
-  // A child's peak is its own.
-  EXPECT_EXIT(
-      {
-        const std::size_t before = status_bytes("VmSize");
-        polygon.triangulate();
-        const std::size_t bytes = (status_bytes("VmPeak") - before) / polygon.vertices.size();
-        std::fprintf(stderr, "%zu bytes of address space per vertex\n", bytes);
-        std::_Exit(bytes <= 1100 && !HasFailure() ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

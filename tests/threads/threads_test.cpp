@@ -146,24 +146,16 @@ std::string nest_polygons() {
   return os.str();
 }
 
-std::string triangulate_in_a_workspace() {
-  constexpr kz_long kVertices = 300;
-  std::vector<kzgis::triangulation::Point> points;
-  for (kz_long i = 0; i < kVertices / 2; ++i) points.push_back({1.0 * i, 0.01 * i * i});
-  for (kz_long i = kVertices / 2; i-- > 0;) points.push_back({1.0 * i, 500.0 + i % 7});
-  std::vector<kz_long> triangles(3 * (kVertices - 2));
+/// What of the triangulator's functions needs no tables.
+std::string compare_points() {
   std::ostringstream os;
-  kzgis::triangulation::Workspace workspace;
-  for (const std::uint64_t seed : {1U, 2U, 3U}) {
-    const kzgis::triangulation::Result result =
-        workspace.run(std::vector{kVertices}, points, 0.0, seed, triangles);
-    os << static_cast<int>(result.outcome) << ' ' << result.triangles << ' ';
-    put(os, triangles);
-    os << kzgis::triangulation::bounded_by(std::vector{kVertices}, triangles);
+  for (int i = 0; i < 300; ++i) {
+    const kzgis::triangulation::Point a{1.0 * i, 0.01 * i};
+    const kzgis::triangulation::Point b{300.0 - i, 1.5};
+    os << _equal_to(&a, &b) << _less_than(&a, &b) << _greater_than(&a, &b)
+       << _greater_than_equal_to(&a, &b);
   }
-  // What of the plain functions needs no tables.
-  os << print_error("%s %d\n", "a line of one of several threads", 12)
-     << _equal_to(&points[0], &points[1]) << _less_than(&points[0], &points[1]);
+  os << print_error("%s %d\n", "a line of one of several threads", 12);
   return os.str();
 }
 
@@ -205,7 +197,7 @@ class Threads : public BankTest {
     return {read_shapes,       project_points,
             compute_positions, read_profiles,
             read_grid,         mesh_polygons,
-            nest_polygons,     triangulate_in_a_workspace,
+            nest_polygons,     compare_points,
             handle_texts,      [this] { return load_outlines(); }};
   }
 

@@ -109,21 +109,6 @@ TEST(TriangulateMonotonePieceDeathTest, LeavesThePieceWithoutMemoryForItsStack) 
       "^Error allocating space for rc\nError allocating space for rc\n$");
 }
 
-TEST(WorkspaceDeathTest, SaysThatThereIsNoMemory) {
-  EXPECT_EXIT(
-      {
-        using namespace kzgis::triangulation;
-        std::vector<Point> points(kSize, Point{0, 0});
-        std::vector<kz_long> out(3 * kSize);
-        Workspace workspace;
-        limit_growth(100 * kMega);
-        const Result result = workspace.run(std::vector{kSize}, points, 0.0, 1, out);
-        check(result.outcome == Outcome::out_of_memory && result.triangles == 0, 1);
-        std::_Exit(0);
-      },
-      testing::ExitedWithCode(0), "^$");
-}
-
 }  // namespace
 
 #endif
