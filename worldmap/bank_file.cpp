@@ -1,10 +1,13 @@
-#include "worldmap/databank.h"
+// The window through which a file is read, and the fields of its three structures.
+
+#include "worldmap/bank_file.h"
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
-namespace kzgis::databank {
+namespace kzgis::worldmap {
 
 File::File(std::FILE* stream) : stream_(stream) {
   // The window is the buffer; without one of its own the stream reads into it directly.
@@ -63,6 +66,7 @@ File::Run File::more(const unsigned char* next, std::uint16_t previous) {
   fetch();
   if (filled_ >= Deltas::kLongBytes) return run();
 
+  const unsigned char* const file_end = window_ + filled_;
   const std::size_t kept = filled_ - filled_ % 2;
   const std::uint16_t word = kept == 0 ? previous : word_at(window_ + kept - 2);
   for (std::size_t i = kept; i < kPaddedBytes; i += 2) {
@@ -71,13 +75,12 @@ File::Run File::more(const unsigned char* next, std::uint16_t previous) {
   }
   window_start_ += filled_;
   filled_ = 0;
-  return {window_, window_ + kPaddedBytes};
+  return {window_, window_ + kPaddedBytes, file_end};
 }
 
-void File::read(Header& header) {
-  readMap(&header.magic);
-  readMap(&header.dictionary_offset);
-  readMap(&header.count);
+bool File::read(Header& header) {
+  return readMap(&header.magic) != 0 && readMap(&header.dictionary_offset) != 0 &&
+         readMap(&header.count) != 0;
 }
 
 bool File::read(Entry& entry) {
@@ -93,13 +96,27 @@ bool File::read(Entry& entry) {
   return true;
 }
 
-void File::read(SegmentHeader& header) {
+bool File::read(SegmentHeader& header) {
   kz_ulong unused_long = 0;
-  if (readMap(&header.lon) != 0) header.lon = wrap_negative(header.lon);
-  readMap(&header.lat);
-  readMap(&unused_long);
-  readMap(&header.count);
-  readMap(&header.unused);
+  if (readMap(&header.lon) == 0) return false;
+  header.lon = wrap_negative(header.lon);
+  return readMap(&header.lat) != 0 && readMap(&unused_long) != 0 && readMap(&header.count) != 0 &&
+         readMap(&header.unused) != 0;
 }
 
-}  // namespace kzgis::databank
+Obstacle read_dictionary(File& file, Dictionary& dictionary) {
+  static_cast<void>(file.read(dictionary.header));
+  if (dictionary.header.magic != kMagic) return Obstacle::bad_magic;
+  const std::uint64_t most_entries = file.size() / kEntryBytes;
+  const auto room =
+      static_cast<std::size_t>(std::min<std::uint64_t>(dictionary.header.count, most_entries));
+  dictionary.entries.reset(new (std::nothrow) Entry[room]);
+  if (dictionary.entries == nullptr) return Obstacle::no_memory;
+  if (file.seek(dictionary.header.dictionary_offset) == 0) return Obstacle::bad_seek;
+  while (dictionary.count < room && file.read(dictionary.entries[dictionary.count])) {
+    ++dictionary.count;
+  }
+  return Obstacle::none;
+}
+
+}  // namespace kzgis::worldmap

@@ -8,29 +8,10 @@ namespace kzgis::worldmap {
 
 namespace {
 
-constexpr kz_long kHalfTurn_arcsec = kTurn_arcsec / 2;
-
-// A file holds at most one point per two bytes, but its dictionary may name the same bytes
-// again and again, and a count may go on behind the end of the file, where the last word
-// repeats.  What is decoded of one file is therefore limited: to twice what it can hold,
-// and this many more, so that small damaged files still give what their counts say.
-constexpr std::uint64_t kSparePoints = std::uint64_t{1} << 16;
-
 constexpr const char* kNoPoint = "CIA: Out of memory instancing new map point";
 
-kz_long wrapping_add(kz_long a, kz_long b) {
-  return static_cast<kz_long>(static_cast<kz_ulong>(a) + static_cast<kz_ulong>(b));
-}
 kz_long wrapping_multiply(kz_long a, kz_long b) {
   return static_cast<kz_long>(static_cast<kz_ulong>(a) * static_cast<kz_ulong>(b));
-}
-
-/// A longitude, not negative, moved by a delta and brought into [0, 1296000).
-kz_long moved(kz_long lon, kz_long delta) {
-  const kz_long plain = wrapping_add(lon, delta);
-  if (static_cast<kz_ulong>(plain) < static_cast<kz_ulong>(kTurn_arcsec)) return plain;
-  const kz_long eastward = wrapping_add(lon, databank::wrap_negative(delta));
-  return databank::wrap_negative(eastward) % kTurn_arcsec;
 }
 
 /// Where a line crosses an edge: moves from `from` by the share reach/run of `rise`.
@@ -64,8 +45,7 @@ OwnedPolyline new_polyline() {
 
 }  // namespace
 
-Tracer::Tracer(databank::File& file, const Box& box, kz_long precision_arcsec,
-               Polylines& collection)
+Tracer::Tracer(File& file, const BoundaryBox& box, kz_long precision_arcsec, Polylines& collection)
     : file_(file),
       box_(box),
       limit_(std::int64_t{precision_arcsec} * precision_arcsec),
@@ -73,12 +53,12 @@ Tracer::Tracer(databank::File& file, const Box& box, kz_long precision_arcsec,
       collection_(collection),
       points_left_(file.size() + kSparePoints) {}
 
-const char* Tracer::trace(const databank::SegmentHeader& segment) {
+const char* Tracer::trace(const SegmentHeader& segment) {
   line_ = new_polyline();
   if (line_ == nullptr) return "CIA: Out of memory preparing new polyline";
 
   const auto count = static_cast<kz_ulong>(std::min<std::uint64_t>(segment.count, points_left_));
-  databank::Deltas deltas(file_, segment.unused);
+  Deltas deltas(file_, segment.unused);
   kz_long lon = segment.lon;
   kz_long lat = segment.lat;
   near_ = {};
@@ -94,11 +74,7 @@ const char* Tracer::trace(const databank::SegmentHeader& segment) {
         break;
       }
     }
-    kz_long dlon = 0;
-    kz_long dlat = 0;
-    deltas.nextPoint(&dlon, &dlat);
-    lat = wrapping_add(lat, dlat);
-    lon = moved(lon, dlon);
+    deltas.move(lon, lat);
   }
   points_left_ -= std::min<std::uint64_t>(i, points_left_);
 

@@ -3,20 +3,19 @@
 
 #include "kzgis/worldmap.h"
 
+#include <algorithm>
 #include <iostream>
 #include <new>
 #include <utility>
 
-#include "worldmap/box.h"
+#include "worldmap/boundary_box.h"
+#include "worldmap/layout.h"
 #include "worldmap/polyline.h"
 
 namespace {
 
 constexpr const char* kDefaultDirectory = "$KZ_PATH<0>/data/Maps";
-constexpr const char* kContinentDirectories[NumMapSections] = {
-    "africa.Map", "asia.Map", "europe.Map", "namer.Map", "samer.Map"};
-constexpr const char* kOverlayFiles[NumOverlaySections] = {"bdy.cbd", "pby.cbd", "cil.cbd",
-                                                           "riv.cbd", "USGS_plates.txt"};
+constexpr const char* kPlatesFile = "USGS_plates.txt";
 
 template <typename Section>
 void advance(Section& section, Section last, Section end) {
@@ -38,8 +37,10 @@ WorldMap::WorldMap(UtString dir)
     : data_directory_(std::move(dir)),
       lower_left_(new (std::nothrow) LatLon(15.0, -175.0)),
       upper_right_(new (std::nothrow) LatLon(85.0, -45.0)) {
-  for (int i = 0; i < NumMapSections; ++i) continent_directories_[i] = kContinentDirectories[i];
-  for (int i = 0; i < NumOverlaySections; ++i) overlay_files_[i] = kOverlayFiles[i];
+  using namespace kzgis::worldmap;
+  std::copy(kContinentDirectories.begin(), kContinentDirectories.end(), continent_directories_);
+  std::copy(kThemeFiles.begin(), kThemeFiles.end(), overlay_files_);
+  overlay_files_[Plates] = kPlatesFile;
 }
 
 WorldMap::~WorldMap() {
@@ -111,9 +112,9 @@ int WorldMap::insideBoundary(LatLon point) const {
 
 int WorldMap::withinExtents(kz_long west, kz_long south, kz_long east, kz_long north, kz_long lon,
                             kz_long lat) {
-  // The loader takes equal longitudes for a box of no width instead; callers rely on both
-  // (WithinExtents.TakesEqualLongitudesForABoxAcrossZero).
-  const kzgis::worldmap::Box box{west, south, east, north, west >= east};
+  // Equal longitudes mean the whole way round here, and a box of no width to the loader: the
+  // interface fixes both (WithinExtents.TakesEqualLongitudesForABoxAcrossZero).
+  const kzgis::worldmap::BoundaryBox box{west, south, east, north, west >= east};
   return box.holds(lon, lat) ? 1 : 0;
 }
 
