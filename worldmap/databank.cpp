@@ -122,11 +122,14 @@ class BankReader {
   void damaged(const std::string& path, Error error);
   void report(const std::string& name, std::size_t done, std::size_t of);
   bool has_any_file() const;
+  std::string path_of(const std::string& name) const {
+    return directory_ + (directory_.ends_with('/') ? "" : "/") + name;
+  }
 
   const std::string& directory_;
   const Wanted& wanted_;
   Databank bank_;
-  bool found_ = false;
+  bool opened_ = false;  // any of the files
   bool no_memory_ = false;
   std::size_t files_;
   std::size_t files_done_ = 0;
@@ -149,7 +152,8 @@ Result<Databank> BankReader::read() {
     ++files_done_;
   });
   if (no_memory_) throw std::bad_alloc();
-  if (!found_ && !has_any_file()) {
+  if (!opened_ && !bank_.damaged.empty()) return std::move(bank_.damaged.front().error);
+  if (!opened_ && !has_any_file()) {
     return Error{ErrorKind::cannot_read, directory_ + ": holds no data bank: there is no " +
                                              databank_file_name(Continent::africa, Theme::coasts) +
                                              " in it, nor any other of its files"};
@@ -163,21 +167,21 @@ bool BankReader::has_any_file() const {
   bool any = false;
   for_each_file([&](Continent continent, Theme theme) {
     if (any || wanted_.themes[static_cast<std::size_t>(theme)]) return;
-    any = !worldmap::open_bank(directory_ + "/" + databank_file_name(continent, theme)).missing;
+    any = !worldmap::open_bank(path_of(databank_file_name(continent, theme))).missing;
   });
   return any;
 }
 
 void BankReader::read_file(Continent continent, Theme theme) {
   const std::string name = databank_file_name(continent, theme);
-  const std::string path = directory_ + "/" + name;
+  const std::string path = path_of(name);
   report(name, 0, 1);
   OpenedBank opened = worldmap::open_bank(path);
   if (opened.missing) return;
-  found_ = true;
   if (opened.stream == nullptr) {
     damaged(path, std::move(opened.error));
   } else {
+    opened_ = true;
     scan_file(path, opened.stream.get(), {continent, theme, 0, {}, {}});
   }
 }

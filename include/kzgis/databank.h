@@ -93,8 +93,9 @@ struct Databank {
 ///
 /// The handler of kzgis/status.h is told how much is done, in percent of all.
 ///
-/// @return `cannot_read` when the directory has no outline file at all; `bad_argument` when
-///         the query holds a theme, a level or a box that cannot be; `out_of_memory`
+/// @return `cannot_read` when the directory has no outline file at all, or none of those that
+///         are asked for can be opened; `bad_argument` when the query holds a theme, a level
+///         or a box that cannot be; `out_of_memory`
 KZGIS_EXPORT Result<Databank> read_databank(const std::string& directory,
                                             const DatabankQuery& query = {});
 

@@ -266,6 +266,15 @@ TEST_F(DatabankTest, NamesFilesThatCannotBeOpened) {
                    "asia.Map/cil.cbd: not an outline file: it does not begin with 0x20770002"}));
 }
 
+TEST_F(DatabankTest, IsAnErrorWhereNothingCanBeOpened) {
+  const NamedPipe pipe(root_ + "/asia.Map/cil.cbd");
+  write("africa.Map/riv.cbd", cbd_file({}));
+  const auto bank = kzgis::read_databank(root_ + "/", {{Theme::coasts}, {}, {}});
+  ASSERT_FALSE(bank);
+  EXPECT_EQ(bank.error().kind, ErrorKind::cannot_read);
+  EXPECT_EQ(bank.error().message, root_ + "/asia.Map/cil.cbd: cannot be opened");
+}
+
 TEST_F(DatabankTest, TakesNoMorePointsThanTheFileAccountsFor) {
   // Three hundred entries for the same nine hundred points.
   ArcLine line;
