@@ -13,15 +13,12 @@
 #include <vector>
 
 #include "tools/dem/tint.h"
-#include "tools/map/style.h"
-#include "tools/support/command_error.h"
+#include "tools/picture/colour.h"
+#include "tools/support/areas.h"
 
 namespace kzgis::tools {
 
 namespace {
-
-using map::Colour;
-using SurfacePtr = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
 
 // The sheet, in pixels: the map has this long side, the rest lies around it.
 constexpr double kMapSide = 1100.0;
@@ -124,14 +121,14 @@ class Sheet {
  private:
   double map_left() const { return 0.5 * (width() - map_width_); }
 
-  void set(const Colour& c) { cairo_set_source_rgb(cairo_, c.red, c.green, c.blue); }
+  void set(const Colour& c) { set_colour(cairo_, c); }
 
   void say(double x, double y, double size, const std::string& text, double align) {
     cairo_select_font_face(cairo_, "serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
     cairo_set_font_size(cairo_, size);
     cairo_text_extents_t extents;
     cairo_text_extents(cairo_, text.c_str(), &extents);
-    set(map::colours::text);
+    set(colours::text);
     cairo_move_to(cairo_, x - align * extents.width - extents.x_bearing, y);
     cairo_show_text(cairo_, text.c_str());
   }
@@ -148,22 +145,21 @@ class Sheet {
   bool trace_quadrangle() {
     const double cells_right = map_width_ / static_cast<double>(grid_.columns);
     const double cells_down = map_height_ / static_cast<double>(grid_.rows);
-    double twice_area = 0.0;
-    GroundPoint before{};
+    std::array<GroundPoint, 4> cells{};  // the corners, in cells from the north-west
     cairo_new_path(cairo_);
-    for (std::size_t i = 0; i < 5; ++i) {
-      const GroundPoint& corner = grid_.corners.at(i % 4);
-      const GroundPoint cell{(corner.x - grid_.west) / grid_.step_x + 0.5,
-                             (grid_.north - corner.y) / grid_.step_y + 0.5};
-      if (!(std::fabs(cell.x) < 1e6 && std::fabs(cell.y) < 1e6)) return false;
-      if (i > 0) twice_area += before.x * cell.y - before.y * cell.x;
-      before = cell;
-      cairo_line_to(cairo_, map_left() + cell.x * cells_right, kHead + cell.y * cells_down);
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      const GroundPoint& corner = grid_.corners[i];
+      cells[i] = {(corner.x - grid_.west) / grid_.step_x + 0.5,
+                  (grid_.north - corner.y) / grid_.step_y + 0.5};
+      if (!(std::fabs(cells[i].x) < 1e6 && std::fabs(cells[i].y) < 1e6)) return false;
+      cairo_line_to(cairo_, map_left() + cells[i].x * cells_right, kHead + cells[i].y * cells_down);
     }
     cairo_close_path(cairo_);
     const auto filled = static_cast<double>(grid_.elevations.size() - grid_.empty_cells);
     const double rim = static_cast<double>(2 * (grid_.columns + grid_.rows));
-    const double area = 0.5 * std::fabs(twice_area);
+    const double area = 0.5 * std::fabs(twice_ring_area(
+                                  cells.size(), [&](std::size_t i) { return cells[i].x; },
+                                  [&](std::size_t i) { return cells[i].y; }));
     // Corners are points: those of a single row or column enclose nothing to be seen.
     return std::fabs(area - filled) <= rim && area >= 0.5 * filled;
   }
@@ -178,7 +174,7 @@ class Sheet {
     cairo_restore(cairo_);
     if (framed) {
       cairo_append_path(cairo_, quadrangle);
-      set(map::colours::frame);
+      set(colours::frame);
       cairo_set_line_width(cairo_, 1.0);
       cairo_stroke(cairo_);
     }
@@ -189,15 +185,8 @@ class Sheet {
     const double pixels = map_width_ / static_cast<double>(grid_.columns);
     const ElevationGrid cells =
         refine(coarse, std::max(1, static_cast<kz_long>(std::lround(pixels))));
-    const SurfacePtr image(
-        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(cells.columns),
-                                   static_cast<int>(cells.rows)),
-        cairo_surface_destroy);
-    // Cairo's images end at 32,767 pixels a side.
-    if (cairo_surface_status(image.get()) != CAIRO_STATUS_SUCCESS) {
-      throw CommandError(std::string("the picture could not be made: ") +
-                         cairo_status_to_string(cairo_surface_status(image.get())));
-    }
+    const CairoSurface image =
+        make_image(static_cast<int>(cells.columns), static_cast<int>(cells.rows));
     paint_cells(image.get(), cells);
     cairo_translate(cairo_, map_left(), kHead);
     cairo_scale(cairo_, map_width_ / static_cast<double>(cells.columns),
@@ -249,7 +238,7 @@ class Sheet {
       cairo_rectangle(cairo_, left + x, top, std::min(1.0, length - x), kThick);
       cairo_fill(cairo_);
     }
-    set(map::colours::frame);
+    set(colours::frame);
     cairo_set_line_width(cairo_, 0.8);
     cairo_rectangle(cairo_, left, top, length, kThick);
     cairo_stroke(cairo_);
@@ -262,7 +251,7 @@ class Sheet {
       const double x = left + (z - grid_.lowest) / span * length;
       cairo_move_to(cairo_, x, top + kThick);
       cairo_line_to(cairo_, x, top + kThick + 5.0);
-      set(map::colours::frame);
+      set(colours::frame);
       cairo_stroke(cairo_);
       say(x, top + kThick + 21.0, 14.0, text_of("%.6g", z + 0.0), 0.5);
     }
@@ -274,7 +263,7 @@ class Sheet {
     const double length = length_m / metres_per_pixel_;
     const double right = width() - kMargin - 4.0;
     const double y = height() - kFoot + 46.0;
-    set(map::colours::frame);
+    set(colours::frame);
     cairo_set_line_width(cairo_, 1.4);
     cairo_move_to(cairo_, right - length, y - 7.0);
     cairo_line_to(cairo_, right - length, y);
@@ -301,11 +290,11 @@ std::string range_text(const ElevationGrid& grid) {
   return text_of("%.6g to %.6g ", grid.lowest, grid.highest) + unit_name(grid.elevation_unit);
 }
 
-void draw_relief(std::ostream& out, map::Format format, const ElevationGrid& grid,
+void draw_relief(std::ostream& out, PictureFormat format, const ElevationGrid& grid,
                  const ReliefStyle& style) {
   Sheet sheet(grid, style);
-  map::render(out, format, sheet.width(), sheet.height(),
-              [&sheet](cairo_t* cairo) { sheet.draw(cairo); });
+  render(out, format, sheet.width(), sheet.height(),
+         [&sheet](cairo_t* cairo) { sheet.draw(cairo); });
 }
 
 }  // namespace kzgis::tools

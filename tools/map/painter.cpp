@@ -65,13 +65,13 @@ class Painter {
     std::vector<std::size_t> tint;
     if (styled.role == Role::countries) {
       mosaic = take_mosaic(shapes);
-      tint = assign_tints(mosaic, tints().size());
+      tint = assign_tints(mosaic, tools::kTints.size());
     }
 
     tools::Progress progress("drawing", shapes.size());
     for (std::size_t i = 0; i < shapes.size(); ++i) {
       progress.update(i);
-      const Colour colour = styled.role == Role::countries ? tints()[tint[i]]
+      const Colour colour = styled.role == Role::countries ? tools::kTints[tint[i]]
                             : styled.role == Role::water   ? colours::ocean
                                                            : colours::land;
       // What closes rings at the antimeridian is not there to be seen: the fill's colour

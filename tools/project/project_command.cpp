@@ -169,8 +169,7 @@ std::vector<std::string> parse_columns(const std::string& text) {
   const auto unusable = [](const std::string& name) { return name.empty() || name == "0"; };
   if (columns.size() < 2 || columns.size() > 3 || text.back() == ',' ||
       std::any_of(columns.begin(), columns.end(), unusable)) {
-    throw CLI::ValidationError("--columns",
-                               in_quotes(text) + " does not name two or three columns");
+    throw UsageError("--columns", in_quotes(text) + " does not name two or three columns");
   }
   return columns;
 }

@@ -1,3 +1,6 @@
+// The classic shapefile object, made fit for the command: names, statuses in words, records as
+// spans.
+
 #include "tools/support/shape_records.h"
 
 #include <algorithm>
@@ -22,14 +25,14 @@ std::string why_not_usable(const std::string& path) {
   return why;
 }
 
+}  // namespace
+
 std::string without_extension(const std::string& name) {
   for (const char* const extension : {".shp", ".shx", ".dbf"}) {
     if (name.ends_with(extension)) return name.substr(0, name.size() - 4);
   }
   return name;
 }
-
-}  // namespace
 
 const char* shape_type_name(kz_long type) {
   switch (type) {

@@ -19,6 +19,9 @@ namespace kzgis::tools {
 /// "null", "point", "arc", "polygon", "multi-point", or "invalid".
 const char* shape_type_name(kz_long type);
 
+/// The name that the files of a shapefile have in common: without ".shp", ".shx" or ".dbf".
+std::string without_extension(const std::string& name);
+
 /// One record; the spans stay valid until the next one is read.
 struct ShapeRecord {
   kz_long number = 0;  ///< as the record itself says

@@ -162,27 +162,18 @@ class GeoJsonWriter : public MeshWriter {
 /// Keeps the records and draws them at the end.
 class PictureWriter : public MeshWriter {
  public:
-  PictureWriter(map::Format format, std::ostream& out) : format_(format), out_(out) {}
+  PictureWriter(PictureFormat format, std::ostream& out) : format_(format), out_(out) {}
 
   void add(RecordMesh mesh) override { meshes_.push_back(std::move(mesh)); }
   void finish() override { draw_meshes(meshes_, format_, out_); }
 
  private:
-  map::Format format_;
+  PictureFormat format_;
   std::ostream& out_;
   std::vector<RecordMesh> meshes_;
 };
 
 }  // namespace
-
-std::optional<MeshFormat> mesh_format_named(const std::string& name) {
-  if (name == "obj") return MeshFormat::obj;
-  if (name == "ply") return MeshFormat::ply;
-  if (name == "geojson") return MeshFormat::geojson;
-  if (name == "svg") return MeshFormat::svg;
-  if (name == "png") return MeshFormat::png;
-  return std::nullopt;
-}
 
 std::unique_ptr<MeshWriter> make_mesh_writer(MeshFormat format, std::ostream& out, bool spatial) {
   switch (format) {
@@ -193,9 +184,9 @@ std::unique_ptr<MeshWriter> make_mesh_writer(MeshFormat format, std::ostream& ou
     case MeshFormat::geojson:
       return std::make_unique<GeoJsonWriter>(out, spatial);
     case MeshFormat::svg:
-      return std::make_unique<PictureWriter>(map::Format::svg, out);
+      return std::make_unique<PictureWriter>(PictureFormat::svg, out);
     default:
-      return std::make_unique<PictureWriter>(map::Format::png, out);
+      return std::make_unique<PictureWriter>(PictureFormat::png, out);
   }
 }
 
