@@ -23,6 +23,7 @@ File::File(std::FILE* stream) : stream_(stream) {
 }
 
 int File::seek(kz_ulong offset) {
+  // Segments follow each other in most files: what is in the window need not be read again.
   if (offset >= window_start_ && offset - window_start_ <= filled_) {
     next_ = static_cast<std::size_t>(offset - window_start_);
     return 1;
@@ -51,6 +52,7 @@ void File::fetch() {
   ended_ = got < room;
 }
 
+/// @return whether `count` bytes are in the window; if not, all that are there count as read
 bool File::refill(std::size_t count) {
   fetch();
   if (filled_ >= count) return true;
@@ -84,6 +86,7 @@ bool File::read(Header& header) {
 }
 
 bool File::read(Entry& entry) {
+  // An entry that is cut off is no entry: its caller uses none of the fields.
   kz_ulong identifier = 0;
   std::uint16_t unused = 0;
   if (readMap(&identifier) == 0 || readMap(&entry.max_lat) == 0 || readMap(&entry.min_lat) == 0 ||

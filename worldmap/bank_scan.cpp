@@ -15,8 +15,11 @@ constexpr std::uint64_t kMostFlaws = 20;
 
 }  // namespace
 
+// The bound on points is that of the classic reader: whatever a sound file holds is far below it.
 BankScan::BankScan(std::FILE* stream) : file_(stream), points_left_(file_.size() + kSparePoints) {}
 
+// Entries that the end of the file cuts off do not count, here as for the classic reader; here it
+// is told.
 Obstacle BankScan::start() {
   const Obstacle obstacle = read_dictionary(file_, dictionary_);
   if (obstacle != Obstacle::none) return obstacle;
@@ -30,6 +33,7 @@ Obstacle BankScan::start() {
   return Obstacle::none;
 }
 
+// A level that does not exist makes no difference to a segment's points, and is told at once.
 bool BankScan::next() {
   if (next_ == count()) return false;
   if (points_left_ == 0) {
@@ -59,6 +63,8 @@ std::size_t BankScan::room_for_points(kz_ulong claimed) const {
   return static_cast<std::size_t>(std::min({used, bytes / kShortDeltaBytes + 1, points_left_}));
 }
 
+// A segment has the points that a classic map uses: the count says one more.  It is sound when the
+// file holds all of its deltas, the last one included, although no point is used behind it.
 bool BankScan::walk() {
   points_ = 0;
   SegmentHeader segment;

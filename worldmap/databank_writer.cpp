@@ -1,4 +1,9 @@
 // Outline files, written so that readers of strict habits get every point back.
+//
+// Three habits of the classic reader decide what is written: it compares extents strictly and looks
+// at the western one alone where its box crosses longitude 0; it never uses the point that the last
+// delta leads to; and it reads a negative long as ones' complement.  A file is header, dictionary,
+// segments, in this order.
 
 #include <algorithm>
 #include <array>
@@ -15,6 +20,7 @@
 
 #include "kzgis/databank.h"
 #include "kzgis/filetools.h"
+#include "platform/no_memory.h"
 #include "worldmap/layout.h"
 
 namespace kzgis {
@@ -45,6 +51,8 @@ void put_long_half(std::string& bytes, std::int32_t delta) {
   put_u16(bytes, bits & 0xFFFFU);
 }
 
+/// The way to the next point.  The short form reaches 64 arc-seconds, two kilometres, and takes
+/// most steps of a coast.
 void put_delta(std::string& bytes, std::int32_t lon, std::int32_t lat) {
   if (-64 <= lon && lon <= 63 && -128 <= lat && lat <= 127) {
     const unsigned high = static_cast<unsigned>(lon < 0 ? lon + 256 : lon + 64);
@@ -55,7 +63,8 @@ void put_delta(std::string& bytes, std::int32_t lon, std::int32_t lat) {
   put_long_half(bytes, lat);
 }
 
-/// The way from one longitude to another, the shorter way round.
+/// The way from one longitude to another, the shorter way round: half a turn goes east, as readers
+/// come to the same place either way.
 std::int32_t way_east(std::int32_t from, std::int32_t to) {
   const std::int32_t way = to - from;
   if (way > kHalfTurn_arcsec) return way - kTurn_arcsec;
@@ -129,7 +138,8 @@ void put_segment(std::string& data, const Segment& segment) {
   put_delta(data, 0, 0);
 }
 
-/// A file under a temporary name, which goes when it was not renamed.
+/// A file under a temporary name beside its own, where a rename replaces one by the other in a
+/// single step.  The temporary file goes when it was not renamed.
 class TemporaryFile {
  public:
   explicit TemporaryFile(std::filesystem::path path)
@@ -158,6 +168,7 @@ class TemporaryFile {
   std::filesystem::path temporary_;
 };
 
+/// What a failed write is told as; the host's own reason is lost in the stream.
 Error cannot_write(const std::filesystem::path& path) {
   return {ErrorKind::cannot_write, path.string() + ": cannot be written"};
 }
@@ -184,6 +195,9 @@ bool DatabankWriter::has(Theme theme) const {
   return false;
 }
 
+// Bytes are made as segments come: what stays in memory is the file itself, two bytes a point for
+// the most part.  Offsets are counted from the first segment, since how long the dictionary in
+// front will be shows only at the end.
 Error DatabankWriter::add(const Segment& segment) {
   if (const char* const why = why_not(segment)) return {ErrorKind::bad_argument, why};
   // Offsets are 32 bits.  This is the most that the segment can add.
@@ -204,7 +218,7 @@ Error DatabankWriter::add(const Segment& segment) {
   } catch (const std::bad_alloc&) {
     target.entries.resize(entries);
     target.data.resize(offset);
-    return {ErrorKind::out_of_memory, "out of memory"};
+    return no_memory();
   }
   target.points += segment.lat.size();
   return {};
@@ -234,6 +248,7 @@ void DatabankWriter::write_file(Continent continent, Theme theme, std::ostream& 
   out << front << one.data;
 }
 
+// Before the first renaming every file is complete on disk, so that a full disk changes nothing.
 Error DatabankWriter::write(const std::string& directory) const {
   try {
     std::array<char, kPathBytes> expanded{};
@@ -261,7 +276,7 @@ Error DatabankWriter::write(const std::string& directory) const {
     }
     return {};
   } catch (const std::bad_alloc&) {
-    return {ErrorKind::out_of_memory, "out of memory"};
+    return no_memory();
   }
 }
 

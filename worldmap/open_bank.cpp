@@ -6,9 +6,11 @@
 #include <cstring>
 
 #include "kzgis/filetools.h"
+#include "platform/no_memory.h"
 
 namespace kzgis::worldmap {
 
+// `std::fopen` leaves its reason in errno, and `FILEfopen` refuses some names before it asks.
 OpenedBank open_bank(const std::string& path) {
   errno = 0;
   OpenedBank opened;
@@ -17,7 +19,7 @@ OpenedBank open_bank(const std::string& path) {
   const int reason = errno;
   opened.missing = reason == ENOENT || reason == ENOTDIR;
   if (reason == ENOMEM) {
-    opened.error = {ErrorKind::out_of_memory, path + ": out of memory"};
+    opened.error = no_memory(path);
   } else {
     // A named pipe and a name that is too long are refused without asking the host.
     const char* const why = reason == 0 ? "cannot be opened" : std::strerror(reason);
@@ -26,6 +28,7 @@ OpenedBank open_bank(const std::string& path) {
   return opened;
 }
 
+// A file that refuses to be sought is told as one that cannot be read: it is no regular file.
 Error error_of(const std::string& path, Obstacle obstacle) {
   switch (obstacle) {
     case Obstacle::none:
@@ -34,7 +37,7 @@ Error error_of(const std::string& path, Obstacle obstacle) {
       return {ErrorKind::bad_data,
               path + ": not an outline file: it does not begin with 0x20770002"};
     case Obstacle::no_memory:
-      return {ErrorKind::out_of_memory, path + ": out of memory"};
+      return no_memory(path);
     case Obstacle::bad_seek:
       break;
   }

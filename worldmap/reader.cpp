@@ -1,4 +1,8 @@
-// Loading one file of the data bank: which of its segments count.
+// Loading one file of the data bank into a classic map: which of its segments count, what is
+// reported on the way, and which line tells of what failed.
+//
+// Results, messages and the order of progress reports are fixed by the interface.  A file is
+// visited in the order of its dictionary, by seeking to the segments that count.
 
 #include <algorithm>
 #include <cmath>

@@ -1,3 +1,10 @@
+// From the points of one segment to polylines: which points are kept, where a line is cut at the
+// edge of the box, and where it is split at longitude 0.
+//
+// The classic interface fixes every point to the last bit, single-precision cuts and rounding in
+// degrees included.  What is fast here only spares work whose result is known: whole numbers
+// tell at once what the degrees of `LatLon` would say.
+
 #include "worldmap/tracer.h"
 
 #include <algorithm>
@@ -35,6 +42,7 @@ kz_long reach_of(kz_long precision_arcsec) {
   return side < 1.0 ? -1 : static_cast<kz_long>(std::min(side, double{kTurn_arcsec}));
 }
 
+/// Null where there is no memory: the loader says so in a line of its own.
 OwnedPolyline new_polyline() {
   try {
     return OwnedPolyline(new Polyline);
@@ -62,7 +70,9 @@ const char* Tracer::trace(const SegmentHeader& segment) {
   kz_long lon = segment.lon;
   kz_long lat = segment.lat;
   near_ = {};
-  // The point behind the last delta is decoded and not looked at.
+  // Before each pass: (lon, lat) is point i, counted from 1; the line holds what is kept of those
+  // before it, none of which left the box since the line began.  The point behind the last delta
+  // is decoded and not looked at.
   kz_ulong i = 1;
   for (; i < count; ++i) {
     const bool last = i == count - 1;
@@ -76,6 +86,7 @@ const char* Tracer::trace(const SegmentHeader& segment) {
     }
     deltas.move(lon, lat);
   }
+  // Points that were skipped count too: a bound on those kept would not bound the time.
   points_left_ -= std::min<std::uint64_t>(i, points_left_);
 
   if (line_->size() >= 2) store();
@@ -92,6 +103,8 @@ void Tracer::surround_kept_point() {
   near_ = {};
   // A first point may lie at 1296000, which `LatLon` turns into 0.
   if (kept_lon_ == kTurn_arcsec) return;
+  // Within a box across longitude 0 the rectangle ends at the half of the globe, so that no point
+  // in it can be a crossing.
   const bool eastern = kept_lon_ < kHalfTurn_arcsec;
   const kz_long west =
       box_.wraps ? (eastern ? 0 : std::max(box_.west, kHalfTurn_arcsec)) : box_.west;
