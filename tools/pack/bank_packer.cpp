@@ -53,7 +53,7 @@ ArcPoint to_arc_seconds(double lat_deg, double lon_deg) {
 void BankPacker::add_file(const std::string& file, const LabelSources& sources) {
   ShapeRecords records(file);
   if (records.type() != shape_type::arc && records.type() != shape_type::polygon) {
-    throw CommandError(file + ": its shape type is " + shape_type_name(records.type()) +
+    throw CommandError(file + ": its shape type is " + type_text(records.type()) +
                        "; only lines and polygons have outlines to pack");
   }
   const Labels labels(file, sources, records.count());
@@ -100,6 +100,7 @@ void BankPacker::add_line(const Segment& line, const std::string& place) {
   }
 }
 
+// All files are complete, under temporary names, before the first gets its own.
 void BankPacker::write(const std::string& directory, std::ostream& summary) const {
   std::uint64_t files = 0;
   std::uint64_t segments = 0;

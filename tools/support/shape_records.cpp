@@ -34,21 +34,9 @@ std::string without_extension(const std::string& name) {
   return name;
 }
 
-const char* shape_type_name(kz_long type) {
-  switch (type) {
-    case shape_type::null_shape:
-      return "null";
-    case shape_type::point:
-      return "point";
-    case shape_type::arc:
-      return "arc";
-    case shape_type::polygon:
-      return "polygon";
-    case shape_type::multi_point:
-      return "multi-point";
-    default:
-      return "invalid";
-  }
+std::string type_text(kz_long type) {
+  const char* const name = shape_type::name_of(type);
+  return name != nullptr ? name : "invalid";
 }
 
 std::string status_text(kz_ulong status) {
@@ -108,6 +96,7 @@ ShapeRecords::ShapeRecords(std::string name) : name_(std::move(name)), file_(nul
   shape_bytes_ = size_of(shape_path);
 }
 
+// The library takes a null record for one of the wrong kind, and passes it.
 RecordState ShapeRecords::read(kz_long n, ShapeRecord& record) {
   record = {};
   kz_ulong status = file_.SeekToDataRecord(n);
@@ -129,6 +118,7 @@ RecordState ShapeRecords::read(kz_long n, ShapeRecord& record) {
   return RecordState::failed;
 }
 
+/// Reads the record where the file stands into the blocks, which the library lets grow.
 kz_ulong ShapeRecords::read_by_type(ShapeRecord& record) {
   kz_long part_count = 0;
   kz_long point_count = 0;

@@ -108,7 +108,7 @@ RecordRange choose_records(const ShapeRecords& records, const Options& options) 
     throw CommandError(file + ": not a valid shapefile: " + status_text(valid));
   }
   if (records.type() != shape_type::polygon) {
-    throw CommandError(file + ": its shape type is " + shape_type_name(records.type()) +
+    throw CommandError(file + ": its shape type is " + type_text(records.type()) +
                        "; only polygons can be triangulated");
   }
   const RecordRange range{options.first.value_or(1),
@@ -120,6 +120,7 @@ RecordRange choose_records(const ShapeRecords& records, const Options& options) 
   return range;
 }
 
+/// The last line that the user reads.
 std::string summary(const Totals& totals) {
   // Ten digits are what sums of this length are good for.
   std::array<char, 32> area_text{};
