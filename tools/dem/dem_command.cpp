@@ -29,6 +29,7 @@ struct Options {
   Sun sun;
 };
 
+/// What writes a format.
 using Write = void (*)(std::ostream&, const ElevationGrid&, const ReliefStyle&);
 
 template <PictureFormat format>
@@ -49,6 +50,7 @@ const OutputFormats<Write>& formats() {
   return known;
 }
 
+/// Reads "AZ,ALT".  Throws `UsageError`.
 Sun parse_sun(const std::string& text) {
   const auto [azimuth, altitude] = parse_pair("--sun", text);
   if (!(azimuth >= -360.0 && azimuth <= 360.0) || !(altitude > 0.0 && altitude <= 90.0)) {

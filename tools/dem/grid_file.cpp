@@ -1,3 +1,6 @@
+// Reading elevation models, those that gzip compressed too, without trusting what the compressed
+// bytes swell to.
+
 #include "tools/dem/grid_file.h"
 
 #ifdef KZGIS_HAS_ZLIB

@@ -93,6 +93,7 @@ ElevationGrid with_rim(const ElevationGrid& grid) {
   return wider;
 }
 
+/// The parts of the picture, drawn from the back to the front.
 class Sheet {
  public:
   Sheet(const ElevationGrid& grid, const ReliefStyle& style) : grid_(grid), style_(style) {
@@ -133,6 +134,8 @@ class Sheet {
     cairo_show_text(cairo_, text.c_str());
   }
 
+  /// The colour of a place by its height and its light; level ground of one height takes the
+  /// middle of the ramp.
   Colour colour_of(float elevation, float light) const {
     const double span = static_cast<double>(grid_.highest) - grid_.lowest;
     const double share = span > 0.0 ? (elevation - grid_.lowest) / span : 0.5;
@@ -164,6 +167,7 @@ class Sheet {
     return std::fabs(area - filled) <= rim && area >= 0.5 * filled;
   }
 
+  /// The relief, cut to the quadrangle that the header describes where that can be believed.
   void draw_map() {
     cairo_save(cairo_);
     const bool framed = trace_quadrangle();
@@ -181,6 +185,8 @@ class Sheet {
     cairo_path_destroy(quadrangle);
   }
 
+  /// One cell becomes a square of pixels; the grid is refined so that these are about a pixel
+  /// each, and Cairo scales only the rest.
   void draw_cells(const ElevationGrid& coarse) {
     const double pixels = map_width_ / static_cast<double>(grid_.columns);
     const ElevationGrid cells =
@@ -196,6 +202,7 @@ class Sheet {
     cairo_paint(cairo_);
   }
 
+  /// Cairo keeps a pixel as 0xAARRGGBB in the byte order of the host.
   void paint_cells(cairo_surface_t* image, const ElevationGrid& cells) const {
     const std::vector<float> light = shade(cells, style_.sun);
     cairo_surface_flush(image);
@@ -228,6 +235,7 @@ class Sheet {
     say(middle, 72.0, 15.0, line, 0.5);
   }
 
+  /// The ramp with a tick at every round height.
   void draw_colour_scale() {
     const double left = kMargin + 4.0;
     const double top = height() - kFoot + 30.0;
@@ -258,6 +266,7 @@ class Sheet {
     say(left + length + 10.0, top + 13.0, 14.0, unit_name(grid_.elevation_unit), 0.0);
   }
 
+  /// A round length of about a quarter of the sheet.
   void draw_distance_scale() {
     const double length_m = round_step(0.25 * width() * metres_per_pixel_);
     const double length = length_m / metres_per_pixel_;

@@ -1,3 +1,5 @@
+// The picture of an elevation model.
+
 #ifndef KZGIS_TOOLS_DEM_RELIEF_PICTURE_H
 #define KZGIS_TOOLS_DEM_RELIEF_PICTURE_H
 

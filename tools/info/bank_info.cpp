@@ -48,6 +48,7 @@ void print_segments(const DatabankFile& bank) {
   }
 }
 
+/// The file as a whole, then a line for each level that it has.
 void print_summary(const std::string& file, const DatabankFile& bank) {
   std::cout << "Outline file " << file << ": " << bank.file_bytes << " bytes\n"
             << "Header: " << bank.claimed_segments << " segments, dictionary at byte "

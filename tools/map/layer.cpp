@@ -30,6 +30,7 @@ GeoLine join(std::span<const double> x, std::span<const double> y) {
   return line;
 }
 
+/// The rings or lines of a record; points come as one part.
 Parts parts_of(const ShapeRecord& record, LayerKind kind) {
   if (kind == LayerKind::points) return Parts{join(record.x, record.y)};
   const auto x = ShapeRecords::split(record, record.x);
@@ -46,6 +47,7 @@ std::size_t count_points(const Parts& parts) {
   return points;
 }
 
+/// Throws `CommandError` at the first place that is none.
 void check_degrees(const std::string& file, kz_long number, const Parts& parts) {
   for (const GeoLine& part : parts) {
     for (const Geo& p : part) {

@@ -102,6 +102,7 @@ const tools::OutputFormats<tools::PictureFormat>& formats() {
 constexpr int kLongestSide = 20000;
 constexpr double kMostPixels = 2e8;
 
+/// A side of the picture in pixels; nothing when it is none.
 std::optional<int> parse_side(std::string_view text) {
   int side = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), side);
@@ -122,6 +123,7 @@ std::string check_size(const std::string& text) {
          "' is no size; one looks like 1600x900, each side 16 to 20000, 200 million pixels at most";
 }
 
+/// Reads "S,W,N,E".  Throws `UsageError`.
 Window parse_box(const std::string& text) {
   std::vector<double> sides;
   std::istringstream fields(text);
@@ -139,6 +141,7 @@ Window parse_box(const std::string& text) {
   return {sides[1], sides[3], sides[0], sides[2]};
 }
 
+/// Reads "land,water".  Throws `UsageError`.
 std::vector<Role> parse_styles(const std::string& text) {
   std::vector<Role> styles;
   std::istringstream names(text);
@@ -152,6 +155,7 @@ std::vector<Role> parse_styles(const std::string& text) {
   return styles;
 }
 
+/// The size asked for, which `check_size` let pass, or the usual one.
 void set_size(Sheet& sheet, Plane& plane, const std::string& size) {
   if (size.empty()) {
     set_usual_size(sheet, plane);
@@ -188,6 +192,7 @@ void add_mesh(const std::string& file, StyledLayer& styled, const tools::Complai
   }
 }
 
+/// The lines of a data bank, above whatever files give.
 void add_bank_layers(const MapOptions& options, std::vector<StyledLayer>& layers,
                      const tools::Complain& complain) {
   const std::string directory = tools::expanded(options.bank);
@@ -198,6 +203,8 @@ void add_bank_layers(const MapOptions& options, std::vector<StyledLayer>& layers
   }
 }
 
+/// Reads every layer, the lowest first, before any of the picture is drawn: bad input leaves no
+/// file.
 std::vector<StyledLayer> read_layers(const MapOptions& options, const tools::Complain& complain) {
   if (options.styles.size() > options.files.size()) {
     throw tools::UsageError("--style", std::to_string(options.styles.size()) + " styles for " +

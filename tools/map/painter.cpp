@@ -34,6 +34,7 @@ Margins margins_of(const Sheet& sheet) {
 // On a small sheet lines get no thinner than this, lest they fade.
 constexpr double kThinnest_px = 0.55;
 
+/// Draws on one sheet, from the paper up; the order of the calls is the order of the layers.
 class Painter {
  public:
   Painter(cairo_t* cairo, const Page& page, const Sheet& sheet)
@@ -56,6 +57,8 @@ class Painter {
     cairo_paint(cairo_);
   }
 
+  /// Polygons: the seams that only close rings, the areas, borders between neighbours, the mesh,
+  /// and the coasts over everything.
   void fills(const StyledLayer& styled) {
     const std::vector<Parts>& records = styled.layer.records;
     std::vector<Shape> shapes;
@@ -156,6 +159,7 @@ class Painter {
     cairo_set_source_rgba(cairo_, c.red, c.green, c.blue, alpha);
   }
 
+  /// Makes a path the current one.
   void add(const PagePath& path, bool close) {
     cairo_new_path(cairo_);
     for (const std::vector<Pixel>& piece : path) {
@@ -174,6 +178,7 @@ class Painter {
     cairo_stroke(cairo_);
   }
 
+  /// A dot with a rim that sets it off from what lies below.
   void point(const Geo& position) {
     const Geo relative{std::remainder(position.lon - base_lon(), 360.0), position.lat};
     const PagePoint p = page_.place(relative);

@@ -59,6 +59,7 @@ bool suits(Role role, LayerKind kind) {
   return kind == LayerKind::polygons || line_role;
 }
 
+// Borders and provinces recede behind coasts and rivers, which carry the map.
 Pen pen_of(Role role) {
   switch (role) {
     case Role::river:

@@ -36,6 +36,7 @@ std::string value_for(const std::vector<std::string>& values, std::size_t file, 
                                std::to_string(files) + " files; once is for all, or once for each");
 }
 
+/// Returns the exit code: 0 when every record was packed.
 int run(const Options& options) {
   if (options.paths.size() < 2) {
     throw UsageError("FILE... DIR", "the directory to write comes last, after the files");

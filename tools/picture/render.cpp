@@ -14,12 +14,14 @@ namespace {
 
 using CairoPtr = std::unique_ptr<cairo_t, decltype(&cairo_destroy)>;
 
+/// What Cairo hands its bytes to.
 cairo_status_t write_bytes(void* stream, const unsigned char* data, unsigned int length) {
   auto& out = *static_cast<std::ostream*>(stream);
   out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(length));
   return out ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
 }
 
+/// The surface that a format draws on.  A PNG is drawn in memory and written at the end.
 CairoSurface make_surface(std::ostream& out, PictureFormat format, double width, double height) {
   cairo_surface_t* surface = nullptr;
   switch (format) {

@@ -1,3 +1,6 @@
+// Names of projections, pairs of numbers, and what a projection needs before the library can make
+// one: refused here with a sentence, where the library would give coordinates that mean nothing.
+
 #include "tools/support/projection_options.h"
 
 #include <cmath>
@@ -35,6 +38,7 @@ std::optional<projType> find_type(const std::string& name) {
 
 }  // namespace
 
+// A number alone, a third one, and numbers that are not finite are refused alike.
 NumberPair parse_pair(const std::string& option, const std::string& text) {
   const std::size_t comma = text.find(',');
   if (comma != std::string::npos) {

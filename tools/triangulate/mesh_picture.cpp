@@ -32,6 +32,7 @@ struct Fit {
   double y(const WorldPoint& p) const { return 0.5 * height - (p.y - y_middle) * scale; }
 };
 
+/// The whole of all meshes on the sheet, as large as its long side takes, and centred.
 Fit fit(const std::vector<RecordMesh>& meshes) {
   constexpr double kFar = std::numeric_limits<double>::infinity();
   double west = kFar, east = -kFar, south = kFar, north = -kFar;
@@ -61,6 +62,7 @@ Fit fit(const std::vector<RecordMesh>& meshes) {
   return result;
 }
 
+/// All triangles as one path: filled one by one, their seams would show as hairlines.
 void fill(cairo_t* cairo, const Fit& sheet, const RecordMesh& mesh) {
   for (std::size_t i = 0; i < mesh.triangles.size(); ++i) {
     const WorldPoint& p = mesh.vertices[mesh.triangles[i]];

@@ -1,3 +1,6 @@
+// The formats of mesh files: Wavefront OBJ, PLY as G. Turk's "The PLY Polygon File Format" (1994)
+// has it, GeoJSON (RFC 7946), and pictures.
+
 #include "tools/triangulate/mesh_writer.h"
 
 #include <array>
@@ -21,6 +24,7 @@ void append_point(std::string& text, const WorldPoint& point, char separator) {
   append_number(text, point.z);
 }
 
+/// A mesh file of objects; faces number vertices from 1, through the whole file.
 class ObjWriter : public MeshWriter {
  public:
   explicit ObjWriter(std::ostream& out) : out_(out) {}
@@ -49,6 +53,8 @@ class ObjWriter : public MeshWriter {
   std::uint64_t first_vertex_ = 1;  // numbers run on through the file
 };
 
+/// PLY opens with the number of vertices and of faces, so nothing is written before the last
+/// record is there.
 class PlyWriter : public MeshWriter {
  public:
   explicit PlyWriter(std::ostream& out) : out_(out) {}
@@ -108,6 +114,8 @@ class PlyWriter : public MeshWriter {
   std::vector<RecordMesh> meshes_;
 };
 
+/// A feature for each record.  RFC 7946 wants outer rings to run counter-clockwise and rings to
+/// close; a triangle without area has neither way round and is left out.
 class GeoJsonWriter : public MeshWriter {
  public:
   GeoJsonWriter(std::ostream& out, bool spatial) : out_(out), spatial_(spatial) {
