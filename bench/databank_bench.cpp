@@ -6,50 +6,57 @@
 // points in a hundred: of every line, the first and the last stay.
 
 #include <benchmark/benchmark.h>
+#include <kzgis/databank.h>
 #include <kzgis/worldmap.h>
 #include <malloc.h>
 #include <shapefil.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
-
-#include "tools/databank/bank_writer.h"
 
 namespace {
 
-using kzgis::databank::ArcPoint;
-using kzgis::databank::BankWriter;
+using kzgis::Continent;
+using kzgis::DatabankWriter;
+using kzgis::Segment;
+using kzgis::Theme;
 
 constexpr std::size_t kPoints = 10'000'000;
 constexpr int kShortest = 500;
 
-std::vector<std::vector<ArcPoint>> long_coasts() {
-  std::vector<std::vector<ArcPoint>> lines;
+/// The coasts, in segments of as many points as kzgis pack makes them of.
+std::vector<Segment> long_coasts() {
+  constexpr int kLongest = 1024;
+  std::vector<Segment> segments;
   SHPInfo* const shapes = SHPOpen(KZGIS_BENCH_DATA_DIR "/wdb/cil", "rb");
   if (shapes == nullptr) throw std::runtime_error("the sample layer is missing");
   int records = 0;
   SHPGetInfo(shapes, &records, nullptr, nullptr, nullptr);
   for (int i = 0; i < records; ++i) {
     SHPObject* const shape = SHPReadObject(shapes, i);
-    if (shape->nVertices >= kShortest) {
-      std::vector<ArcPoint> line;
-      for (int v = 0; v < shape->nVertices; ++v) {
-        line.push_back(kzgis::databank::to_arc_seconds(shape->padfY[v], shape->padfX[v]));
+    const int count = shape->nVertices >= kShortest ? shape->nVertices : 0;
+    for (int first = 0; first + 1 < count; first += kLongest - 1) {
+      Segment segment{Continent::europe, Theme::coasts, 1, {}, {}};
+      for (int v = first; v < std::min(first + kLongest, count); ++v) {
+        segment.lat.push_back(static_cast<std::int32_t>(std::lround(shape->padfY[v] * 3600.0)));
+        const auto lon = static_cast<std::int32_t>(std::lround(shape->padfX[v] * 3600.0));
+        segment.lon.push_back((lon + 1296000) % 1296000);
       }
-      lines.push_back(line);
+      segments.push_back(std::move(segment));
     }
     SHPDestroyObject(shape);
   }
   SHPClose(shapes);
-  return lines;
+  return segments;
 }
 
 /// The bank on disk, for as long as the benchmarks run.
@@ -59,18 +66,16 @@ class Bank {
     std::string name = (std::filesystem::temp_directory_path() / "kzgis_bench_XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
     directory_ = name;
-    const auto lines = long_coasts();
-    BankWriter writer;
-    for (int shift = 0; writer.points() < kPoints; ++shift) {
-      for (std::vector<ArcPoint> line : lines) {
-        for (ArcPoint& p : line) p.lon = (p.lon + 1009 * shift) % 1296000;
-        if (!writer.add_line(line, 1, 1024)) throw std::runtime_error("the bank is too long");
+    const std::vector<Segment> coasts = long_coasts();
+    DatabankWriter writer;
+    for (int shift = 0; points_ < kPoints; ++shift) {
+      for (Segment segment : coasts) {
+        for (std::int32_t& lon : segment.lon) lon = (lon + 1009 * shift) % 1296000;
+        if (writer.add(segment)) throw std::runtime_error("the bank is too long");
       }
+      points_ = writer.size_of(Continent::europe, Theme::coasts).points;
     }
-    points_ = writer.points();
-    std::filesystem::create_directories(directory_ + "/europe.Map");
-    std::ofstream out(file(), std::ios::binary);
-    writer.write(out);
+    if (writer.write(directory_)) throw std::runtime_error("the bank cannot be written");
   }
   ~Bank() {
     std::error_code ignored;
@@ -204,11 +209,27 @@ void load(benchmark::State& state, kz_long precision_arcsec) {
 void worldmap_every_point(benchmark::State& state) { load(state, 0); }
 void worldmap_one_in_a_hundred(benchmark::State& state) { load(state, 40000); }
 
+/// Whole segments as plain numbers.
+void read_databank_every_point(benchmark::State& state) {
+  double heap_bytes = 0.0;
+  for (auto _ : state) {
+    const std::size_t before = mallinfo2().uordblks;
+    const auto read = kzgis::read_databank(bank().directory());
+    heap_bytes = static_cast<double>(mallinfo2().uordblks - before);
+    std::uint64_t points = 0;
+    for (const Segment& segment : read->segments) points += segment.lat.size();
+    if (points != bank().points()) state.SkipWithError("points are missing");
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(bank().points()));
+  state.counters["heap_bytes_per_kept_point"] = heap_bytes / static_cast<double>(bank().points());
+}
+
 BENCHMARK(fread_alone)->Unit(benchmark::kMillisecond);
 BENCHMARK(decode_alone)->Unit(benchmark::kMillisecond);
 BENCHMARK(read_and_decode)->Unit(benchmark::kMillisecond);
 BENCHMARK(decode_to_points)->Unit(benchmark::kMillisecond);
 BENCHMARK(worldmap_every_point)->Unit(benchmark::kMillisecond);
 BENCHMARK(worldmap_one_in_a_hundred)->Unit(benchmark::kMillisecond);
+BENCHMARK(read_databank_every_point)->Unit(benchmark::kMillisecond);
 
 }  // namespace

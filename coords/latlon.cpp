@@ -8,6 +8,10 @@
 #include <limits>
 #include <ostream>
 
+#include "platform/int32.h"
+
+using kzgis::truncate_to_int32;
+
 namespace {
 
 constexpr double kArcSecPerDegree = 3600.0;
@@ -18,12 +22,6 @@ static_assert(std::numeric_limits<double>::is_iec559, "angles are IEEE 754 doubl
 
 double degrees_from_dms(double deg, double min, double sec) {
   return deg + (min * kSecPerMin + sec) / kArcSecPerDegree;
-}
-
-/// Truncates toward zero to 32 bits; what does not fit becomes the smallest number.
-std::int32_t truncate_to_int32(double value) {
-  if (value > -2147483649.0 && value < 2147483648.0) return static_cast<std::int32_t>(value);
-  return std::numeric_limits<std::int32_t>::min();
 }
 
 void split_dms(double angle, double* deg, double* min, double* sec) {

@@ -21,6 +21,7 @@
 #include "dem/layout.h"
 #include "dem/number_text.h"
 #include "kzgis/filetools.h"
+#include "platform/no_memory.h"
 
 namespace kzgis {
 namespace {
@@ -61,16 +62,6 @@ ElevationGrid refused(Error error) {
   ElevationGrid grid;
   grid.error = std::move(error);
   return grid;
-}
-
-ElevationGrid no_memory(std::string_view name) {
-  Error error{ErrorKind::out_of_memory, {}};
-  try {
-    error.message = std::string(name) + ": out of memory";
-  } catch (const std::bad_alloc&) {
-    // Not even for that: the kind says it.
-  }
-  return refused(std::move(error));
 }
 
 /// A profile as it stands in the file.
@@ -419,7 +410,7 @@ ElevationGrid read_dem(std::span<const char> bytes, std::string_view name) {
   try {
     return GridReader(bytes, name).read();
   } catch (const std::bad_alloc&) {
-    return no_memory(name);
+    return refused(no_memory(name));
   }
 }
 
@@ -437,7 +428,7 @@ ElevationGrid read_dem(const std::string& path) {
     ElevationGrid grid = GridReader(file.get(), path).read();
     return std::ferror(file.get()) == 0 ? std::move(grid) : refuse("cannot be read");
   } catch (const std::bad_alloc&) {
-    return no_memory(path);
+    return refused(no_memory(path));
   }
 }
 

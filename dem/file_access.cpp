@@ -11,12 +11,6 @@
 #include "kzgis/dem.h"
 #include "kzgis/filetools.h"
 
-namespace {
-
-constexpr std::size_t kPathBufferBytes = 1024;
-
-}  // namespace
-
 DEM_LRA::DEM_LRA() = default;
 
 DEM_LRA::DEM_LRA(const UtString& name) {
@@ -26,7 +20,7 @@ DEM_LRA::DEM_LRA(const UtString& name) {
 
 int DEM_LRA::setFN(const UtString& name) {
   if (is_open()) close();
-  char expanded[kPathBufferBytes];
+  char expanded[kzgis::kPathBytes];
   FILEmap_variables(name.c_str(), expanded);  // leaves an empty name when it is too long
   file_name_ = expanded;
   clear();

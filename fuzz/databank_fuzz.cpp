@@ -1,8 +1,10 @@
-// Fuzzes the reader of World DataBank II files.
+// Fuzzes the readers of World DataBank II files: the map, whole segments, the look into one
+// file; and the writer, with the segments that come.
 //
 // Input: the box as four int16, south, west, north, east, in hundredths of a degree; the
 // precision in arc-seconds as uint16, all little-endian; the rest is the ".cbd".
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
@@ -10,6 +12,7 @@
 
 #include "fuzz/harness.h"
 #include "fuzz/scratch.h"
+#include "kzgis/databank.h"
 #include "kzgis/worldmap.h"
 
 namespace {
@@ -34,6 +37,38 @@ void check(WorldMap& map, std::size_t file_size) {
   require(points <= 3 * (file_size + 65536 + 1));
 }
 
+bool same(const kzgis::Segment& a, const kzgis::Segment& b) {
+  return a.continent == b.continent && a.theme == b.theme && a.level == b.level && a.lat == b.lat &&
+         a.lon == b.lon;
+}
+
+/// What whole segments promise: places on the globe, no more than the
+/// file accounts for; and that the writer's file of them gives them back.
+void check_whole_segments(const std::string& directory, const kzgis::Box& box,
+                          const std::string& copy, std::size_t file_size) {
+  const auto bank = kzgis::read_databank(directory);
+  require(bank.has_value());
+  kzgis::DatabankWriter writer;
+  std::size_t points = 0;
+  for (const kzgis::Segment& segment : bank->segments) {
+    points += segment.lat.size();
+    require(!writer.add(segment));
+  }
+  require(points <= file_size + 65536);
+  const auto file = kzgis::inspect_databank_file(directory + "/africa.Map/cil.cbd");
+  require(file ? file->flaws.empty() == bank->damaged.empty() : bank->damaged.size() == 1);
+
+  if (!bank->segments.empty()) {
+    require(!writer.write(copy));
+    const auto again = kzgis::read_databank(copy);
+    require(again && again->damaged.empty());
+    require(std::equal(again->segments.begin(), again->segments.end(), bank->segments.begin(),
+                       bank->segments.end(), same));
+  }
+  const auto in_box = kzgis::read_databank(directory, {{kzgis::Theme::coasts}, {}, box});
+  if (in_box) require(in_box->segments.size() <= bank->segments.size());
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -55,5 +90,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   check(map, size - kSettings);
   std::ostringstream report;
   report << map;
+
+  const kzgis::Box box{int16_at(data + 2) / 100.0, int16_at(data) / 100.0,
+                       int16_at(data + 6) / 100.0, int16_at(data + 4) / 100.0};
+  static const ScratchDirectory copy;
+  check_whole_segments(scratch.path(), box, copy.path(), size - kSettings);
   return 0;
 }

@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   putenv(variable.data());
   setenv("B_1", "one:two::four", 1);
 
-  char buffer[1024];
+  char buffer[kzgis::kPathBytes];
   const char* const expanded = FILEmap_variables(name.c_str(), buffer);
   require(std::memchr(buffer, 0, sizeof buffer) != nullptr);
   require(expanded != nullptr || buffer[0] == 0);

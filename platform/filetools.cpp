@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr std::size_t kPathBufferBytes = 1024;
-
 #ifdef _WIN32
 constexpr char kListSeparator = ';';
 constexpr bool kBackslashSeparates = true;
@@ -77,7 +75,7 @@ Variable read_variable(std::string_view text) {
 /// Expands every variable; stops early once the result cannot fit a path buffer.
 std::string expand(std::string_view text) {
   std::string out;
-  while (!text.empty() && out.size() < kPathBufferBytes) {
+  while (!text.empty() && out.size() < kzgis::kPathBytes) {
     if (text.front() != '$') {
       const std::size_t plain = std::min(text.find('$'), text.size());
       out += text.substr(0, plain);
@@ -96,7 +94,7 @@ std::string expand(std::string_view text) {
 char* FILEmap_variables(const char* name, char* buffer) {
   // `name` may be the buffer itself: nothing is written before it has been read.
   const std::string expanded = expand(name == nullptr ? "" : name);
-  if (name == nullptr || expanded.size() >= kPathBufferBytes) {
+  if (name == nullptr || expanded.size() >= kzgis::kPathBytes) {
     buffer[0] = '\0';
     return nullptr;
   }
@@ -105,7 +103,7 @@ char* FILEmap_variables(const char* name, char* buffer) {
 }
 
 std::FILE* FILEfopen(const char* path, const char* mode) {
-  char expanded[kPathBufferBytes];
+  char expanded[kzgis::kPathBytes];
   if (FILEmap_variables(path, expanded) == nullptr) return nullptr;
   if (!kBackslashSeparates) {
     std::replace(expanded, expanded + std::strlen(expanded), '\\', '/');

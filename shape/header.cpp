@@ -18,25 +18,24 @@ constexpr kz_long kVersion = 1000;
 
 constinit const GIS_ByteUtil_c byte_util;
 
-/// The name of a shape type in reports; null when there is no such type.
-const char* shape_type_name(kz_long type) {
+}  // namespace
+
+const char* kzgis::shape_type::name_of(kz_long type) {
   switch (type) {
-    case shape_type::null_shape:
+    case null_shape:
       return "null";
-    case shape_type::point:
+    case point:
       return "point";
-    case shape_type::arc:
+    case arc:
       return "arc";
-    case shape_type::polygon:
+    case polygon:
       return "polygon";
-    case shape_type::multi_point:
+    case multi_point:
       return "polypoint";
     default:
       return nullptr;
   }
 }
-
-}  // namespace
 
 KZ_GIS_ESRI_ShapeHeader_c::~KZ_GIS_ESRI_ShapeHeader_c() = default;
 
@@ -80,7 +79,7 @@ kz_ulong KZ_GIS_ESRI_ShapeHeader_c::ValidateFileHeader() const {
   if (stream_ != nullptr && !stream_->is_open()) return status::not_open;
   if (file_code_ != kFileCode) return status::bad_file_code;
   if (version_ != kVersion) return status::bad_version;
-  if (shape_type_name(shape_type_) == nullptr) return status::bad_shape_type;
+  if (shape_type::name_of(shape_type_) == nullptr) return status::bad_shape_type;
   // Written so that a NaN passes: a box that cannot be compared is not called empty.
   if (x_min_ >= x_max_) return status::bad_bounding_box;
   if (y_min_ >= y_max_) return status::bad_bounding_box;
@@ -100,7 +99,7 @@ kz_ulong KZ_GIS_ESRI_ShapeHeader_c::PrintFileHeader(std::ostream& os) const {
   os << "  FileCode   = " << std::to_string(file_code_) << std::endl;
   os << "  FileLength = " << std::to_string(file_length_) << std::endl;
   os << "  Version    = " << std::to_string(version_) << std::endl;
-  const char* const type_name = shape_type_name(shape_type_);
+  const char* const type_name = shape_type::name_of(shape_type_);
   os << "  Shape Type = " << std::to_string(shape_type_) << " ("
      << (type_name != nullptr ? type_name : "invalid") << " shape)" << std::endl;
   // The exchanged labels of the two Y lines are part of the report

@@ -24,8 +24,7 @@ using namespace kzgis::shape_fields;
 
 namespace {
 
-constexpr std::size_t kExpandedNameSize = 1024;  // what FILEmap_variables needs
-constexpr std::size_t kLongestName = 255;        // of a file, extension included
+constexpr std::size_t kLongestName = 255;  // of a file, extension included
 constexpr std::size_t kExtensionLength = 4;
 
 constinit const GIS_ByteUtil_c byte_util;
@@ -80,7 +79,7 @@ const char* KZ_GIS_ESRI_Shape_c::FileName(const char* name) {
   }
   try {
     // The expansion is also the copy that makes it safe to be given one of our own names.
-    char expanded[kExpandedNameSize];
+    char expanded[kzgis::kPathBytes];
     const char* const full_name = FILEmap_variables(name, expanded);
     if (full_name != nullptr) {
       const std::string base(without_extension(full_name));

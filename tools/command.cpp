@@ -1,3 +1,5 @@
+// The subcommands under one roof, and what becomes of their failures.
+
 #include "tools/command.h"
 
 #include <CLI/CLI.hpp>
@@ -12,6 +14,7 @@
 #include "tools/map/map_command.h"
 #include "tools/pack/pack_command.h"
 #include "tools/project/project_command.h"
+#include "tools/support/command_error.h"
 #include "tools/support/report.h"
 #include "tools/triangulate/triangulate_command.h"
 
@@ -30,6 +33,11 @@ constexpr const char* kExamples =
     "  kzgis dem st_helens.dem.gz -o st_helens.png\n"
     "  echo 48.2,16.37 | kzgis project --to mercator\n";
 
+int misused(const std::exception& error) {
+  report(std::string(error.what()) + " (see kzgis --help)");
+  return kMisused;
+}
+
 int run(int argc, const char* const* argv) {
   CLI::App app(
       "Geographic utilities: look into geodata files, project coordinates, turn polygons "
@@ -47,17 +55,16 @@ int run(int argc, const char* const* argv) {
   add_pack_command(app, exit_code);
   try {
     app.parse(argc, argv);
+    if (app.get_subcommands().empty()) {
+      throw UsageError("a subcommand is missing: info, project, map, triangulate, dem or pack");
+    }
+    return exit_code;
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);
-    report(std::string(error.what()) + " (see kzgis --help)");
-    return kMisused;
+    return misused(error);
+  } catch (const UsageError& error) {
+    return misused(error);
   }
-  if (app.get_subcommands().empty()) {
-    report(
-        "a subcommand is missing: info, project, map, triangulate, dem or pack (see kzgis --help)");
-    return kMisused;
-  }
-  return exit_code;
 }
 
 /// Throws when memory runs out, and nothing else.

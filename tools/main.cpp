@@ -1,3 +1,5 @@
+// The kzgis command as a program.
+
 #include <iostream>
 
 #include "tools/command.h"

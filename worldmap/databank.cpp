@@ -1,105 +1,340 @@
-#include "worldmap/databank.h"
+// Reading a whole data bank, file by file: which segments a query asks for, and what is told of
+// files that are damaged.
+//
+// The extents in the dictionary are claims, and wrong in some files.  They select nothing here:
+// a box is asked of the points themselves, so that its answer is exact.  What that costs is the
+// decoding of segments far away, about ten nanoseconds a point.
+
+#include "kzgis/databank.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cmath>
+#include <memory>
+#include <new>
 #include <utility>
 
-namespace kzgis::databank {
+#include "kzgis/status.h"
+#include "platform/no_memory.h"
+#include "worldmap/bank_scan.h"
+#include "worldmap/open_bank.h"
 
-File::File(std::FILE* stream) : stream_(stream) {
-  // The window is the buffer; without one of its own the stream reads into it directly.
-  std::setvbuf(stream, nullptr, _IONBF, 0);
-  // A pipe or a terminal has no size, and reading it could wait for ever.
-  long end = 0;
-  if (std::fseek(stream, 0, SEEK_END) != 0 || (end = std::ftell(stream)) < 0 ||
-      std::fseek(stream, 0, SEEK_SET) != 0) {
-    ended_ = true;
+namespace kzgis {
+
+namespace {
+
+using worldmap::BankScan;
+using worldmap::kTurn_arcsec;
+using worldmap::Obstacle;
+using worldmap::OpenedBank;
+
+constexpr double kArcSecPerDegree = 3600.0;
+constexpr double kMostTurns_deg = 720.0;
+
+double degrees(std::int64_t arcsec) { return static_cast<double>(arcsec) / kArcSecPerDegree; }
+
+/// The least whole arc-second that lies at or above an angle, where a place in arc-seconds
+/// lies at the double nearest to its degrees: a box made from a point's degrees holds it.
+std::int64_t first_at_or_above(double angle_deg) {
+  auto arcsec = static_cast<std::int64_t>(std::floor(angle_deg * kArcSecPerDegree)) - 1;
+  while (degrees(arcsec) < angle_deg) ++arcsec;
+  return arcsec;
+}
+/// The greatest that lies at or below it.
+std::int64_t last_at_or_below(double angle_deg) { return -first_at_or_above(-angle_deg); }
+
+/// A box of whole arc-seconds, on the turn of longitudes that its western end lies on.
+///
+/// A place lies in it when the way from the western end eastwards to the place is no longer than
+/// the box is wide.  That one comparison holds for every turn, and for boxes across the meridian
+/// at which longitudes begin anew.  A box narrower than an arc-second may hold nothing: its width
+/// is then negative.
+class ArcBox {
+ public:
+  /// Before: the box is one (see `why_no_box`).
+  explicit ArcBox(const Box& box)
+      : south_(first_at_or_above(std::clamp(box.min_y, -90.0, 90.0))),
+        north_(last_at_or_below(std::clamp(box.max_y, -90.0, 90.0))),
+        west_(first_at_or_above(box.min_x)),
+        width_(last_at_or_below(box.max_x) - west_) {
+    if (box.min_y > 90.0 || box.max_y < -90.0) north_ = south_ - 1;
+    // Turns are added to the eastern end until it lies in the east.
+    if (box.min_x > box.max_x) {
+      const double turns = std::ceil((box.min_x - box.max_x) / 360.0);
+      width_ += static_cast<std::int64_t>(turns) * kTurn_arcsec;
+    }
+  }
+
+  bool holds(std::int32_t lat, std::int32_t lon) const {
+    if (lat < south_ || lat > north_) return false;
+    const std::int64_t way = (lon - west_) % kTurn_arcsec;  // from the western end
+    return (way < 0 ? way + kTurn_arcsec : way) <= width_;
+  }
+
+ private:
+  std::int64_t south_, north_;
+  std::int64_t west_, width_;
+};
+
+/// A query that was found to be one.
+struct Wanted {
+  std::array<bool, kThemeCount> themes{};
+  std::array<bool, kLevelCount> levels{};
+  std::optional<ArcBox> box;
+};
+
+/// Null when the box is one.  A comparison with NaN is false, so that NaN is refused too.
+const char* why_no_box(const Box& box) {
+  const bool turns =
+      std::fabs(box.min_x) <= kMostTurns_deg && std::fabs(box.max_x) <= kMostTurns_deg;
+  if (!turns) return "the longitudes of a box lie between -720 and 720 degrees";
+  if (!(box.min_y <= box.max_y)) return "the south of a box lies at or below its north";
+  return nullptr;
+}
+
+/// Turns a query into something that is quick to ask, unless it asks for what cannot be.
+Result<Wanted> check(const DatabankQuery& query) {
+  Wanted wanted;
+  wanted.themes.fill(query.themes.empty());
+  for (const Theme theme : query.themes) {
+    const auto number = static_cast<std::size_t>(theme);
+    if (number >= kThemeCount) {
+      return Error{ErrorKind::bad_argument, "there is no theme " + std::to_string(number)};
+    }
+    wanted.themes[number] = true;
+  }
+  wanted.levels.fill(query.levels.empty());
+  for (const int level : query.levels) {
+    if (level < 0 || level >= kLevelCount) {
+      return Error{ErrorKind::bad_argument,
+                   "there is no level " + std::to_string(level) + "; there are 0 to 15"};
+    }
+    wanted.levels[static_cast<std::size_t>(level)] = true;
+  }
+  if (query.box) {
+    if (const char* const why = why_no_box(*query.box)) return Error{ErrorKind::bad_argument, why};
+    wanted.box.emplace(*query.box);
+  }
+  return wanted;
+}
+
+/// Reads the files of one bank, one after another; the directory and the query are borrowed.
+class BankReader {
+ public:
+  BankReader(const std::string& directory, const Wanted& wanted)
+      : directory_(directory), wanted_(wanted) {
+    files_ = kContinentCount *
+             static_cast<std::size_t>(std::count(wanted.themes.begin(), wanted.themes.end(), true));
+  }
+
+  Result<Databank> read();
+
+ private:
+  void read_file(Continent continent, Theme theme);
+  void scan_file(const std::string& path, std::FILE* stream, Segment segment);
+  bool asks_for(const BankScan& scan) const;
+  void damaged(const std::string& path, Error error);
+  void report(const std::string& name, std::size_t done, std::size_t of);
+  bool has_any_file() const;
+  std::string path_of(const std::string& name) const {
+    return directory_ + (directory_.ends_with('/') ? "" : "/") + name;
+  }
+
+  const std::string& directory_;
+  const Wanted& wanted_;
+  Databank bank_;
+  bool opened_ = false;  // any of the files
+  bool no_memory_ = false;
+  std::size_t files_;
+  std::size_t files_done_ = 0;
+  int reported_ = -1;
+};
+
+/// In the order in which segments are promised to come.
+template <typename Use>
+void for_each_file(Use use) {
+  for (std::size_t c = 0; c < kContinentCount; ++c) {
+    for (std::size_t t = 0; t < kThemeCount; ++t) {
+      use(static_cast<Continent>(c), static_cast<Theme>(t));
+    }
+  }
+}
+
+Result<Databank> BankReader::read() {
+  for_each_file([this](Continent continent, Theme theme) {
+    if (no_memory_ || !wanted_.themes[static_cast<std::size_t>(theme)]) return;
+    read_file(continent, theme);
+    ++files_done_;
+  });
+  if (no_memory_) throw std::bad_alloc();
+  if (!opened_ && !bank_.damaged.empty()) return std::move(bank_.damaged.front().error);
+  if (!opened_ && !has_any_file()) {
+    return Error{ErrorKind::cannot_read, directory_ + ": holds no data bank: there is no " +
+                                             databank_file_name(Continent::africa, Theme::coasts) +
+                                             " in it, nor any other of its files"};
+  }
+  report("data bank", 1, 1);
+  return std::move(bank_);
+}
+
+/// Whether there is a file that was not asked for.
+bool BankReader::has_any_file() const {
+  bool any = false;
+  for_each_file([&](Continent continent, Theme theme) {
+    if (any || wanted_.themes[static_cast<std::size_t>(theme)]) return;
+    any = !worldmap::open_bank(path_of(databank_file_name(continent, theme))).missing;
+  });
+  return any;
+}
+
+/// Reads one file, if it is there.
+void BankReader::read_file(Continent continent, Theme theme) {
+  const std::string name = databank_file_name(continent, theme);
+  const std::string path = path_of(name);
+  report(name, 0, 1);
+  OpenedBank opened = worldmap::open_bank(path);
+  if (opened.missing) return;
+  if (opened.stream == nullptr) {
+    damaged(path, std::move(opened.error));
+  } else {
+    opened_ = true;
+    scan_file(path, opened.stream.get(), {continent, theme, 0, {}, {}});
+  }
+}
+
+/// @param segment  carries continent and theme
+void BankReader::scan_file(const std::string& path, std::FILE* stream, Segment segment) {
+  const auto scan = std::make_unique<BankScan>(stream);  // too large for small stacks
+  const Obstacle obstacle = scan->start();
+  if (obstacle != Obstacle::none) {
+    damaged(path, worldmap::error_of(path, obstacle));
     return;
   }
-  size_ = static_cast<std::uint64_t>(end);
-}
-
-int File::seek(kz_ulong offset) {
-  if (offset >= window_start_ && offset - window_start_ <= filled_) {
-    next_ = static_cast<std::size_t>(offset - window_start_);
-    return 1;
+  const std::string name = databank_file_name(segment.continent, segment.theme);
+  // Of a segment that is not sound nothing comes: where its points go wrong cannot be told.
+  while (scan->next()) {
+    report(name, scan->number() - 1, scan->count());
+    const unsigned level = scan->entry().level;
+    if (level >= kLevelCount || !wanted_.levels[level]) continue;
+    if (!scan->walk() || !asks_for(*scan)) continue;
+    segment.level = static_cast<int>(level);
+    segment.lat.assign(scan->lat().begin(), scan->lat().end());
+    segment.lon.assign(scan->lon().begin(), scan->lon().end());
+    bank_.segments.push_back({segment.continent, segment.theme, segment.level,
+                              std::move(segment.lat), std::move(segment.lon)});
   }
-  if (!std::in_range<long>(offset) ||
-      std::fseek(stream_, static_cast<long>(offset), SEEK_SET) != 0) {
-    return 0;
+  if (scan->flaw_count() == 0) return;
+  std::string message = path + ": " + scan->flaws().front();
+  if (scan->flaw_count() > 1) {
+    message += "; " + std::to_string(scan->flaw_count() - 1) + " more flaws";
   }
-  window_start_ = offset;
-  next_ = 0;
-  filled_ = 0;
-  ended_ = false;
-  return 1;
+  damaged(path, {ErrorKind::bad_data, std::move(message)});
 }
 
-/// Moves the rest of the window to its front and fills it up from the file.
-void File::fetch() {
-  filled_ -= next_;
-  std::memmove(window_, window_ + next_, filled_);
-  window_start_ += next_;
-  next_ = 0;
-  if (ended_) return;
-  const std::size_t room = kWindowBytes - filled_;
-  const std::size_t got = std::fread(window_ + filled_, 1, room, stream_);
-  filled_ += got;
-  ended_ = got < room;
-}
-
-bool File::refill(std::size_t count) {
-  fetch();
-  if (filled_ >= count) return true;
-  next_ = filled_;
+/// Whether a sound segment is a line that the box takes.
+bool BankReader::asks_for(const BankScan& scan) const {
+  if (scan.lat().size() < 2) return false;
+  if (!wanted_.box) return true;
+  for (std::size_t i = 0; i < scan.lat().size(); ++i) {
+    if (wanted_.box->holds(scan.lat()[i], scan.lon()[i])) return true;
+  }
   return false;
 }
 
-/// Gives a run of deltas, of which `next` is the first byte not decoded yet, at least one
-/// more.  Behind the end of the file, `previous` or the last word that the file has
-/// repeats: the window is then the file's no longer, and stands empty at its end.
-File::Run File::more(const unsigned char* next, std::uint16_t previous) {
-  next_ = std::min(static_cast<std::size_t>(next - window_), filled_);
-  fetch();
-  if (filled_ >= Deltas::kLongBytes) return run();
-
-  const std::size_t kept = filled_ - filled_ % 2;
-  const std::uint16_t word = kept == 0 ? previous : word_at(window_ + kept - 2);
-  for (std::size_t i = kept; i < kPaddedBytes; i += 2) {
-    window_[i] = static_cast<unsigned char>(word & 0xFF);
-    window_[i + 1] = static_cast<unsigned char>(word >> 8);
+void BankReader::damaged(const std::string& path, Error error) {
+  if (error.kind == ErrorKind::out_of_memory) {
+    no_memory_ = true;  // of this process, and nothing that is wrong with the file
+  } else {
+    bank_.damaged.push_back({path, std::move(error)});
   }
-  window_start_ += filled_;
-  filled_ = 0;
-  return {window_, window_ + kPaddedBytes};
 }
 
-void File::read(Header& header) {
-  readMap(&header.magic);
-  readMap(&header.dictionary_offset);
-  readMap(&header.count);
+/// Tells the handler how much is done, whenever that is another number of percents: `done` of
+/// `of` parts of the current file.  The end of all is told once, by itself.
+void BankReader::report(const std::string& name, std::size_t done, std::size_t of) {
+  const double files =
+      static_cast<double>(files_done_) +
+      (files_done_ < files_ ? static_cast<double>(done) / static_cast<double>(of) : 0.0);
+  const int percent = static_cast<int>(100.0 * files / static_cast<double>(files_));
+  if (percent == reported_) return;
+  reported_ = percent;
+  OMstatus_check(percent, name.c_str(), 0);
 }
 
-bool File::read(Entry& entry) {
-  kz_ulong identifier = 0;
-  std::uint16_t unused = 0;
-  if (readMap(&identifier) == 0 || readMap(&entry.max_lat) == 0 || readMap(&entry.min_lat) == 0 ||
-      readMap(&entry.max_lon) == 0 || readMap(&entry.min_lon) == 0 || readMap(&entry.offset) == 0 ||
-      readMap(&unused) == 0 || readMap(&entry.level) == 0) {
-    return false;
+/// Widens an extent by the points of a segment; those that are off the globe count as lying on
+/// its rim.
+void include(const BankScan& scan, bool first, Extent& extent) {
+  const auto [south, north] = std::minmax_element(scan.lat().begin(), scan.lat().end());
+  const auto [west, east] = std::minmax_element(scan.lon().begin(), scan.lon().end());
+  const auto lat = [](std::int32_t value) {
+    return std::clamp(value, -worldmap::kPole_arcsec, worldmap::kPole_arcsec);
+  };
+  const auto lon = [](std::int32_t value) { return std::min(value, kTurn_arcsec - 1); };
+  const Extent own{lat(*north), lat(*south), lon(*east), lon(*west)};
+  extent = first ? own
+                 : Extent{std::max(extent.north, own.north), std::min(extent.south, own.south),
+                          std::max(extent.east, own.east), std::min(extent.west, own.west)};
+}
+
+/// Sums up one file, of which every segment is walked.
+Result<DatabankFile> inspect(const std::string& path) {
+  const OpenedBank opened = worldmap::open_bank(path);
+  if (opened.stream == nullptr) return opened.error;
+  const auto scan = std::make_unique<BankScan>(opened.stream.get());
+  const Obstacle obstacle = scan->start();
+  if (obstacle != Obstacle::none) return worldmap::error_of(path, obstacle);
+
+  DatabankFile file;
+  file.file_bytes = scan->file_bytes();
+  file.dictionary_offset_bytes = scan->header().dictionary_offset;
+  file.claimed_segments = scan->header().count;
+  while (scan->next()) {
+    static_cast<void>(scan->walk());
+    const std::uint64_t points = scan->lat().size();
+    if (points > 0) include(*scan, file.total.points == 0, file.extent);
+    const worldmap::Entry& entry = scan->entry();
+    file.entries.push_back({{entry.max_lat, entry.min_lat, entry.max_lon, entry.min_lon},
+                            entry.offset,
+                            entry.level,
+                            points});
+    const auto count = [points](DatabankFile::Count& sum) {
+      ++sum.segments;
+      sum.points += points;
+    };
+    count(file.total);
+    if (entry.level < kLevelCount) count(file.levels[entry.level]);
   }
-  entry.max_lon = wrap_negative(entry.max_lon);
-  entry.min_lon = wrap_negative(entry.min_lon);
-  return true;
+  file.flaws = scan->flaws();
+  if (scan->flaw_count() > file.flaws.size()) {
+    file.flaws.push_back(std::to_string(scan->flaw_count() - file.flaws.size()) + " more flaws");
+  }
+  return file;
 }
 
-void File::read(SegmentHeader& header) {
-  kz_ulong unused_long = 0;
-  if (readMap(&header.lon) != 0) header.lon = wrap_negative(header.lon);
-  readMap(&header.lat);
-  readMap(&unused_long);
-  readMap(&header.count);
-  readMap(&header.unused);
+}  // namespace
+
+std::string databank_file_name(Continent continent, Theme theme) {
+  const auto c = static_cast<std::size_t>(continent);
+  const auto t = static_cast<std::size_t>(theme);
+  if (c >= kContinentCount || t >= kThemeCount) return {};
+  return std::string(worldmap::kContinentDirectories[c]) + "/" + worldmap::kThemeFiles[t];
 }
 
-}  // namespace kzgis::databank
+Result<Databank> read_databank(const std::string& directory, const DatabankQuery& query) {
+  try {
+    const Result<Wanted> wanted = check(query);
+    if (!wanted) return wanted.error();
+    return BankReader(directory, *wanted).read();
+  } catch (const std::bad_alloc&) {
+    return no_memory();
+  }
+}
+
+Result<DatabankFile> inspect_databank_file(const std::string& path) {
+  try {
+    return inspect(path);
+  } catch (const std::bad_alloc&) {
+    return no_memory();
+  }
+}
+
+}  // namespace kzgis

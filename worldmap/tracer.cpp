@@ -1,3 +1,10 @@
+// From the points of one segment to polylines: which points are kept, where a line is cut at the
+// edge of the box, and where it is split at longitude 0.
+//
+// The classic interface fixes every point to the last bit, single-precision cuts and rounding in
+// degrees included.  What is fast here only spares work whose result is known: whole numbers
+// tell at once what the degrees of `LatLon` would say.
+
 #include "worldmap/tracer.h"
 
 #include <algorithm>
@@ -8,29 +15,10 @@ namespace kzgis::worldmap {
 
 namespace {
 
-constexpr kz_long kHalfTurn_arcsec = kTurn_arcsec / 2;
-
-// A file holds at most one point per two bytes, but its dictionary may name the same bytes
-// again and again, and a count may go on behind the end of the file, where the last word
-// repeats.  What is decoded of one file is therefore limited: to twice what it can hold,
-// and this many more, so that small damaged files still give what their counts say.
-constexpr std::uint64_t kSparePoints = std::uint64_t{1} << 16;
-
 constexpr const char* kNoPoint = "CIA: Out of memory instancing new map point";
 
-kz_long wrapping_add(kz_long a, kz_long b) {
-  return static_cast<kz_long>(static_cast<kz_ulong>(a) + static_cast<kz_ulong>(b));
-}
 kz_long wrapping_multiply(kz_long a, kz_long b) {
   return static_cast<kz_long>(static_cast<kz_ulong>(a) * static_cast<kz_ulong>(b));
-}
-
-/// A longitude, not negative, moved by a delta and brought into [0, 1296000).
-kz_long moved(kz_long lon, kz_long delta) {
-  const kz_long plain = wrapping_add(lon, delta);
-  if (static_cast<kz_ulong>(plain) < static_cast<kz_ulong>(kTurn_arcsec)) return plain;
-  const kz_long eastward = wrapping_add(lon, databank::wrap_negative(delta));
-  return databank::wrap_negative(eastward) % kTurn_arcsec;
 }
 
 /// Where a line crosses an edge: moves from `from` by the share reach/run of `rise`.
@@ -54,6 +42,7 @@ kz_long reach_of(kz_long precision_arcsec) {
   return side < 1.0 ? -1 : static_cast<kz_long>(std::min(side, double{kTurn_arcsec}));
 }
 
+/// Null where there is no memory: the loader says so in a line of its own.
 OwnedPolyline new_polyline() {
   try {
     return OwnedPolyline(new Polyline);
@@ -64,8 +53,7 @@ OwnedPolyline new_polyline() {
 
 }  // namespace
 
-Tracer::Tracer(databank::File& file, const Box& box, kz_long precision_arcsec,
-               Polylines& collection)
+Tracer::Tracer(File& file, const BoundaryBox& box, kz_long precision_arcsec, Polylines& collection)
     : file_(file),
       box_(box),
       limit_(std::int64_t{precision_arcsec} * precision_arcsec),
@@ -73,16 +61,18 @@ Tracer::Tracer(databank::File& file, const Box& box, kz_long precision_arcsec,
       collection_(collection),
       points_left_(file.size() + kSparePoints) {}
 
-const char* Tracer::trace(const databank::SegmentHeader& segment) {
+const char* Tracer::trace(const SegmentHeader& segment) {
   line_ = new_polyline();
   if (line_ == nullptr) return "CIA: Out of memory preparing new polyline";
 
   const auto count = static_cast<kz_ulong>(std::min<std::uint64_t>(segment.count, points_left_));
-  databank::Deltas deltas(file_, segment.unused);
+  Deltas deltas(file_, segment.unused);
   kz_long lon = segment.lon;
   kz_long lat = segment.lat;
   near_ = {};
-  // The point behind the last delta is decoded and not looked at.
+  // Before each pass: (lon, lat) is point i, counted from 1; the line holds what is kept of those
+  // before it, none of which left the box since the line began.  The point behind the last delta
+  // is decoded and not looked at.
   kz_ulong i = 1;
   for (; i < count; ++i) {
     const bool last = i == count - 1;
@@ -94,12 +84,9 @@ const char* Tracer::trace(const databank::SegmentHeader& segment) {
         break;
       }
     }
-    kz_long dlon = 0;
-    kz_long dlat = 0;
-    deltas.nextPoint(&dlon, &dlat);
-    lat = wrapping_add(lat, dlat);
-    lon = moved(lon, dlon);
+    deltas.move(lon, lat);
   }
+  // Points that were skipped count too: a bound on those kept would not bound the time.
   points_left_ -= std::min<std::uint64_t>(i, points_left_);
 
   if (line_->size() >= 2) store();
@@ -116,6 +103,8 @@ void Tracer::surround_kept_point() {
   near_ = {};
   // A first point may lie at 1296000, which `LatLon` turns into 0.
   if (kept_lon_ == kTurn_arcsec) return;
+  // Within a box across longitude 0 the rectangle ends at the half of the globe, so that no point
+  // in it can be a crossing.
   const bool eastern = kept_lon_ < kHalfTurn_arcsec;
   const kz_long west =
       box_.wraps ? (eastern ? 0 : std::max(box_.west, kHalfTurn_arcsec)) : box_.west;

@@ -7,8 +7,8 @@
 #include <cstdint>
 
 #include "kzgis/types.h"
-#include "worldmap/box.h"
-#include "worldmap/databank.h"
+#include "worldmap/bank_file.h"
+#include "worldmap/boundary_box.h"
 #include "worldmap/polyline.h"
 
 namespace kzgis::worldmap {
@@ -17,12 +17,12 @@ namespace kzgis::worldmap {
 class Tracer {
  public:
   /// Borrows the file and the collection.
-  Tracer(databank::File& file, const Box& box, kz_long precision_arcsec, Polylines& collection);
+  Tracer(File& file, const BoundaryBox& box, kz_long precision_arcsec, Polylines& collection);
 
   /// Takes the points of a segment, up to the end of their first run inside the box, from
   /// behind its header.
   /// @return null, or the message of a failed allocation
-  const char* trace(const databank::SegmentHeader& segment);
+  const char* trace(const SegmentHeader& segment);
 
  private:
   /// A rectangle of positions; without any while a side is 0.
@@ -46,8 +46,8 @@ class Tracer {
   bool append(kz_long lon, kz_long lat);
   void store();
 
-  databank::File& file_;
-  const Box box_;
+  File& file_;
+  const BoundaryBox box_;
   const std::int64_t limit_;  // square arc-seconds
   const kz_long reach_;
   Polylines& collection_;

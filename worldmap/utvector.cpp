@@ -1,3 +1,5 @@
+// The two instantiations that the library holds: a polyline's points, a theme's polylines.
+
 #include "kzgis/utvector.h"
 
 template class UtVector<LatLon*>;

@@ -3,21 +3,21 @@
 
 #include "kzgis/worldmap.h"
 
+#include <algorithm>
 #include <iostream>
 #include <new>
 #include <utility>
 
-#include "worldmap/box.h"
+#include "worldmap/boundary_box.h"
+#include "worldmap/layout.h"
 #include "worldmap/polyline.h"
 
 namespace {
 
 constexpr const char* kDefaultDirectory = "$KZ_PATH<0>/data/Maps";
-constexpr const char* kContinentDirectories[NumMapSections] = {
-    "africa.Map", "asia.Map", "europe.Map", "namer.Map", "samer.Map"};
-constexpr const char* kOverlayFiles[NumOverlaySections] = {"bdy.cbd", "pby.cbd", "cil.cbd",
-                                                           "riv.cbd", "USGS_plates.txt"};
+constexpr const char* kPlatesFile = "USGS_plates.txt";
 
+/// The next of consecutive values, or the end marker behind the last one.
 template <typename Section>
 void advance(Section& section, Section last, Section end) {
   section = section < last ? static_cast<Section>(section + 1) : end;
@@ -34,12 +34,15 @@ void increment(infoLevels& level) { advance(level, Level15, NumInfoLevels); }
 
 WorldMap::WorldMap() : WorldMap(kDefaultDirectory) {}
 
+// A corner that has no memory stays null, and nothing lies in the box then.
 WorldMap::WorldMap(UtString dir)
     : data_directory_(std::move(dir)),
       lower_left_(new (std::nothrow) LatLon(15.0, -175.0)),
       upper_right_(new (std::nothrow) LatLon(85.0, -45.0)) {
-  for (int i = 0; i < NumMapSections; ++i) continent_directories_[i] = kContinentDirectories[i];
-  for (int i = 0; i < NumOverlaySections; ++i) overlay_files_[i] = kOverlayFiles[i];
+  using namespace kzgis::worldmap;
+  std::copy(kContinentDirectories.begin(), kContinentDirectories.end(), continent_directories_);
+  std::copy(kThemeFiles.begin(), kThemeFiles.end(), overlay_files_);
+  overlay_files_[Plates] = kPlatesFile;
 }
 
 WorldMap::~WorldMap() {
@@ -50,6 +53,7 @@ WorldMap::~WorldMap() {
   }
 }
 
+// The collections keep their storage: the next load fills it again.
 void WorldMap::clearMaps() {
   for (Polylines& collection : collections_) {
     for (kzgis::worldmap::Polyline* line : collection) kzgis::worldmap::DeletePolyline{}(line);
@@ -61,6 +65,7 @@ UtString WorldMap::fetchCIADirectory() const { return data_directory_; }
 
 void WorldMap::setCIADirectory(const UtString& dir) { data_directory_ = dir; }
 
+// Enumerators come from callers, as any number: each is held against its array's length.
 UtString WorldMap::fetchContinentDir(mapSections section) const {
   return indexes(section, NumMapSections) ? continent_directories_[section] : UtString();
 }
@@ -100,6 +105,7 @@ UtVector<UtVector<LatLon*>*>& WorldMap::fetchPolygonCollection(overlaySections o
 }
 
 int WorldMap::insideBoundary(LatLon point) const {
+  // Degrees as they are kept, with no thought of longitude 0: the loader has a test of its own.
   if (lower_left_ == nullptr || upper_right_ == nullptr) return 0;
   return lower_left_->fetchLat() <= point.fetchLat() &&
                  point.fetchLat() <= upper_right_->fetchLat() &&
@@ -111,9 +117,9 @@ int WorldMap::insideBoundary(LatLon point) const {
 
 int WorldMap::withinExtents(kz_long west, kz_long south, kz_long east, kz_long north, kz_long lon,
                             kz_long lat) {
-  // The loader takes equal longitudes for a box of no width instead; callers rely on both
-  // (WithinExtents.TakesEqualLongitudesForABoxAcrossZero).
-  const kzgis::worldmap::Box box{west, south, east, north, west >= east};
+  // Equal longitudes mean the whole way round here, and a box of no width to the loader: the
+  // interface fixes both (WithinExtents.TakesEqualLongitudesForABoxAcrossZero).
+  const kzgis::worldmap::BoundaryBox box{west, south, east, north, west >= east};
   return box.holds(lon, lat) ? 1 : 0;
 }
 
@@ -127,6 +133,8 @@ bool WorldMap::anyRequest(int overlay) const {
   return false;
 }
 
+// A theme's collection gathers all continents, in their order, each in the order of its file.  A
+// file that fails is passed over: the others do not depend on it.
 void WorldMap::readData() {
   clearMaps();
   bool requested = false;
@@ -157,6 +165,7 @@ void WorldMap::readData() {
   }
 }
 
+// The report's lines are fixed by the interface, down to the blanks.
 std::ostream& operator<<(std::ostream& os, const WorldMap& map) {
   os << "----- CIA World Map information" << std::endl
      << "Data resides in directory " << map.data_directory_ << std::endl

@@ -1,9 +1,17 @@
 #ifndef KZGIS_FILETOOLS_H
 #define KZGIS_FILETOOLS_H
 
+#include <cstddef>
 #include <cstdio>
 
 #include "kzgis/export.h"
+
+namespace kzgis {
+
+/// Room for a path whose variables are expanded, the closing NUL included.
+inline constexpr std::size_t kPathBytes = 1024;
+
+}  // namespace kzgis
 
 /// Expands the path variables in `name` into `buffer`.
 ///
@@ -18,7 +26,7 @@
 /// meanwhile.  The same holds wherever a name with path variables opens a file.
 ///
 /// @param name    the path; null is refused
-/// @param buffer  the caller's, with room for 1024 bytes
+/// @param buffer  the caller's, with room for kzgis::kPathBytes (1024) bytes
 /// @return `buffer`; null, with an empty text in `buffer`, when the expanded name and
 ///         its NUL need more than 1024 bytes
 KZGIS_EXPORT char* FILEmap_variables(const char* name, char* buffer)

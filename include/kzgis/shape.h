@@ -14,6 +14,9 @@ inline constexpr kz_long point = 1;
 inline constexpr kz_long arc = 3;
 inline constexpr kz_long polygon = 5;
 inline constexpr kz_long multi_point = 8;
+
+/// "null", "point", "arc", "polygon" or "polypoint"; null when there is no such kind.
+KZGIS_EXPORT const char* name_of(kz_long type);
 }  // namespace kzgis::shape_type
 
 /// The 100-byte header that opens both files of an ESRI shapefile (".shp", ".shx").

@@ -17,8 +17,7 @@ struct UtVectorTestAccess;
 ///
 /// It starts with one slot and doubles when it is full: 1, 2, 4, 8, ...  A failed
 /// allocation throws what `operator new[]` throws, and leaves the array as it was.
-/// It cannot be copied: two arrays would share one storage.  An array serves one thread at a
-/// time, different ones serve different threads at once.
+/// It cannot be copied: two arrays would share one storage.
 ///
 /// The library holds the two instantiations named above.
 template <typename T>
@@ -68,15 +67,6 @@ class KZGIS_EXPORT UtVector {
     delete[] array_;
     array_ = grown;
     capacity_ = n;
-  }
-
-  /// Moves to storage of `n` slots, without elements.
-  void alloc_no_copy(std::size_t n) {
-    T* const fresh = new T[n]();
-    delete[] array_;
-    array_ = fresh;
-    capacity_ = n;
-    size_ = 0;
   }
 
   /// Overwrites the slots from `first` up to `last`, not included, with an empty value.

@@ -94,14 +94,11 @@ KZGIS_EXPORT void increment(infoLevels& level);
 /// `Plates`, and writes nothing.
 ///
 /// Without memory the constructors, `readData` and the operations that give or take a name
-/// throw `std::bad_alloc`; a name that could not be replaced stays, and a map whose loading
-/// threw keeps what it had loaded and can load again.  Where memory runs out inside a file,
-/// `readData` may end that file instead, with a line on standard error that begins with
-/// "CIA: Out of memory ", or take the file for one that cannot be opened.  Nothing else needs
-/// memory.
+/// throw `std::bad_alloc`; a map whose loading threw keeps what it had loaded and can load
+/// again.  Where memory runs out inside a file, `readData` may end that file instead, with a
+/// line on standard error (see there), or take the file for one that cannot be opened.
 ///
-/// One thread at a time; different maps serve different threads at once, if the handler of
-/// progress bears it.  Messages of several threads may mix.
+/// For whole segments as plain numbers see kzgis/databank.h.
 class KZGIS_EXPORT WorldMap {
  public:
   /// Data directory "$KZ_PATH<0>/data/Maps", subdirectories "africa.Map", "asia.Map",
@@ -171,7 +168,7 @@ class KZGIS_EXPORT WorldMap {
   /// Discards what was loaded and loads every requested theme of every continent.
   ///
   /// A file that cannot be opened or read does not stop the others; what was read from
-  /// it stays.  A named pipe cannot be opened (see kzgis::is_named_pipe).  A damaged file is
+  /// it stays.  A named pipe is a file that cannot be opened.  A damaged file is
   /// reported on standard error, in a line that begins with "CIA: ".  Without memory for its
   /// dictionary, a polyline or a point, a file ends with one of these lines, "CIA: Out of
   /// memory " and "initializing dictionary", "preparing new polyline", "instancing new

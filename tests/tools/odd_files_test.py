@@ -11,6 +11,7 @@ import os
 import pathlib
 import resource
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -308,7 +309,9 @@ def more_than_memory():
     with tempfile.TemporaryDirectory() as tmp:
         path = pathlib.Path(tmp) / "large.cbd"
         with open(path, "wb") as file:
-            file.truncate(2 * MEMORY_MIB << 20)
+            size = 2 * MEMORY_MIB << 20
+            file.write(struct.pack("<III", 0x20770002, 20, (size - 20) // 28))
+            file.truncate(size)
         done = run(["info", str(path)])
         if done is None or (done.returncode, done.stderr) != (1, b"kzgis: out of memory\n"):
             problems.append(f"a file larger than memory: {done}")

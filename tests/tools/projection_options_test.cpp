@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/support/command_error.h"
+
 namespace {
 
 using kzgis::tools::add_projection_options;
@@ -59,10 +61,10 @@ TEST(ProjectionOptions, ReadPairs) {
 
 TEST(ProjectionOptions, RefusePairsOutOfRange) {
   for (const char* const base : {"91,0", "-90.1,0", "1", "1,2,3", ",1", "1,", "nan,0", "a,b"}) {
-    EXPECT_THROW(parsed({"--base", base}), CLI::ValidationError) << base;
+    EXPECT_THROW(parsed({"--base", base}), kzgis::tools::UsageError) << base;
   }
   for (const char* const parallels : {"0,10", "10,0", "-1,10", "10,90.5", "30"}) {
-    EXPECT_THROW(parsed({"--parallels", parallels}), CLI::ValidationError) << parallels;
+    EXPECT_THROW(parsed({"--parallels", parallels}), kzgis::tools::UsageError) << parallels;
   }
 }
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares WorldMap with a decoder of its own on random data banks.
+"""Compares WorldMap and read_databank with decoders of its own on random data banks.
 
     databank.py DUMP_PROGRAM FIRST_SEED COUNT
 
@@ -232,6 +232,117 @@ def expected(root, box, precision, wanted):
     return log
 
 
+# ---- the decoder of whole segments ------------------------------------------------------
+
+def in_box(box, lat, lon):
+    """Whether a place lies in a box of degrees: as the double nearest to its own degrees."""
+    south, west, north, east = box
+    if not south <= lat / 3600.0 <= north:
+        return False
+    extra = 0
+    while east + 360.0 * extra < west:
+        extra += 1
+    return any(west <= (lon + k * TURN) / 3600.0 and (lon + (k - extra) * TURN) / 3600.0 <= east
+               for k in range(-4, 5))
+
+
+class Whole:
+    """The sound segments of one file, and whether all is well with it."""
+
+    def __init__(self, data, levels):
+        self.segments, self.sound = [], True
+        f = Bytes(data)
+        magic, offset, count = (f.field('<I', 0) for _ in range(3))
+        if magic != MAGIC:
+            self.sound = False
+            return
+        entries = max(0, len(data) - offset) // 28
+        self.sound = offset <= len(data) and count <= entries
+        self.left = len(data) + 65536
+        for n in range(min(count, entries)):
+            if self.left == 0:
+                self.sound = False
+                return
+            at = offset + 28 * n
+            ends = struct.unpack_from('<4i', data, at + 4)
+            place, _, level = struct.unpack_from('<IHH', data, at + 20)
+            self.sound = self.sound and level < 16
+            if level not in levels:
+                continue
+            segment = self.walk(data, place)
+            if segment is None:
+                self.sound = False
+                continue
+            ends = [e + 1 if e < 0 else e for e in ends]
+            ends[2:] = [e % TURN if e < 0 else e for e in ends[2:]]
+            self.sound = self.sound and all(self.within(ends, *point) for point in segment)
+            if len(segment) >= 2:
+                self.segments.append((level, segment))
+
+    @staticmethod
+    def within(ends, lat, lon):
+        north, south, east, west = ends
+        after_west, before_east = west <= lon + 1, lon - 1 <= east
+        lon_within = after_west and before_east if west <= east else after_west or before_east
+        return south <= lat + 1 and lat - 1 <= north and lon_within
+
+    def walk(self, data, at):
+        """The points of a segment, or None when it is not sound; counts those it decodes."""
+        if at + 18 > len(data):
+            return None
+        lon, lat, _, claimed, _ = struct.unpack_from('<iiIIH', data, at)
+        lat, lon = (v + 1 if v < 0 else v for v in (lat, lon))
+        lon = lon % TURN if lon < 0 else lon
+        points, sound, at = [], claimed < 2 or lon <= TURN, at + 18
+        # What a longitude past a turn comes to is WorldMap's affair: such a segment is none.
+        lon = lon if not sound or lon < TURN else 0
+        while len(points) < claimed - 1:
+            if self.left == 0:
+                return None
+            self.left -= 1
+            points.append((lat, lon))
+            sound = sound and -324000 <= lat <= 324000
+            if at + 2 > len(data):
+                return None
+            word, = struct.unpack_from('<H', data, at)
+            if word & 0x4000:
+                dlon = (word >> 8) - (256 if word >= 0x8000 else 64)
+                dlat = (word & 255) - (256 if word & 128 else 0)
+                at += 2
+            else:
+                if at + 8 > len(data):
+                    return None
+                a, b, c, d = struct.unpack_from('<4H', data, at)
+                dlon, dlat = (((h | 0x4000) - 0x10000 if h >= 0x8000 else h) * 65536 + l
+                              for h, l in ((a, b), (c, d)))
+                if max(abs(dlon), abs(dlat)) > TURN:
+                    dlon = dlat = 0
+                at += 8
+            lat, lon = wrap32(lat + dlat), (lon + dlon) % TURN
+        return points if sound else None
+
+
+def expected_whole(root, box, wanted):
+    themes = {theme for theme, _ in wanted}
+    levels = {level for _, level in wanted if level < 16}
+    log = []
+    for continent, name in enumerate(CONTINENTS):
+        for theme, file in enumerate(FILES):
+            path = os.path.join(root, name + '.Map', file)
+            if theme not in themes or not os.path.exists(path):
+                continue
+            with open(path, 'rb') as f:
+                whole = Whole(f.read(), levels)
+            for level, segment in whole.segments:
+                if any(in_box(box, *point) for point in segment):
+                    log.append('whole %d %d %d:%s' % (continent, theme, level, ','.join(
+                        ' %d %d' % point for point in segment)))
+            if not whole.sound:
+                log.append('damaged ' + path)
+    # Segments first, as the dump has them.
+    return [e for e in log if e[0] == 'w'] + [e for e in log if e[0] == 'd']
+
+
 # ---- random data banks -----------------------------------------------------------------
 
 def stored(value):
@@ -324,6 +435,8 @@ def random_box(r):
         box = [float(round(v)) for v in box]
     if r.random() < 0.05:
         box[3] = box[1]
+    if box[1] > box[3] - 360.0 and r.random() < 0.5:
+        box[3] -= 360.0  # the same end, as a map keeps it; east of it lies the western one
     return tuple(box)
 
 
@@ -359,6 +472,7 @@ def parsed(line):
 def main():
     program, first, count = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
     totals = [0, 0]
+    whole = 0
     with tempfile.TemporaryDirectory() as directory:
         jobs = [make_job(seed, directory) for seed in range(first, first + count)]
         run = subprocess.run([program], input='\n'.join(line for line, _ in jobs) + '\n',
@@ -367,7 +481,8 @@ def main():
         assert len(outputs) == count + 1, 'the dump program stopped early'
         for seed, output, (line, arguments) in zip(range(first, first + count), outputs, jobs):
             got = [parsed(text) for text in output.splitlines()]
-            want = expected(*arguments)
+            root, box, precision, wanted = arguments
+            want = expected(*arguments) + expected_whole(root, box, wanted)
             if got != want:
                 differing = [i for i, (a, b) in enumerate(zip(got, want)) if a != b]
                 i = differing[0] if differing else min(len(got), len(want))
@@ -377,11 +492,12 @@ def main():
                 print('  expected: %s' % (want[i:i + 1]))
                 return 1
             lines = [entry for entry in want if isinstance(entry, tuple)]
+            whole += sum(1 for entry in want if entry[:5] == 'whole')
             totals[0] += len(lines)
             totals[1] += sum(len(points) for _, points in lines)
-    print('%d loads agree: %d polylines, %d points' % (count, *totals))
+    print('%d loads agree: %d polylines, %d points; %d whole segments' % (count, *totals, whole))
     # A comparison of nothing must not pass.
-    return 0 if totals[0] >= count // 2 else 1
+    return 0 if min(totals[0], whole) >= count // 2 else 1
 
 
 if __name__ == '__main__':

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <new>
 #include <set>
@@ -13,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "kzgis/databank.h"
 #include "support/capture.h"
 #include "support/failing_memory.h"
 #include "worldmap/bank.h"
@@ -21,10 +23,6 @@ struct UtVectorTestAccess {
   template <typename T>
   static void alloc_copy(UtVector<T>& v, std::size_t n) {
     v.alloc_copy(n);
-  }
-  template <typename T>
-  static void alloc_no_copy(UtVector<T>& v, std::size_t n) {
-    v.alloc_no_copy(n);
   }
 };
 
@@ -264,9 +262,108 @@ TEST_F(WorldMapFailures, OfAnArrayPast64BitsDoNotWrap) {
   // 2^61 slots of 8 bytes are 0 modulo 2^64.
   volatile std::size_t too_many = std::size_t{1} << 61;
   EXPECT_THROW(UtVectorTestAccess::alloc_copy(v, too_many), std::bad_alloc);
-  EXPECT_THROW(UtVectorTestAccess::alloc_no_copy(v, too_many), std::bad_alloc);
   ASSERT_EQ(v.size(), 1U);
   EXPECT_EQ(v.back(), &point);
+}
+
+class DatabankFailures : public BankTest {
+ protected:
+  DatabankFailures() {
+    write("africa.Map/cil.cbd", cbd_file({segment_through({{1, 2}, {3, 4}, {5, 6}}),
+                                          segment_through({{7, 8}, {9, 10}}), Segment()}));
+    Segment cut = segment_through({{1, 2}, {3, 4}});
+    cut.count = 90;
+    write("asia.Map/riv.cbd", cbd_file({cut, cut}));
+  }
+
+  /// Fails each allocation of an operation, alone and with all later ones.  It gives its error,
+  /// and must not throw, leak, or fail otherwise than for want of memory.
+  template <typename Operation>
+  void expect_out_of_memory(Operation operation) {
+    for (const bool all_later : {false, true}) {
+      for (long k = 0;; ++k) {
+        SCOPED_TRACE("allocation " + std::to_string(k));
+        const long before = failing_memory::live_blocks();
+        kzgis::ErrorKind kind{};
+        const Outcome outcome = fail_allocation(
+            k, [&] { kind = operation(); }, all_later);
+        EXPECT_EQ(failing_memory::live_blocks(), before);
+        if (outcome == Outcome::complete) {
+          EXPECT_EQ(kind, kzgis::ErrorKind::none);
+          EXPECT_GE(k, 5);
+          break;
+        }
+        ASSERT_EQ(outcome, Outcome::went_on);
+        ASSERT_EQ(kind, kzgis::ErrorKind::out_of_memory);
+      }
+    }
+  }
+};
+
+TEST_F(DatabankFailures, OfReadingAreErrors) {
+  expect_out_of_memory([this] {
+    const auto bank = kzgis::read_databank(root_);
+    return bank ? kzgis::ErrorKind::none : bank.error().kind;
+  });
+}
+
+TEST_F(DatabankFailures, OfLookingIntoAFileAreErrors) {
+  const std::string path = root_ + "/asia.Map/riv.cbd";
+  expect_out_of_memory([&path] {
+    const auto file = kzgis::inspect_databank_file(path);
+    return file ? kzgis::ErrorKind::none : file.error().kind;
+  });
+}
+
+TEST_F(DatabankFailures, OfWritingAreErrorsAndLeaveNothing) {
+  kzgis::Segment segment;
+  for (int i = 0; i < 100; ++i) {
+    segment.lat.push_back(i);
+    segment.lon.push_back(i * i);
+  }
+  kzgis::DatabankWriter whole;
+  ASSERT_FALSE(whole.add(segment));
+  ASSERT_FALSE(whole.add(segment));
+  std::ostringstream expected;
+  whole.write_file({}, {}, expected);
+  long failed = 0;
+  for (long k = 0; k < 100; ++k) {
+    kzgis::DatabankWriter writer;
+    ASSERT_FALSE(writer.add(segment));
+    kzgis::Error error;
+    const Outcome outcome = fail_allocation(k, [&] { error = writer.add(segment); });
+    if (outcome == Outcome::complete) break;
+    ++failed;
+    ASSERT_EQ(outcome, Outcome::went_on);
+    EXPECT_EQ(error.kind, kzgis::ErrorKind::out_of_memory);
+    EXPECT_EQ(writer.size_of({}, {}).segments, 1U);
+    // It is as if the segment had never come.
+    ASSERT_FALSE(writer.add(segment));
+    std::ostringstream file;
+    writer.write_file({}, {}, file);
+    EXPECT_EQ(file.str(), expected.str());
+  }
+  EXPECT_GE(failed, 1);
+
+  std::filesystem::remove_all(root_);
+  for (long k = 0; k < 10000; ++k) {
+    kzgis::Error error;
+    const Outcome outcome = fail_allocation(k, [&] { error = whole.write(root_); });
+    if (outcome == Outcome::complete) {
+      EXPECT_FALSE(error);
+      EXPECT_GE(k, 20);
+      break;
+    }
+    ASSERT_EQ(outcome, Outcome::went_on);
+    // The host's streams do not say that it was memory; where they can do without, all is there.
+    bool any = false;
+    std::filesystem::create_directory(root_);
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root_)) {
+      any = any || entry.is_regular_file();
+    }
+    EXPECT_EQ(any, !error) << error.message;
+    std::filesystem::remove_all(root_);
+  }
 }
 
 class SeekFailures : public BankTest {

@@ -18,10 +18,6 @@ struct UtVectorTestAccess {
     v.alloc_copy(n);
   }
   template <typename T>
-  static void alloc_no_copy(UtVector<T>& v, std::size_t n) {
-    v.alloc_no_copy(n);
-  }
-  template <typename T>
   static void destroy_elements(UtVector<T>& v, std::size_t first, std::size_t last) {
     v.destroy_elements(first, last);
   }
@@ -132,13 +128,6 @@ TYPED_TEST(UtVectorTest, AllocCopyToMoreKeepsAll) {
   EXPECT_EQ(this->v.size(), 3U);
   EXPECT_EQ(Access::capacity(this->v), 7U);
   EXPECT_EQ(this->v[2], &this->things[2]);
-}
-
-TYPED_TEST(UtVectorTest, AllocNoCopyEmpties) {
-  this->fill(3);
-  Access::alloc_no_copy(this->v, 6);
-  EXPECT_EQ(this->v.size(), 0U);
-  EXPECT_EQ(Access::capacity(this->v), 6U);
 }
 
 TYPED_TEST(UtVectorTest, DestroyElementsNullsARangeAndDeletesNothing) {

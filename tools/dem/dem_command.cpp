@@ -3,15 +3,16 @@
 #include "tools/dem/dem_command.h"
 
 #include <memory>
-#include <optional>
+#include <ostream>
 #include <string>
 
 #include "tools/dem/grid_file.h"
 #include "tools/dem/grid_text.h"
 #include "tools/dem/relief_picture.h"
-#include "tools/map/render.h"
-#include "tools/support/number_text.h"
+#include "tools/picture/render.h"
+#include "tools/support/command_error.h"
 #include "tools/support/output_file.h"
+#include "tools/support/output_format.h"
 #include "tools/support/projection_options.h"
 #include "tools/support/report.h"
 
@@ -28,46 +29,45 @@ struct Options {
   Sun sun;
 };
 
-/// Throws CLI's error when neither option nor name says what to write.
-std::string choose_format(const Options& options) {
-  if (!options.format.empty()) return options.format;
-  if (options.output == "-") {
-    throw CLI::ValidationError("--output",
-                               "standard output needs --format png, svg, pdf, asc or csv");
-  }
-  std::string ending = ending_of(options.output);
-  if (ending == "asc" || ending == "csv" || map::format_named(ending)) return ending;
-  throw CLI::ValidationError("--output",
-                             in_quotes(options.output) +
-                                 " does not end in .png, .svg, .pdf, .asc or .csv, and no "
-                                 "--format says which");
+/// What writes a format.
+using Write = void (*)(std::ostream&, const ElevationGrid&, const ReliefStyle&);
+
+template <PictureFormat format>
+void write_picture(std::ostream& out, const ElevationGrid& grid, const ReliefStyle& style) {
+  draw_relief(out, format, grid, style);
 }
 
+const OutputFormats<Write>& formats() {
+  static const OutputFormats<Write> known{
+      {"png", write_picture<PictureFormat::png>},
+      {"svg", write_picture<PictureFormat::svg>},
+      {"pdf", write_picture<PictureFormat::pdf>},
+      {"asc", [](std::ostream& out, const ElevationGrid& grid,
+                 const ReliefStyle&) { write_ascii_grid(out, grid); }},
+      {"csv", [](std::ostream& out, const ElevationGrid& grid, const ReliefStyle&) {
+         write_points(out, grid);
+       }}};
+  return known;
+}
+
+/// Reads "AZ,ALT".  Throws `UsageError`.
 Sun parse_sun(const std::string& text) {
   const auto [azimuth, altitude] = parse_pair("--sun", text);
   if (!(azimuth >= -360.0 && azimuth <= 360.0) || !(altitude > 0.0 && altitude <= 90.0)) {
-    throw CLI::ValidationError("--sun",
-                               in_quotes(text) +
-                                   " is no place of the sun: its azimuth lies between -360 "
-                                   "and 360 degrees, its altitude above 0 and up to 90");
+    throw UsageError("--sun", in_quotes(text) +
+                                  " is no place of the sun: its azimuth lies between -360 "
+                                  "and 360 degrees, its altitude above 0 and up to 90");
   }
   return {azimuth, altitude};
 }
 
 void run(const Options& options) {
-  const std::string format = choose_format(options);
+  const Write write = formats().choose(options.output, options.format);
   const ElevationGrid grid = read_grid(options.input);
   OutputFile output(options.output);
-  if (format == "asc") {
-    write_ascii_grid(output.stream(), grid);
-  } else if (format == "csv") {
-    write_points(output.stream(), grid);
-  } else {
-    // Without a choice the picture has both.
-    const bool both = options.shade == options.tint;
-    draw_relief(output.stream(), *map::format_named(format), grid,
-                {both || options.shade, both || options.tint, options.sun});
-  }
+  // Without a choice a picture has both.
+  const bool both = options.shade == options.tint;
+  write(output.stream(), grid, {both || options.shade, both || options.tint, options.sun});
   output.commit();
 }
 
@@ -102,14 +102,7 @@ void add_dem_command(CLI::App& app, int& exit_code) {
                   "What to write: .png, .svg, .pdf, .asc or .csv; - for standard output")
       ->required()
       ->type_name("OUT");
-  command
-      .add_option("--format", options->format, "png, svg, pdf, asc or csv, whatever the name says")
-      ->type_name("FORMAT")
-      ->check([](const std::string& name) {
-        return name == "asc" || name == "csv" || map::format_named(name)
-                   ? std::string()
-                   : in_quotes(name) + " is none of png, svg, pdf, asc, csv";
-      });
+  formats().add_option(command, options->format);
   command.add_flag("--shade", options->shade, "The relief alone, in grey");
   command.add_flag("--tint", options->tint, "The colours of height alone");
   command

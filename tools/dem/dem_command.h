@@ -1,3 +1,5 @@
+// kzgis dem: elevation models to pictures, grids and points.
+
 #ifndef KZGIS_TOOLS_DEM_DEM_COMMAND_H
 #define KZGIS_TOOLS_DEM_DEM_COMMAND_H
 

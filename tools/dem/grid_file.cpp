@@ -1,3 +1,6 @@
+// Reading elevation models, those that gzip compressed too, without trusting what the compressed
+// bytes swell to.
+
 #include "tools/dem/grid_file.h"
 
 #ifdef KZGIS_HAS_ZLIB
@@ -18,7 +21,7 @@ ElevationGrid read_grid(const std::string& file) {
   const std::string why = why_not_readable(path);
   if (!why.empty()) throw CommandError(why);
   ElevationGrid grid = path.ends_with(".gz") ? read_dem(read_gzip(path), file) : read_dem(path);
-  if (grid.error) throw CommandError(grid.error.message);
+  if (grid.error) fail(grid.error);
   return grid;
 }
 

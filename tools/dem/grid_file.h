@@ -1,3 +1,5 @@
+// Elevation models as people keep them: plain or compressed by gzip.
+
 #ifndef KZGIS_TOOLS_DEM_GRID_FILE_H
 #define KZGIS_TOOLS_DEM_GRID_FILE_H
 

@@ -1,3 +1,6 @@
+// Writing elevations row by row, so that no more than a row of text is in memory, and stopping
+// where the output can take no more.
+
 #include "tools/dem/grid_text.h"
 
 #include <array>
@@ -25,6 +28,7 @@ void append_plain(std::string& line, Number value) {
   }
 }
 
+/// One line of the header.
 void append_field(std::string& header, const char* name, double value) {
   header += name;
   header += ' ';

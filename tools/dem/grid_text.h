@@ -1,3 +1,5 @@
+// Elevations as text: ESRI ASCII grids, and lists of points.
+
 #ifndef KZGIS_TOOLS_DEM_GRID_TEXT_H
 #define KZGIS_TOOLS_DEM_GRID_TEXT_H
 

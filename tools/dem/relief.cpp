@@ -1,3 +1,7 @@
+// Light and shade on a grid of elevations: B. K. P. Horn, "Hill shading and the reflectance map",
+// Proceedings of the IEEE 69 (1981), over a surface that E. Catmull and R. Rom's splines (1974)
+// make smooth where the picture is larger than the grid.
+
 #include "tools/dem/relief.h"
 
 #include <algorithm>
@@ -97,6 +101,8 @@ ElevationGrid refine(const ElevationGrid& grid, kz_long times) {
   fine.rows = grid.rows * times;
   fine.step_x = grid.step_x / static_cast<double>(times);
   fine.step_y = grid.step_y / static_cast<double>(times);
+  // The elevations stand for the middles of cells: the rim of both grids is the same, and their
+  // first middles are not.
   fine.west = grid.west - 0.5 * grid.step_x + 0.5 * fine.step_x;
   fine.north = grid.north + 0.5 * grid.step_y - 0.5 * fine.step_y;
   fine.elevations.clear();
@@ -154,6 +160,7 @@ std::vector<float> shade(const ElevationGrid& grid, const Sun& sun) {
   light.reserve(grid.elevations.size());
   for (kz_long row = 0; row < grid.rows; ++row) {
     for (kz_long column = 0; column < grid.columns; ++column) {
+      // Horn's differences: the row or column through the cell counts twice.
       const Window z = window_at(grid, row, column);
       const double rise_east = (z[2] + 2.0 * z[5] + z[8] - z[0] - 2.0 * z[3] - z[6]) * unit_m;
       const double rise_north = (z[0] + 2.0 * z[1] + z[2] - z[6] - 2.0 * z[7] - z[8]) * unit_m;

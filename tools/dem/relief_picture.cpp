@@ -13,15 +13,12 @@
 #include <vector>
 
 #include "tools/dem/tint.h"
-#include "tools/map/style.h"
-#include "tools/support/command_error.h"
+#include "tools/picture/colour.h"
+#include "tools/support/areas.h"
 
 namespace kzgis::tools {
 
 namespace {
-
-using map::Colour;
-using SurfacePtr = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
 
 // The sheet, in pixels: the map has this long side, the rest lies around it.
 constexpr double kMapSide = 1100.0;
@@ -96,6 +93,7 @@ ElevationGrid with_rim(const ElevationGrid& grid) {
   return wider;
 }
 
+/// The parts of the picture, drawn from the back to the front.
 class Sheet {
  public:
   Sheet(const ElevationGrid& grid, const ReliefStyle& style) : grid_(grid), style_(style) {
@@ -124,18 +122,20 @@ class Sheet {
  private:
   double map_left() const { return 0.5 * (width() - map_width_); }
 
-  void set(const Colour& c) { cairo_set_source_rgb(cairo_, c.red, c.green, c.blue); }
+  void set(const Colour& c) { set_colour(cairo_, c); }
 
   void say(double x, double y, double size, const std::string& text, double align) {
     cairo_select_font_face(cairo_, "serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
     cairo_set_font_size(cairo_, size);
     cairo_text_extents_t extents;
     cairo_text_extents(cairo_, text.c_str(), &extents);
-    set(map::colours::text);
+    set(colours::text);
     cairo_move_to(cairo_, x - align * extents.width - extents.x_bearing, y);
     cairo_show_text(cairo_, text.c_str());
   }
 
+  /// The colour of a place by its height and its light; level ground of one height takes the
+  /// middle of the ramp.
   Colour colour_of(float elevation, float light) const {
     const double span = static_cast<double>(grid_.highest) - grid_.lowest;
     const double share = span > 0.0 ? (elevation - grid_.lowest) / span : 0.5;
@@ -148,26 +148,26 @@ class Sheet {
   bool trace_quadrangle() {
     const double cells_right = map_width_ / static_cast<double>(grid_.columns);
     const double cells_down = map_height_ / static_cast<double>(grid_.rows);
-    double twice_area = 0.0;
-    GroundPoint before{};
+    std::array<GroundPoint, 4> cells{};  // the corners, in cells from the north-west
     cairo_new_path(cairo_);
-    for (std::size_t i = 0; i < 5; ++i) {
-      const GroundPoint& corner = grid_.corners.at(i % 4);
-      const GroundPoint cell{(corner.x - grid_.west) / grid_.step_x + 0.5,
-                             (grid_.north - corner.y) / grid_.step_y + 0.5};
-      if (!(std::fabs(cell.x) < 1e6 && std::fabs(cell.y) < 1e6)) return false;
-      if (i > 0) twice_area += before.x * cell.y - before.y * cell.x;
-      before = cell;
-      cairo_line_to(cairo_, map_left() + cell.x * cells_right, kHead + cell.y * cells_down);
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      const GroundPoint& corner = grid_.corners[i];
+      cells[i] = {(corner.x - grid_.west) / grid_.step_x + 0.5,
+                  (grid_.north - corner.y) / grid_.step_y + 0.5};
+      if (!(std::fabs(cells[i].x) < 1e6 && std::fabs(cells[i].y) < 1e6)) return false;
+      cairo_line_to(cairo_, map_left() + cells[i].x * cells_right, kHead + cells[i].y * cells_down);
     }
     cairo_close_path(cairo_);
     const auto filled = static_cast<double>(grid_.elevations.size() - grid_.empty_cells);
     const double rim = static_cast<double>(2 * (grid_.columns + grid_.rows));
-    const double area = 0.5 * std::fabs(twice_area);
+    const double area = 0.5 * std::fabs(twice_ring_area(
+                                  cells.size(), [&](std::size_t i) { return cells[i].x; },
+                                  [&](std::size_t i) { return cells[i].y; }));
     // Corners are points: those of a single row or column enclose nothing to be seen.
     return std::fabs(area - filled) <= rim && area >= 0.5 * filled;
   }
 
+  /// The relief, cut to the quadrangle that the header describes where that can be believed.
   void draw_map() {
     cairo_save(cairo_);
     const bool framed = trace_quadrangle();
@@ -178,26 +178,21 @@ class Sheet {
     cairo_restore(cairo_);
     if (framed) {
       cairo_append_path(cairo_, quadrangle);
-      set(map::colours::frame);
+      set(colours::frame);
       cairo_set_line_width(cairo_, 1.0);
       cairo_stroke(cairo_);
     }
     cairo_path_destroy(quadrangle);
   }
 
+  /// One cell becomes a square of pixels; the grid is refined so that these are about a pixel
+  /// each, and Cairo scales only the rest.
   void draw_cells(const ElevationGrid& coarse) {
     const double pixels = map_width_ / static_cast<double>(grid_.columns);
     const ElevationGrid cells =
         refine(coarse, std::max(1, static_cast<kz_long>(std::lround(pixels))));
-    const SurfacePtr image(
-        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(cells.columns),
-                                   static_cast<int>(cells.rows)),
-        cairo_surface_destroy);
-    // Cairo's images end at 32,767 pixels a side.
-    if (cairo_surface_status(image.get()) != CAIRO_STATUS_SUCCESS) {
-      throw CommandError(std::string("the picture could not be made: ") +
-                         cairo_status_to_string(cairo_surface_status(image.get())));
-    }
+    const CairoSurface image =
+        make_image(static_cast<int>(cells.columns), static_cast<int>(cells.rows));
     paint_cells(image.get(), cells);
     cairo_translate(cairo_, map_left(), kHead);
     cairo_scale(cairo_, map_width_ / static_cast<double>(cells.columns),
@@ -207,6 +202,7 @@ class Sheet {
     cairo_paint(cairo_);
   }
 
+  /// Cairo keeps a pixel as 0xAARRGGBB in the byte order of the host.
   void paint_cells(cairo_surface_t* image, const ElevationGrid& cells) const {
     const std::vector<float> light = shade(cells, style_.sun);
     cairo_surface_flush(image);
@@ -239,6 +235,7 @@ class Sheet {
     say(middle, 72.0, 15.0, line, 0.5);
   }
 
+  /// The ramp with a tick at every round height.
   void draw_colour_scale() {
     const double left = kMargin + 4.0;
     const double top = height() - kFoot + 30.0;
@@ -249,7 +246,7 @@ class Sheet {
       cairo_rectangle(cairo_, left + x, top, std::min(1.0, length - x), kThick);
       cairo_fill(cairo_);
     }
-    set(map::colours::frame);
+    set(colours::frame);
     cairo_set_line_width(cairo_, 0.8);
     cairo_rectangle(cairo_, left, top, length, kThick);
     cairo_stroke(cairo_);
@@ -262,19 +259,20 @@ class Sheet {
       const double x = left + (z - grid_.lowest) / span * length;
       cairo_move_to(cairo_, x, top + kThick);
       cairo_line_to(cairo_, x, top + kThick + 5.0);
-      set(map::colours::frame);
+      set(colours::frame);
       cairo_stroke(cairo_);
       say(x, top + kThick + 21.0, 14.0, text_of("%.6g", z + 0.0), 0.5);
     }
     say(left + length + 10.0, top + 13.0, 14.0, unit_name(grid_.elevation_unit), 0.0);
   }
 
+  /// A round length of about a quarter of the sheet.
   void draw_distance_scale() {
     const double length_m = round_step(0.25 * width() * metres_per_pixel_);
     const double length = length_m / metres_per_pixel_;
     const double right = width() - kMargin - 4.0;
     const double y = height() - kFoot + 46.0;
-    set(map::colours::frame);
+    set(colours::frame);
     cairo_set_line_width(cairo_, 1.4);
     cairo_move_to(cairo_, right - length, y - 7.0);
     cairo_line_to(cairo_, right - length, y);
@@ -301,11 +299,11 @@ std::string range_text(const ElevationGrid& grid) {
   return text_of("%.6g to %.6g ", grid.lowest, grid.highest) + unit_name(grid.elevation_unit);
 }
 
-void draw_relief(std::ostream& out, map::Format format, const ElevationGrid& grid,
+void draw_relief(std::ostream& out, PictureFormat format, const ElevationGrid& grid,
                  const ReliefStyle& style) {
   Sheet sheet(grid, style);
-  map::render(out, format, sheet.width(), sheet.height(),
-              [&sheet](cairo_t* cairo) { sheet.draw(cairo); });
+  render(out, format, sheet.width(), sheet.height(),
+         [&sheet](cairo_t* cairo) { sheet.draw(cairo); });
 }
 
 }  // namespace kzgis::tools

@@ -1,3 +1,5 @@
+// The picture of an elevation model.
+
 #ifndef KZGIS_TOOLS_DEM_RELIEF_PICTURE_H
 #define KZGIS_TOOLS_DEM_RELIEF_PICTURE_H
 
@@ -7,7 +9,7 @@
 #include <string>
 
 #include "tools/dem/relief.h"
-#include "tools/map/render.h"
+#include "tools/picture/render.h"
 
 namespace kzgis::tools {
 
@@ -23,7 +25,7 @@ std::string range_text(const ElevationGrid& grid);
 
 /// Draws a grid with its name, a scale of colours in the unit of the elevations, and a
 /// scale of distance where the ground has a unit.
-void draw_relief(std::ostream& out, map::Format format, const ElevationGrid& grid,
+void draw_relief(std::ostream& out, PictureFormat format, const ElevationGrid& grid,
                  const ReliefStyle& style);
 
 }  // namespace kzgis::tools

@@ -1,3 +1,5 @@
+// A ramp of six colours for heights, and how light changes a colour.
+
 #include "tools/dem/tint.h"
 
 #include <algorithm>
@@ -9,8 +11,7 @@ namespace kzgis::tools {
 
 namespace {
 
-using map::Colour;
-
+// From valley to summit; the eye takes the greens for low and the white for snow.
 constexpr std::array kRamp = {Colour{0.545, 0.690, 0.541}, Colour{0.765, 0.820, 0.608},
                               Colour{0.929, 0.886, 0.682}, Colour{0.871, 0.737, 0.537},
                               Colour{0.741, 0.596, 0.482}, Colour{0.953, 0.945, 0.937}};

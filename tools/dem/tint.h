@@ -3,20 +3,20 @@
 #ifndef KZGIS_TOOLS_DEM_TINT_H
 #define KZGIS_TOOLS_DEM_TINT_H
 
-#include "tools/map/style.h"
+#include "tools/picture/colour.h"
 
 namespace kzgis::tools {
 
 /// The colour of a height: from valley green by straw and brown to the white of summits.
 ///
 /// @param share  of the way from the lowest to the highest place, from 0 to 1
-map::Colour tint(double share);
+Colour tint(double share);
 
 /// A colour in the light.
 ///
 /// @param brightness  as `shade` gives it; level ground under the usual sun keeps nearly
 ///                    its own colour
-map::Colour lit(const map::Colour& colour, double brightness);
+Colour lit(const Colour& colour, double brightness);
 
 }  // namespace kzgis::tools
 

@@ -2,24 +2,28 @@
 
 #include "tools/info/bank_info.h"
 
+#include <kzgis/databank.h>
 #include <kzgis/worldmap.h>
 
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
+#include <string>
+#include <system_error>
+#include <vector>
 
-#include "tools/databank/bank_check.h"
-#include "tools/databank/load.h"
-#include "tools/databank/names.h"
+#include "tools/support/bank_names.h"
+#include "tools/support/command_error.h"
+#include "tools/support/input_file.h"
 #include "tools/support/output_file.h"
+#include "tools/support/progress.h"
 #include "tools/support/report.h"
 
 namespace kzgis::tools {
 
 namespace {
-
-using databank::BankSummary;
 
 double degrees(std::int32_t arc_seconds) { return arc_seconds / 3600.0; }
 
@@ -31,93 +35,135 @@ std::string text_of(const char* format, Values... values) {
 }
 
 /// "south to north, west to east", longitudes from 0 to 360 as the file has them.
-std::string extent_text(const databank::Extent& extent) {
+std::string extent_text(const Extent& extent) {
   return text_of("latitude %.4f to %.4f, longitude %.4f to %.4f", degrees(extent.south),
                  degrees(extent.north), degrees(extent.west), degrees(extent.east));
 }
 
-void print_segment(const databank::Segment& segment) {
-  std::cout << segment.number << ": level " << segment.level << ", " << segment.points
-            << " points, " << extent_text(segment.extent) << ", at byte " << segment.offset_bytes
-            << '\n';
+void print_segments(const DatabankFile& bank) {
+  for (std::size_t i = 0; i < bank.entries.size(); ++i) {
+    const DatabankFile::Entry& entry = bank.entries[i];
+    std::cout << i + 1 << ": level " << entry.level << ", " << entry.points << " points, "
+              << extent_text(entry.extent) << ", at byte " << entry.offset_bytes << '\n';
+  }
 }
 
-void print_summary(const std::string& file, const BankSummary& bank) {
+/// The file as a whole, then a line for each level that it has.
+void print_summary(const std::string& file, const DatabankFile& bank) {
   std::cout << "Outline file " << file << ": " << bank.file_bytes << " bytes\n"
             << "Header: " << bank.claimed_segments << " segments, dictionary at byte "
             << bank.dictionary_offset_bytes << '\n';
-  if (bank.points > 0) std::cout << "Extent: " << extent_text(bank.extent) << '\n';
+  if (bank.total.points > 0) std::cout << "Extent: " << extent_text(bank.extent) << '\n';
   std::cout << "Level  segments     points\n";
   for (std::size_t level = 0; level < bank.levels.size(); ++level) {
-    const BankSummary::Level& counts = bank.levels[level];
+    const DatabankFile::Count& counts = bank.levels[level];
     if (counts.segments == 0) continue;
     std::cout << text_of("%5zu %9ju %10ju\n", level, std::uintmax_t{counts.segments},
                          std::uintmax_t{counts.points});
   }
-  std::cout << text_of("total %9ju %10ju\n", std::uintmax_t{bank.segments},
-                       std::uintmax_t{bank.points});
+  std::cout << text_of("total %9ju %10ju\n", std::uintmax_t{bank.total.segments},
+                       std::uintmax_t{bank.total.points});
 }
 
-/// Adds up what the files of one theme hold.
-BankSummary sum_of(const std::string& directory, overlaySections theme,
-                   const databank::Complain& complain) {
-  BankSummary sum;
-  for (const std::string& file : databank::files_of(directory, theme)) {
-    const BankSummary bank = databank::check_one_of_bank(file, complain);
-    for (std::size_t level = 0; level < sum.levels.size(); ++level) {
-      sum.levels[level].segments += bank.levels[level].segments;
-      sum.levels[level].points += bank.levels[level].points;
+void complain_of_flaws(const std::string& file, const DatabankFile& bank, Complaints& complaints) {
+  for (const std::string& flaw : bank.flaws) complaints.add(file + ": " + flaw);
+}
+
+/// The files that a bank has of one theme, in the order of the continents.
+std::vector<std::string> files_of(const std::string& directory, Theme theme) {
+  std::vector<std::string> files;
+  for (std::size_t c = 0; c < kContinentCount; ++c) {
+    const auto file =
+        std::filesystem::path(directory) / databank_file_name(static_cast<Continent>(c), theme);
+    // Where it cannot be told whether there is one, reading it will complain.
+    std::error_code error;
+    if (std::filesystem::exists(file, error) || error) files.push_back(file.string());
+  }
+  return files;
+}
+
+/// Prints a line for each level of a theme that its files hold together.
+void print_theme(Theme theme, const std::vector<std::string>& files, Complaints& complaints) {
+  std::array<DatabankFile::Count, kLevelCount> sums{};
+  for (const std::string& file : files) {
+    const auto bank = inspect_databank_file(file);
+    if (!bank) {
+      if (bank.error().kind == ErrorKind::out_of_memory) fail(bank.error());
+      complaints.add(bank.error().message);
+      continue;
+    }
+    complain_of_flaws(file, *bank, complaints);
+    for (std::size_t level = 0; level < sums.size(); ++level) {
+      sums[level].segments += bank->levels[level].segments;
+      sums[level].points += bank->levels[level].points;
     }
   }
-  return sum;
+  for (std::size_t level = 0; level < sums.size(); ++level) {
+    if (sums[level].segments == 0) continue;
+    std::cout << text_of("%-10s %5zu %9ju %10ju\n", theme_name(theme), level,
+                         std::uintmax_t{sums[level].segments}, std::uintmax_t{sums[level].points});
+  }
 }
 
-void print_theme(overlaySections theme, const BankSummary& sum) {
-  for (std::size_t level = 0; level < sum.levels.size(); ++level) {
-    const BankSummary::Level& counts = sum.levels[level];
-    if (counts.segments == 0) continue;
-    std::cout << text_of("%-10s %5zu %9ju %10ju\n", databank::theme_name(theme), level,
-                         std::uintmax_t{counts.segments}, std::uintmax_t{counts.points});
+/// Prints the report of a classic map of the whole globe, for which every level of every theme
+/// was loaded.
+///
+/// The number of polylines does not depend on the precision: the coarse one that a map begins
+/// with spares the memory of points that its report does not count.
+void print_report(const std::string& directory) {
+  WorldMap map(directory.c_str());
+  // 360 degrees would be kept as 0.  A map cuts its box off to whole arc-seconds, so this is
+  // 1295999 to it, the last there is.
+  constexpr double kLastLongitude = 360.0 - 0.5 / 3600.0;
+  *map.fetchLowLeftBoundary() = LatLon(-90.0, 0.0);
+  *map.fetchUpRightBoundary() = LatLon(90.0, kLastLongitude);
+  for (overlaySections theme = Geographic; theme != Plates; increment(theme)) {
+    for (infoLevels level = Level0; level != NumInfoLevels; increment(level)) {
+      map.setPOI(theme, level, 1);
+    }
   }
+  {
+    const LibraryProgress progress("loading " + directory, true);
+    map.readData();
+  }
+  std::cout << map;
 }
 
 }  // namespace
 
 int print_bank_file_info(const std::string& file, bool each_segment) {
-  bool sound = true;
-  const auto complain = [&sound](const std::string& line) {
-    report(line);
-    sound = false;
-  };
-  const BankSummary bank = databank::check_bank(
-      file,
-      [each_segment](const databank::Segment& segment) {
-        if (each_segment) print_segment(segment);
-      },
-      complain);
-  print_summary(file, bank);
+  const std::string path = expanded(file);
+  if (const std::string why = why_not_readable(path); !why.empty()) throw CommandError(why);
+  const auto bank = inspect_databank_file(path);
+  if (!bank) fail(bank.error());
+  Complaints complaints;
+  complain_of_flaws(file, *bank, complaints);
+  if (each_segment) print_segments(*bank);
+  print_summary(file, *bank);
   OutputFile("-").commit();
-  return sound ? 0 : 1;
+  return complaints.exit_code();
 }
 
 int print_bank_info(const std::string& directory) {
-  databank::check_is_bank(directory);
-  bool sound = true;
-  const auto complain = [&sound](const std::string& line) {
-    report(line);
-    sound = false;
-  };
-  // The number of polylines does not depend on the precision: the coarse one that a map
-  // begins with spares the memory of points that its report does not count.
-  WorldMap map(directory.c_str());
-  databank::request_everything(map);
-  map.readData();
-  std::cout << map << "Theme      level polylines     points\n";
-  for (overlaySections theme = Geographic; theme != Plates; increment(theme)) {
-    print_theme(theme, sum_of(directory, theme, complain));
+  std::array<std::vector<std::string>, kThemeCount> files;
+  bool any = false;
+  for (std::size_t t = 0; t < kThemeCount; ++t) {
+    files[t] = files_of(directory, static_cast<Theme>(t));
+    any = any || !files[t].empty();
+  }
+  if (!any) {
+    // The library says what such a directory lacks.
+    const auto bank = read_databank(directory);
+    if (!bank) fail(bank.error());
+  }
+  print_report(directory);
+  std::cout << "Theme      level polylines     points\n";
+  Complaints complaints;
+  for (std::size_t t = 0; t < kThemeCount; ++t) {
+    print_theme(static_cast<Theme>(t), files[t], complaints);
   }
   OutputFile("-").commit();
-  return sound ? 0 : 1;
+  return complaints.exit_code();
 }
 
 }  // namespace kzgis::tools

@@ -1,3 +1,5 @@
+// kzgis info on outline files and data banks.
+
 #ifndef KZGIS_TOOLS_INFO_BANK_INFO_H
 #define KZGIS_TOOLS_INFO_BANK_INFO_H
 

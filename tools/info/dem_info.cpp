@@ -1,3 +1,6 @@
+// kzgis info on an elevation model: the report of the classic reader, and what the elevations
+// are in truth.
+
 #include "tools/info/dem_info.h"
 
 #include <kzgis/dem.h>
@@ -49,6 +52,7 @@ class UncompressedCopy {
   std::string path_;
 };
 
+/// One line: the grid, its ground, and the range of what is in it.
 std::string summary(const ElevationGrid& grid) {
   const char* const ground = grid.ground_unit == GroundUnit::degrees  ? " degrees"
                              : grid.ground_unit == GroundUnit::feet   ? " feet"

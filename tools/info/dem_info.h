@@ -1,3 +1,5 @@
+// kzgis info on an elevation model.
+
 #ifndef KZGIS_TOOLS_INFO_DEM_INFO_H
 #define KZGIS_TOOLS_INFO_DEM_INFO_H
 

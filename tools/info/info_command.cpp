@@ -1,3 +1,5 @@
+// kzgis info: which kind of file this is, by its ending, or the directory of a data bank.
+
 #include "tools/info/info_command.h"
 
 #include <filesystem>
@@ -25,6 +27,7 @@ bool is_dem(const std::string& file) {
   return false;
 }
 
+/// Whatever has no ending of its own is taken for a shapefile, whose name may come without one.
 int run(const Options& options) {
   if (options.file.ends_with(".cbd")) return print_bank_file_info(options.file, options.records);
   if (is_dem(options.file)) return print_dem_info(options.file);

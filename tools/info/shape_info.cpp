@@ -24,8 +24,9 @@ struct Totals {
   kz_long failures = 0;
 };
 
+/// "3: polygon, 2 parts, 10 points, x 0 to 4, y 0 to 4"
 void print_record(kz_long n, kz_long type, const ShapeRecord& record) {
-  std::cout << n << ": " << shape_type_name(type);
+  std::cout << n << ": " << type_text(type);
   if (type == shape_type::point) {
     std::cout << " at " << record.x[0] << ' ' << record.y[0] << '\n';
     return;

@@ -1,3 +1,5 @@
+// kzgis info on a shapefile.
+
 #ifndef KZGIS_TOOLS_INFO_SHAPE_INFO_H
 #define KZGIS_TOOLS_INFO_SHAPE_INFO_H
 

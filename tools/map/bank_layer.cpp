@@ -2,33 +2,52 @@
 
 #include "tools/map/bank_layer.h"
 
+#include <cstddef>
 #include <optional>
-#include <stdexcept>
 
-#include "tools/databank/load.h"
-#include "tools/databank/names.h"
-#include "tools/support/report.h"
+#include "tools/support/bank_names.h"
+#include "tools/support/command_error.h"
+#include "tools/support/progress.h"
 
 namespace kzgis::map {
+namespace {
+
+/// The points of a segment in degrees, without those nearer than the precision to the last one
+/// kept.  The first and the last stay.
+GeoLine thinned(const Segment& segment, std::int64_t precision_arcsec) {
+  GeoLine line;
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < segment.lat.size(); ++i) {
+    const std::int64_t dlat = segment.lat[i] - segment.lat[kept];
+    const std::int64_t dlon = segment.lon[i] - segment.lon[kept];
+    const bool is_near = dlat * dlat + dlon * dlon < precision_arcsec * precision_arcsec;
+    if (i > 0 && is_near && i + 1 < segment.lat.size()) continue;
+    line.push_back({segment.lon[i] / 3600.0, segment.lat[i] / 3600.0});
+    kept = i;
+  }
+  return line;
+}
+
+}  // namespace
 
 BankTheme parse_bank_theme(const std::string& text) {
   const std::size_t colon = text.find(':');
-  const std::optional<overlaySections> theme = databank::theme_named(text.substr(0, colon));
+  const std::optional<Theme> theme = tools::theme_named(text.substr(0, colon));
   if (!theme) {
-    throw std::invalid_argument(tools::in_quotes(text.substr(0, colon)) +
-                                " is no theme; there are " + databank::theme_names());
+    throw tools::UsageError("--theme", tools::in_quotes(text.substr(0, colon)) +
+                                           " is no theme; there are " + tools::theme_names());
   }
   BankTheme result;
   result.theme = *theme;
   if (colon == std::string::npos) return result;
   const std::string levels = text.substr(colon + 1);
   const std::size_t dash = levels.find('-');
-  const std::optional<int> first = databank::level_named(levels.substr(0, dash));
+  const std::optional<int> first = tools::level_named(levels.substr(0, dash));
   const std::optional<int> last =
-      dash == std::string::npos ? first : databank::level_named(levels.substr(dash + 1));
+      dash == std::string::npos ? first : tools::level_named(levels.substr(dash + 1));
   if (!first || !last || *first > *last) {
-    throw std::invalid_argument(tools::in_quotes(levels) +
-                                " are no levels; they look like 1 or 1-3, from 0 to 15");
+    throw tools::UsageError("--theme", tools::in_quotes(levels) +
+                                           " are no levels; they look like 1 or 1-3, from 0 to 15");
   }
   result.first_level = *first;
   result.last_level = *last;
@@ -36,16 +55,17 @@ BankTheme parse_bank_theme(const std::string& text) {
 }
 
 std::vector<BankTheme> all_bank_themes() {
-  return {BankTheme{Political}, BankTheme{Geographic}, BankTheme{River}, BankTheme{Coastal}};
+  return {BankTheme{Theme::provinces}, BankTheme{Theme::boundaries}, BankTheme{Theme::rivers},
+          BankTheme{Theme::coasts}};
 }
 
-Role bank_role(overlaySections theme) {
+Role bank_role(Theme theme) {
   switch (theme) {
-    case Geographic:
+    case Theme::boundaries:
       return Role::border;
-    case Political:
+    case Theme::provinces:
       return Role::province;
-    case River:
+    case Theme::rivers:
       return Role::river;
     default:
       return Role::coast;
@@ -53,24 +73,22 @@ Role bank_role(overlaySections theme) {
 }
 
 Layer read_bank_layer(const std::string& directory, const BankTheme& theme,
-                      kz_long precision_arcsec) {
-  WorldMap map(directory.c_str());
-  map.setPrecision(precision_arcsec);
+                      std::int32_t precision_arcsec, const tools::Complain& complain) {
+  // No box: a long side may cross the map's window and have no point inside.  What lies outside
+  // is cut off when it is drawn.
+  DatabankQuery query;
+  query.themes.push_back(theme.theme);
   for (int level = theme.first_level; level <= theme.last_level; ++level) {
-    map.setPOI(theme.theme, static_cast<infoLevels>(level), 1);
+    query.levels.push_back(level);
   }
-  // A map's own box keeps the first run of each segment inside it: a coast that leaves the
-  // box and comes back would have a gap.  So everything is loaded, and cut when drawn.
-  databank::request_globe(map);
-  map.readData();
+  const tools::LibraryProgress progress("loading " + directory);
+  const Result<Databank> bank = read_databank(directory, query);
+  if (!bank) tools::fail(bank.error());
+  for (const DamagedFile& file : bank->damaged) complain(file.error.message);
   Layer layer;
   layer.kind = LayerKind::lines;
-  for (UtVector<LatLon*>* const polyline : map.fetchPolygonCollection(theme.theme)) {
-    GeoLine line;
-    line.reserve(polyline->size());
-    for (const LatLon* const point : *polyline)
-      line.push_back({point->fetchLon(), point->fetchLat()});
-    layer.records.push_back({std::move(line)});
+  for (const Segment& segment : bank->segments) {
+    layer.records.push_back({thinned(segment, precision_arcsec)});
   }
   return layer;
 }

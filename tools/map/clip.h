@@ -1,3 +1,5 @@
+// What of a shape lies inside the window of a map.
+
 #ifndef KZGIS_TOOLS_MAP_CLIP_H
 #define KZGIS_TOOLS_MAP_CLIP_H
 

@@ -6,13 +6,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <sstream>
 #include <utility>
 #include <vector>
 
 #include "kzgis/shape.h"
 #include "kzgis/types.h"
 #include "tools/support/command_error.h"
+#include "tools/support/degrees.h"
 #include "tools/support/progress.h"
 #include "tools/support/shape_records.h"
 
@@ -30,6 +30,7 @@ GeoLine join(std::span<const double> x, std::span<const double> y) {
   return line;
 }
 
+/// The rings or lines of a record; points come as one part.
 Parts parts_of(const ShapeRecord& record, LayerKind kind) {
   if (kind == LayerKind::points) return Parts{join(record.x, record.y)};
   const auto x = ShapeRecords::split(record, record.x);
@@ -46,16 +47,14 @@ std::size_t count_points(const Parts& parts) {
   return points;
 }
 
-// Some files run from 0 to 360, and some once more round; a projected one gives itself away.
+/// Throws `CommandError` at the first place that is none.
 void check_degrees(const std::string& file, kz_long number, const Parts& parts) {
   for (const GeoLine& part : parts) {
     for (const Geo& p : part) {
       if (!std::isfinite(p.lon) || !std::isfinite(p.lat)) continue;  // left out when drawing
-      if (std::fabs(p.lon) <= 720.0 && std::fabs(p.lat) <= 90.5) continue;
-      std::ostringstream text;
-      text << file << ": record " << number << ": coordinates are not degrees: " << p.lon << ", "
-           << p.lat;
-      throw CommandError(text.str());
+      if (tools::are_degrees(p.lon, p.lat)) continue;
+      throw CommandError(file + ": record " + std::to_string(number) + ": " +
+                         tools::not_degrees(p.lon, p.lat));
     }
   }
 }

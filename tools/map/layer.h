@@ -1,3 +1,5 @@
+// What a map is drawn from: the records of one shapefile, or of one theme of a data bank.
+
 #ifndef KZGIS_TOOLS_MAP_LAYER_H
 #define KZGIS_TOOLS_MAP_LAYER_H
 

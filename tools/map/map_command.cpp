@@ -7,25 +7,23 @@
 #include <memory>
 #include <optional>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "tools/databank/bank_check.h"
-#include "tools/databank/load.h"
 #include "tools/map/bank_layer.h"
 #include "tools/map/layer.h"
 #include "tools/map/painter.h"
 #include "tools/map/plane.h"
-#include "tools/map/render.h"
 #include "tools/map/style.h"
 #include "tools/map/triangle_sides.h"
+#include "tools/picture/render.h"
 #include "tools/support/command_error.h"
 #include "tools/support/input_file.h"
 #include "tools/support/number_text.h"
 #include "tools/support/output_file.h"
+#include "tools/support/output_format.h"
 #include "tools/support/progress.h"
 #include "tools/support/projection_options.h"
 #include "tools/support/report.h"
@@ -93,21 +91,18 @@ of the bank, that is damaged is reported; the picture shows what can be read; th
 code is 1.
 )";
 
-Format choose_format(const MapOptions& options) {
-  if (!options.format.empty()) return *format_named(options.format);
-  if (options.output == "-") {
-    throw CLI::ValidationError("--output", "standard output needs --format png, svg or pdf");
-  }
-  if (const auto format = format_named(tools::ending_of(options.output))) return *format;
-  throw CLI::ValidationError(
-      "--output",
-      "'" + options.output + "' does not end in .png, .svg or .pdf, and no --format says which");
+const tools::OutputFormats<tools::PictureFormat>& formats() {
+  static const tools::OutputFormats<tools::PictureFormat> known{{"png", tools::PictureFormat::png},
+                                                                {"svg", tools::PictureFormat::svg},
+                                                                {"pdf", tools::PictureFormat::pdf}};
+  return known;
 }
 
 // A Cairo image is at most 32,767 pixels wide; four bytes a pixel set the other limit.
 constexpr int kLongestSide = 20000;
 constexpr double kMostPixels = 2e8;
 
+/// A side of the picture in pixels; nothing when it is none.
 std::optional<int> parse_side(std::string_view text) {
   int side = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), side);
@@ -128,6 +123,7 @@ std::string check_size(const std::string& text) {
          "' is no size; one looks like 1600x900, each side 16 to 20000, 200 million pixels at most";
 }
 
+/// Reads "S,W,N,E".  Throws `UsageError`.
 Window parse_box(const std::string& text) {
   std::vector<double> sides;
   std::istringstream fields(text);
@@ -139,34 +135,27 @@ Window parse_box(const std::string& text) {
   const bool complete = sides.size() == 4 && fields.eof();
   if (!complete || std::abs(sides[1]) > 720.0 || std::abs(sides[3]) > 720.0 ||
       !(-90.0 <= sides[0] && sides[0] < sides[2] && sides[2] <= 90.0)) {
-    throw CLI::ValidationError(
+    throw tools::UsageError(
         "--box", "'" + text + "' is no box; one looks like 34,-12,71,42: south, west, north, east");
   }
   return {sides[1], sides[3], sides[0], sides[2]};
 }
 
-BankTheme parse_theme_option(const std::string& text) {
-  try {
-    return parse_bank_theme(text);
-  } catch (const std::invalid_argument& refused) {
-    throw CLI::ValidationError("--theme", refused.what());
-  }
-}
-
+/// Reads "land,water".  Throws `UsageError`.
 std::vector<Role> parse_styles(const std::string& text) {
   std::vector<Role> styles;
   std::istringstream names(text);
   for (std::string name; std::getline(names, name, ',');) {
     const std::optional<Role> role = role_named(name);
     if (!role) {
-      throw CLI::ValidationError("--style",
-                                 "'" + name + "' is no style; there are " + role_names());
+      throw tools::UsageError("--style", "'" + name + "' is no style; there are " + role_names());
     }
     styles.push_back(*role);
   }
   return styles;
 }
 
+/// The size asked for, which `check_size` let pass, or the usual one.
 void set_size(Sheet& sheet, Plane& plane, const std::string& size) {
   if (size.empty()) {
     set_usual_size(sheet, plane);
@@ -203,30 +192,24 @@ void add_mesh(const std::string& file, StyledLayer& styled, const tools::Complai
   }
 }
 
-/// Damaged files are complained of, and drawn as far as they can be read.
+/// The lines of a data bank, above whatever files give.
 void add_bank_layers(const MapOptions& options, std::vector<StyledLayer>& layers,
                      const tools::Complain& complain) {
   const std::string directory = tools::expanded(options.bank);
-  databank::check_is_bank(directory);
   for (const BankTheme& theme :
        options.bank_themes.empty() ? all_bank_themes() : options.bank_themes) {
-    for (const std::string& file : databank::files_of(directory, theme.theme)) {
-      databank::check_one_of_bank(file, complain);
-    }
-    layers.push_back(
-        {read_bank_layer(directory, theme, options.precision_arcsec), bank_role(theme.theme)});
+    layers.push_back({read_bank_layer(directory, theme, options.precision_arcsec, complain),
+                      bank_role(theme.theme)});
   }
 }
 
-std::vector<StyledLayer> read_layers(const MapOptions& options, int& exit_code) {
+/// Reads every layer, the lowest first, before any of the picture is drawn: bad input leaves no
+/// file.
+std::vector<StyledLayer> read_layers(const MapOptions& options, const tools::Complain& complain) {
   if (options.styles.size() > options.files.size()) {
-    throw CLI::ValidationError("--style", std::to_string(options.styles.size()) + " styles for " +
-                                              std::to_string(options.files.size()) + " files");
+    throw tools::UsageError("--style", std::to_string(options.styles.size()) + " styles for " +
+                                           std::to_string(options.files.size()) + " files");
   }
-  const auto complain = [&exit_code](const std::string& line) {
-    tools::report(line);
-    exit_code = 1;
-  };
   std::vector<StyledLayer> layers;
   for (std::size_t i = 0; i < options.files.size(); ++i) {
     Layer layer = read_layer(options.files[i], complain);
@@ -246,32 +229,27 @@ std::vector<StyledLayer> read_layers(const MapOptions& options, int& exit_code) 
   return layers;
 }
 
-Plane make_plane(const MapOptions& options) {
-  try {
-    return Plane({options.projection.type(), options.projection.base, options.projection.parallels,
-                  options.horizon_deg, options.box});
-  } catch (const std::invalid_argument& refused) {
-    throw CLI::ValidationError(refused.what());
-  }
-}
-
-void run(const MapOptions& options, int& exit_code) {
+/// Returns the exit code: 0 when everything could be read.
+int run(const MapOptions& options) {
   if (options.files.empty() && options.bank.empty()) {
-    throw CLI::ValidationError("FILE", "a shapefile to draw is missing, or --bank");
+    throw tools::UsageError("FILE", "a shapefile to draw is missing, or --bank");
   }
-  const Format format = choose_format(options);
-  Plane plane = make_plane(options);
+  const tools::PictureFormat format = formats().choose(options.output, options.format);
+  Plane plane({options.projection.type(), options.projection.base, options.projection.parallels,
+               options.horizon_deg, options.box});
   Sheet sheet;
   sheet.graticule_deg = options.graticule_deg;
   sheet.title = options.title;
   set_size(sheet, plane, options.size);
-  const std::vector<StyledLayer> layers = read_layers(options, exit_code);
+  tools::Complaints complaints;
+  const std::vector<StyledLayer> layers = read_layers(options, complaints.receiver());
 
   const Page page = lay_out(plane, sheet);
   tools::OutputFile output(options.output);
-  render(output.stream(), format, sheet.width, sheet.height,
-         [&](cairo_t* cairo) { paint(cairo, page, sheet, layers); });
+  tools::render(output.stream(), format, sheet.width, sheet.height,
+                [&](cairo_t* cairo) { paint(cairo, page, sheet, layers); });
   output.commit();
+  return complaints.exit_code();
 }
 
 }  // namespace
@@ -333,7 +311,7 @@ void add_map_command(CLI::App& app, int& exit_code) {
           "--theme",
           [options](const std::vector<std::string>& texts) {
             for (const std::string& text : texts) {
-              options->bank_themes.push_back(map::parse_theme_option(text));
+              options->bank_themes.push_back(map::parse_bank_theme(text));
             }
           },
           "These outlines of the bank, all levels or some: coastal, river:1, coastal:1-3; "
@@ -348,15 +326,11 @@ void add_map_command(CLI::App& app, int& exit_code) {
       ->needs(bank)
       ->type_name("ARCSEC")
       ->capture_default_str();
-  command->add_option("--format", options->format, "png, svg or pdf, whatever the name says")
-      ->type_name("FORMAT")
-      ->check([](const std::string& name) {
-        return map::format_named(name) ? std::string() : "'" + name + "' is none of png, svg, pdf";
-      });
+  map::formats().add_option(*command, options->format);
   command->add_option("--title", options->title, "A line of text above the map")->type_name("TEXT");
   command->add_flag("--mesh", options->mesh, "Draw the triangles that polygons are made of");
   command->footer(map::kExamples);
-  command->callback([options, &exit_code] { map::run(*options, exit_code); });
+  command->callback([options, &exit_code] { exit_code = map::run(*options); });
 }
 
 }  // namespace kzgis::tools

@@ -1,3 +1,5 @@
+// kzgis map: shapefiles and data banks to a picture.
+
 #ifndef KZGIS_TOOLS_MAP_MAP_COMMAND_H
 #define KZGIS_TOOLS_MAP_MAP_COMMAND_H
 

@@ -9,6 +9,8 @@
 namespace kzgis::map {
 namespace {
 
+/// An edge of a shape's outline.  Neighbours run along it in opposite directions, so its ends
+/// are kept in an order of their own.
 struct Edge {
   Geo a, b;  // in order, whichever way the ring runs
   std::size_t shape;
@@ -25,6 +27,7 @@ bool before(const Edge& x, const Edge& y) {
   return std::tuple_cat(x.ends(), std::tie(x.shape)) < std::tuple_cat(y.ends(), std::tie(y.shape));
 }
 
+/// Every edge of every outline, equal ones side by side, those of the first shape first.
 std::vector<Edge> sorted_edges(const std::vector<Shape>& shapes) {
   std::vector<Edge> edges;
   for (std::size_t s = 0; s < shapes.size(); ++s) {
@@ -88,6 +91,8 @@ Mosaic take_mosaic(std::vector<Shape>& shapes) {
   return mosaic;
 }
 
+// Greedy colouring in the order of the file: it may need more colours than the four that a plane
+// map could do with.  Where neighbours have taken all tints, two neighbours share one.
 std::vector<std::size_t> assign_tints(const Mosaic& mosaic, std::size_t count) {
   const std::size_t none = count;
   std::vector<std::size_t> tint(mosaic.neighbours.size(), none);

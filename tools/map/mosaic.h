@@ -1,3 +1,5 @@
+// Countries as tiles: who borders on whom, and colours that tell neighbours apart.
+
 #ifndef KZGIS_TOOLS_MAP_MOSAIC_H
 #define KZGIS_TOOLS_MAP_MOSAIC_H
 

@@ -1,3 +1,5 @@
+// How large a map is on its plane, and where on the page that lies.
+
 #include "tools/map/page.h"
 
 #include <algorithm>
@@ -6,6 +8,7 @@
 namespace kzgis::map {
 namespace {
 
+/// The rectangle about the points added; without one, an empty one.
 struct Extent {
   double left = std::numeric_limits<double>::infinity();
   double right = -std::numeric_limits<double>::infinity();

@@ -1,3 +1,5 @@
+// From the plane of a projection to the page.
+
 #ifndef KZGIS_TOOLS_MAP_PAGE_H
 #define KZGIS_TOOLS_MAP_PAGE_H
 

@@ -34,6 +34,7 @@ Margins margins_of(const Sheet& sheet) {
 // On a small sheet lines get no thinner than this, lest they fade.
 constexpr double kThinnest_px = 0.55;
 
+/// Draws on one sheet, from the paper up; the order of the calls is the order of the layers.
 class Painter {
  public:
   Painter(cairo_t* cairo, const Page& page, const Sheet& sheet)
@@ -56,6 +57,8 @@ class Painter {
     cairo_paint(cairo_);
   }
 
+  /// Polygons: the seams that only close rings, the areas, borders between neighbours, the mesh,
+  /// and the coasts over everything.
   void fills(const StyledLayer& styled) {
     const std::vector<Parts>& records = styled.layer.records;
     std::vector<Shape> shapes;
@@ -65,13 +68,13 @@ class Painter {
     std::vector<std::size_t> tint;
     if (styled.role == Role::countries) {
       mosaic = take_mosaic(shapes);
-      tint = assign_tints(mosaic, tints().size());
+      tint = assign_tints(mosaic, tools::kTints.size());
     }
 
     tools::Progress progress("drawing", shapes.size());
     for (std::size_t i = 0; i < shapes.size(); ++i) {
       progress.update(i);
-      const Colour colour = styled.role == Role::countries ? tints()[tint[i]]
+      const Colour colour = styled.role == Role::countries ? tools::kTints[tint[i]]
                             : styled.role == Role::water   ? colours::ocean
                                                            : colours::land;
       // What closes rings at the antimeridian is not there to be seen: the fill's colour
@@ -156,6 +159,7 @@ class Painter {
     cairo_set_source_rgba(cairo_, c.red, c.green, c.blue, alpha);
   }
 
+  /// Makes a path the current one.
   void add(const PagePath& path, bool close) {
     cairo_new_path(cairo_);
     for (const std::vector<Pixel>& piece : path) {
@@ -174,6 +178,7 @@ class Painter {
     cairo_stroke(cairo_);
   }
 
+  /// A dot with a rim that sets it off from what lies below.
   void point(const Geo& position) {
     const Geo relative{std::remainder(position.lon - base_lon(), 360.0), position.lat};
     const PagePoint p = page_.place(relative);

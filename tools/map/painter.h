@@ -1,3 +1,5 @@
+// A sheet of paper with a map on it.
+
 #ifndef KZGIS_TOOLS_MAP_PAINTER_H
 #define KZGIS_TOOLS_MAP_PAINTER_H
 

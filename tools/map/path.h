@@ -1,3 +1,5 @@
+// What Cairo is given to fill and to stroke.
+
 #ifndef KZGIS_TOOLS_MAP_PATH_H
 #define KZGIS_TOOLS_MAP_PATH_H
 

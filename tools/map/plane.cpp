@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "tools/support/command_error.h"
+
 namespace kzgis::map {
 namespace {
 
@@ -113,11 +115,11 @@ Plane::Plane(const PlaneRequest& request) : type_(request.type) {
 
 void Plane::set_up_disc(const PlaneRequest& request, double largest_deg) {
   if (request.box) {
-    throw std::invalid_argument("--box: azimuthal maps are round; --base and --horizon set them");
+    throw tools::UsageError("--box: azimuthal maps are round; --base and --horizon set them");
   }
   if (!(limb_deg_ > 0.0 && limb_deg_ <= largest_deg)) {
-    throw std::invalid_argument("--horizon: this projection reaches above 0 and up to " +
-                                number(largest_deg) + " degrees, not " + number(limb_deg_));
+    throw tools::UsageError("--horizon: this projection reaches above 0 and up to " +
+                            number(largest_deg) + " degrees, not " + number(limb_deg_));
   }
   limb_deg_ = std::min(limb_deg_, kFullDisc_deg);
   projection_ = Projection(type_, 1.0, base_lat_, 0.0);
@@ -131,11 +133,11 @@ void Plane::set_up_disc(const PlaneRequest& request, double largest_deg) {
 
 void Plane::set_up_window(const PlaneRequest& request) {
   if (request.horizon_deg) {
-    throw std::invalid_argument("--horizon: only azimuthal maps and the globe have one");
+    throw tools::UsageError("--horizon: only azimuthal maps and the globe have one");
   }
   if (type_ == BonneProj && std::fabs(base_lat_) < 0.1) {
-    throw std::invalid_argument("--base: bonne has no map for a base latitude of " +
-                                number(base_lat_) + "; on the equator it is sanson-flamsteed");
+    throw tools::UsageError("--base: bonne has no map for a base latitude of " + number(base_lat_) +
+                            "; on the equator it is sanson-flamsteed");
   }
   window_ = window_of(type_);
   if (request.box) narrow_window(*request.box);
@@ -164,12 +166,12 @@ void Plane::narrow_window(const Window& box) {
   const double west = wrapped(box.west - base_lon_);
   const double east = west + eastward(box.west, box.east);
   if (east > 180.0) {
-    throw std::invalid_argument("--box: the map is torn opposite to --base, inside the box");
+    throw tools::UsageError("--box: the map is torn opposite to --base, inside the box");
   }
   window_ = {std::max(window_.west, west), std::min(window_.east, east),
              std::max(window_.south, box.south), std::min(window_.north, box.north)};
   if (!(window_.west < window_.east && window_.south < window_.north)) {
-    throw std::invalid_argument("--box: this projection shows nothing of it");
+    throw tools::UsageError("--box: this projection shows nothing of it");
   }
 }
 

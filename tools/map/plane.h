@@ -1,3 +1,5 @@
+// A projection that draws: its limits, and what it makes of a place.
+
 #ifndef KZGIS_TOOLS_MAP_PLANE_H
 #define KZGIS_TOOLS_MAP_PLANE_H
 

@@ -1,3 +1,5 @@
+// The roles of layers under their names, and the pens of those that are lines.
+
 #include "tools/map/style.h"
 
 #include <array>
@@ -57,6 +59,7 @@ bool suits(Role role, LayerKind kind) {
   return kind == LayerKind::polygons || line_role;
 }
 
+// Borders and provinces recede behind coasts and rivers, which carry the map.
 Pen pen_of(Role role) {
   switch (role) {
     case Role::river:
@@ -68,17 +71,6 @@ Pen pen_of(Role role) {
     default:
       return {colours::coast, 0.85};
   }
-}
-
-const std::vector<Colour>& tints() {
-  static const std::vector<Colour> list{{0.953, 0.878, 0.757},   // sand
-                                        {0.863, 0.898, 0.765},   // pale green
-                                        {0.949, 0.831, 0.780},   // rose
-                                        {0.886, 0.855, 0.910},   // lavender
-                                        {0.965, 0.929, 0.757},   // straw
-                                        {0.800, 0.875, 0.824},   // mint
-                                        {0.914, 0.843, 0.796}};  // clay
-  return list;
 }
 
 }  // namespace kzgis::map

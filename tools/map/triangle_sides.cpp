@@ -1,3 +1,5 @@
+// A mesh of each record in degrees, of which the sides between two triangles are drawn.
+
 #include "tools/map/triangle_sides.h"
 
 #include <utility>
@@ -7,6 +9,7 @@
 
 namespace kzgis::map {
 
+// Rings go into one array each for x and y, as the library takes them.
 TriangleSides triangle_sides(const Parts& rings) {
   std::vector<double> x;
   std::vector<double> y;

@@ -1,3 +1,5 @@
+// The triangles that polygons are made of, for drawing.
+
 #ifndef KZGIS_TOOLS_MAP_TRIANGLE_SIDES_H
 #define KZGIS_TOOLS_MAP_TRIANGLE_SIDES_H
 

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "tools/support/areas.h"
+
 namespace kzgis::map {
 namespace {
 
@@ -40,14 +42,10 @@ GeoLine finite_points(const GeoLine& line) {
   return out;
 }
 
-double twice_area(const GeoLine& ring) {
-  double sum = 0.0;
-  for (std::size_t i = 0; i < ring.size(); ++i) {
-    const Geo& a = ring[i];
-    const Geo& b = ring[(i + 1) % ring.size()];
-    sum += a.lon * b.lat - b.lon * a.lat;
-  }
-  return std::fabs(sum);
+double area_of(const GeoLine& ring) {
+  return 0.5 * std::fabs(tools::twice_ring_area(
+                   ring.size(), [&](std::size_t i) { return ring[i].lon; },
+                   [&](std::size_t i) { return ring[i].lat; }));
 }
 
 void add_line(std::vector<GeoLine>& lines, const Geo& a, const Geo& b, bool continues) {
@@ -89,7 +87,7 @@ Ring unwrap_ring(const GeoLine& source) {
     // A band round the whole globe, given by its corners alone: its long edges look like
     // crossings of the antimeridian, and taken so they leave nothing.
     constexpr double kNothing = 1e-9;
-    if (twice_area(ring.points) < kNothing && twice_area(raw) > kNothing) ring.points = raw;
+    if (area_of(ring.points) < kNothing && area_of(raw) > kNothing) ring.points = raw;
     return ring;
   }
 

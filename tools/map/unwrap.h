@@ -1,3 +1,5 @@
+// Shapes in degrees without the antimeridian.
+
 #ifndef KZGIS_TOOLS_MAP_UNWRAP_H
 #define KZGIS_TOOLS_MAP_UNWRAP_H
 

@@ -1,7 +1,10 @@
+// Reading dBASE tables by shapelib, without its own messages.
+
 #include "tools/pack/attributes.h"
 
 #include "tools/support/command_error.h"
 #include "tools/support/input_file.h"
+#include "tools/support/shape_records.h"
 
 namespace kzgis::tools {
 
@@ -10,17 +13,10 @@ namespace {
 /// shapelib's own complaints would stand beside the command's one line.
 void stay_silent(const char* /*message*/) {}
 
-std::string table_of(const std::string& file) {
-  const std::string path = expanded(file);
-  for (const char* const extension : {".shp", ".shx", ".dbf"}) {
-    if (path.ends_with(extension)) return path.substr(0, path.size() - 4) + ".dbf";
-  }
-  return path + ".dbf";
-}
-
 }  // namespace
 
-Attributes::Attributes(const std::string& file) : name_(table_of(file)) {
+Attributes::Attributes(const std::string& file)
+    : name_(without_extension(expanded(file)) + ".dbf") {
   const std::string why = why_not_readable(name_);
   if (!why.empty()) throw CommandError(why);
   SAHooks hooks;

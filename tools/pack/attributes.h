@@ -1,3 +1,5 @@
+// What a dBASE table says of the records of a shapefile.
+
 #ifndef KZGIS_TOOLS_PACK_ATTRIBUTES_H
 #define KZGIS_TOOLS_PACK_ATTRIBUTES_H
 

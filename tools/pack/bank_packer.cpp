@@ -1,15 +1,17 @@
+// kzgis pack, from records to files: labels, whole arc-seconds, segments of a bounded length.
+
 #include "tools/pack/bank_packer.h"
 
+#include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <deque>
 #include <filesystem>
 #include <span>
 #include <sstream>
 #include <vector>
 
-#include "tools/databank/names.h"
 #include "tools/support/command_error.h"
+#include "tools/support/degrees.h"
 #include "tools/support/output_file.h"
 #include "tools/support/progress.h"
 #include "tools/support/shape_records.h"
@@ -18,21 +20,15 @@ namespace kzgis::tools {
 
 namespace {
 
-using databank::ArcPoint;
-using databank::BankWriter;
-
 /// The points of one line or ring; why not, when a coordinate is no place on the globe.
-std::string convert(std::span<const double> x, std::span<const double> y,
-                    std::vector<ArcPoint>& line) {
-  line.clear();
+std::string convert(std::span<const double> x, std::span<const double> y, Segment& line) {
+  line.lat.clear();
+  line.lon.clear();
   for (std::size_t i = 0; i < x.size(); ++i) {
-    constexpr double kWidest = 720.0;  // some files run from 0 to 360, or once more round
-    if (!(std::fabs(x[i]) <= kWidest) || !(std::fabs(y[i]) <= 90.0)) {
-      std::array<char, 80> place{};
-      std::snprintf(place.data(), place.size(), "%.9g, %.9g", x[i], y[i]);
-      return std::string("its coordinates are not degrees: ") + place.data();
-    }
-    line.push_back(databank::to_arc_seconds(y[i], x[i]));
+    if (!are_degrees(x[i], y[i])) return "its " + not_degrees(x[i], y[i]);
+    const ArcPoint point = to_arc_seconds(y[i], x[i]);
+    line.lat.push_back(point.lat);
+    line.lon.push_back(point.lon);
   }
   return {};
 }
@@ -45,10 +41,19 @@ void make_directory(const std::filesystem::path& directory) {
 
 }  // namespace
 
+ArcPoint to_arc_seconds(double lat_deg, double lon_deg) {
+  constexpr double kSeconds = 3600.0;
+  constexpr std::int32_t kTurn_arcsec = 1296000;
+  // The turn is taken off before rounding, which then never leaves 32 bits.
+  const auto lon = static_cast<std::int32_t>(std::lround(std::fmod(lon_deg, 360.0) * kSeconds));
+  return {static_cast<std::int32_t>(std::lround(lat_deg * kSeconds)),
+          (lon + kTurn_arcsec) % kTurn_arcsec};
+}
+
 void BankPacker::add_file(const std::string& file, const LabelSources& sources) {
   ShapeRecords records(file);
   if (records.type() != shape_type::arc && records.type() != shape_type::polygon) {
-    throw CommandError(file + ": its shape type is " + shape_type_name(records.type()) +
+    throw CommandError(file + ": its shape type is " + type_text(records.type()) +
                        "; only lines and polygons have outlines to pack");
   }
   const Labels labels(file, sources, records.count());
@@ -63,26 +68,39 @@ void BankPacker::add_file(const std::string& file, const LabelSources& sources) 
 
 void BankPacker::add_record(const std::string& file, kz_long number, const ShapeRecord& record,
                             const Label& label) {
-  Theme& theme = themes_[static_cast<std::size_t>(label.theme)];
-  BankWriter& writer = theme.continents[static_cast<std::size_t>(label.continent)];
-  theme.packed = true;
   const auto xs = ShapeRecords::split(record, record.x);
   const auto ys = ShapeRecords::split(record, record.y);
   if (!xs || !ys) return;
-  std::vector<ArcPoint> line;
+  const std::string place = file + ": record " + std::to_string(number) + ": ";
+  Segment line{label.continent, label.theme, label.level, {}, {}};
   for (std::size_t part = 0; part < xs->size(); ++part) {
     const std::string why = convert((*xs)[part], (*ys)[part], line);
     if (!why.empty()) {
-      complain_(file + ": record " + std::to_string(number) + ": " + why);
-    } else if (line.size() < 2) {
+      complain_(place + why);
+    } else if (line.lat.size() < 2) {
       ++short_lines_;
-    } else if (!writer.add_line(line, label.level, longest_)) {
-      throw CommandError(file + ": record " + std::to_string(number) +
-                         ": an outline file cannot be longer than 4 GiB");
+    } else {
+      add_line(line, place);
     }
   }
 }
 
+/// Adds a line in pieces of at most `longest_` points; a piece begins with the point that the
+/// one before it ended with.
+void BankPacker::add_line(const Segment& line, const std::string& place) {
+  for (std::size_t first = 0; first + 1 < line.lat.size(); first += longest_ - 1) {
+    const auto piece = [&](const std::vector<std::int32_t>& all) {
+      const auto begin = all.begin() + static_cast<std::ptrdiff_t>(first);
+      const std::size_t count = std::min(longest_, all.size() - first);
+      return std::vector(begin, begin + static_cast<std::ptrdiff_t>(count));
+    };
+    const Error error =
+        writer_.add({line.continent, line.theme, line.level, piece(line.lat), piece(line.lon)});
+    if (error) fail({error.kind, place + error.message});
+  }
+}
+
+// All files are complete, under temporary names, before the first gets its own.
 void BankPacker::write(const std::string& directory, std::ostream& summary) const {
   std::uint64_t files = 0;
   std::uint64_t segments = 0;
@@ -90,24 +108,24 @@ void BankPacker::write(const std::string& directory, std::ostream& summary) cons
   std::uintmax_t bytes = 0;
   std::deque<OutputFile> outputs;
   std::ostringstream lines;
-  for (std::size_t c = 0; c < NumMapSections; ++c) {
-    for (std::size_t t = 0; t < themes_.size(); ++t) {
-      if (!themes_[t].packed) continue;
-      const BankWriter& writer = themes_[t].continents[c];
-      const auto place =
-          std::filesystem::path(databank::continent_directory(static_cast<mapSections>(c))) /
-          databank::theme_file(static_cast<overlaySections>(t));
+  for (std::size_t c = 0; c < kContinentCount; ++c) {
+    for (std::size_t t = 0; t < kThemeCount; ++t) {
+      const auto continent = static_cast<Continent>(c);
+      const auto theme = static_cast<Theme>(t);
+      if (!writer_.has(theme)) continue;
+      const std::string place = databank_file_name(continent, theme);
       const auto path = std::filesystem::path(directory) / place;
       make_directory(path.parent_path());
       OutputFile& output = outputs.emplace_back(path.string(), directory);
-      writer.write(output.stream());
+      writer_.write_file(continent, theme, output.stream());
       output.finish();
-      lines << place.string() << ": " << writer.segments() << " segments, " << writer.points()
-            << " points, " << writer.bytes() << " bytes\n";
+      const DatabankWriter::FileSize size = writer_.size_of(continent, theme);
+      lines << place << ": " << size.segments << " segments, " << size.points << " points, "
+            << size.bytes << " bytes\n";
       ++files;
-      segments += writer.segments();
-      points += writer.points();
-      bytes += writer.bytes();
+      segments += size.segments;
+      points += size.points;
+      bytes += size.bytes;
     }
   }
   OutputFile::commit_together(outputs);

@@ -1,20 +1,29 @@
+// From lines of shapefiles to segments of a data bank.
+
 #ifndef KZGIS_TOOLS_PACK_BANK_PACKER_H
 #define KZGIS_TOOLS_PACK_BANK_PACKER_H
 
-#include <kzgis/worldmap.h>
+#include <kzgis/databank.h>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <ostream>
 #include <string>
 
-#include "tools/databank/bank_writer.h"
 #include "tools/pack/labels.h"
 #include "tools/support/record_walk.h"
 
 namespace kzgis::tools {
+
+/// A place in degrees as the nearest whole arc-second, the longitude in [0, 1296000); longitudes
+/// may run any way round.  The latitude must lie within the poles, and both be finite.
+struct ArcPoint {
+  std::int32_t lat = 0;
+  std::int32_t lon = 0;
+  friend bool operator==(const ArcPoint&, const ArcPoint&) = default;
+};
+ArcPoint to_arc_seconds(double lat_deg, double lon_deg);
 
 /// Collects the lines of shapefiles and writes them as a data bank.
 class BankPacker {
@@ -36,17 +45,13 @@ class BankPacker {
   void write(const std::string& directory, std::ostream& summary) const;
 
  private:
-  struct Theme {
-    bool packed = false;
-    std::array<databank::BankWriter, NumMapSections> continents;
-  };
-
+  void add_line(const Segment& line, const std::string& place);
   void add_record(const std::string& file, kz_long number, const ShapeRecord& record,
                   const Label& label);
 
   std::size_t longest_;
   Complain complain_;
-  std::array<Theme, Plates> themes_;
+  DatabankWriter writer_;
   std::uintmax_t shape_bytes_ = 0;
   std::uint64_t null_records_ = 0;
   std::uint64_t short_lines_ = 0;  ///< of less than two points

@@ -1,19 +1,16 @@
+// Labels from the command line, the name of the file, or the attributes of its records.
+
 #include "tools/pack/labels.h"
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 
-#include "tools/databank/names.h"
+#include "tools/support/bank_names.h"
 #include "tools/support/command_error.h"
 #include "tools/support/report.h"
 
 namespace kzgis::tools {
 
 namespace {
-
-using databank::continent_named;
-using databank::level_named;
-using databank::theme_named;
 
 constexpr const char* kLevels = "0 to 15";
 
@@ -34,15 +31,14 @@ LabelSources completed(const std::string& file, LabelSources sources) {
 Labels::Labels(const std::string& file, const LabelSources& sources, kz_long records)
     : file_(file), records_(records) {
   const LabelSources all = completed(file, sources);
-  theme_ = source<overlaySections>(all.theme, "--theme", theme_named, databank::theme_names());
-  continent_ = source<mapSections>(all.continent, "--continent", continent_named,
-                                   databank::continent_names());
+  theme_ = source<Theme>(all.theme, "--theme", theme_named, theme_names());
+  continent_ = source<Continent>(all.continent, "--continent", continent_named, continent_names());
   level_ = source<int>(all.level, "--level", level_named, kLevels);
 }
 
 Label Labels::of(kz_long record) const {
-  return {value(theme_, record, theme_named, databank::theme_names()),
-          value(continent_, record, continent_named, databank::continent_names()),
+  return {value(theme_, record, theme_named, theme_names()),
+          value(continent_, record, continent_named, continent_names()),
           value(level_, record, level_named, kLevels)};
 }
 
@@ -53,7 +49,7 @@ Labels::Source<Value> Labels::source(const std::string& text, const char* option
   if (!text.starts_with('@')) {
     result.fixed = parse(text);
     if (result.fixed) return result;
-    throw CLI::ValidationError(
+    throw UsageError(
         option, in_quotes(text) + " is neither " + choices + " nor @ and the name of an attribute");
   }
   result.field = text.substr(1);

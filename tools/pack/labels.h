@@ -1,8 +1,10 @@
+// Where each record of a shapefile goes in a data bank.
+
 #ifndef KZGIS_TOOLS_PACK_LABELS_H
 #define KZGIS_TOOLS_PACK_LABELS_H
 
+#include <kzgis/databank.h>
 #include <kzgis/types.h>
-#include <kzgis/worldmap.h>
 
 #include <optional>
 #include <string>
@@ -13,8 +15,8 @@ namespace kzgis::tools {
 
 /// Where a record goes in a data bank.
 struct Label {
-  overlaySections theme = Geographic;
-  mapSections continent = Africa;
+  Theme theme{};
+  Continent continent{};
   int level = 0;
 };
 
@@ -55,8 +57,8 @@ class Labels {
   std::string file_;
   kz_long records_;
   std::optional<Attributes> attributes_;  ///< opened when a label asks for it
-  Source<overlaySections> theme_;
-  Source<mapSections> continent_;
+  Source<Theme> theme_;
+  Source<Continent> continent_;
   Source<int> level_;
 };
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tools/pack/bank_packer.h"
+#include "tools/support/command_error.h"
 #include "tools/support/input_file.h"
 #include "tools/support/output_file.h"
 #include "tools/support/report.h"
@@ -31,35 +32,31 @@ std::string value_for(const std::vector<std::string>& values, std::size_t file, 
   if (values.empty()) return {};
   if (values.size() == 1) return values.front();
   if (values.size() == files) return values[file];
-  throw CLI::ValidationError(option, "is given " + std::to_string(values.size()) + " times for " +
-                                         std::to_string(files) +
-                                         " files; once is for all, or once for each");
+  throw UsageError(option, "is given " + std::to_string(values.size()) + " times for " +
+                               std::to_string(files) + " files; once is for all, or once for each");
 }
 
+/// Returns the exit code: 0 when every record was packed.
 int run(const Options& options) {
   if (options.paths.size() < 2) {
-    throw CLI::ValidationError("FILE... DIR", "the directory to write comes last, after the files");
+    throw UsageError("FILE... DIR", "the directory to write comes last, after the files");
   }
   const std::string& directory = options.paths.back();
   if (directory.empty() || directory.ends_with(".shp")) {
-    throw CLI::ValidationError(
-        "FILE... DIR", in_quotes(directory) + " is no name for a directory of outline files");
+    throw UsageError("FILE... DIR",
+                     in_quotes(directory) + " is no name for a directory of outline files");
   }
-  bool complained = false;
-  const auto packer =
-      std::make_unique<BankPacker>(options.segment_points, [&complained](const std::string& line) {
-        report(line);
-        complained = true;
-      });
+  Complaints complaints;
+  BankPacker packer(options.segment_points, complaints.receiver());
   const std::size_t files = options.paths.size() - 1;
   for (std::size_t i = 0; i < files; ++i) {
-    packer->add_file(options.paths[i], {value_for(options.themes, i, files, "--theme"),
-                                        value_for(options.continents, i, files, "--continent"),
-                                        value_for(options.levels, i, files, "--level")});
+    packer.add_file(options.paths[i], {value_for(options.themes, i, files, "--theme"),
+                                       value_for(options.continents, i, files, "--continent"),
+                                       value_for(options.levels, i, files, "--level")});
   }
-  packer->write(expanded(directory), std::cout);
+  packer.write(expanded(directory), std::cout);
   OutputFile("-").commit();
-  return complained ? 1 : 0;
+  return complaints.exit_code();
 }
 
 constexpr const char* kExamples = R"(

@@ -1,3 +1,5 @@
+// kzgis pack: lines of shapefiles to a data bank.
+
 #ifndef KZGIS_TOOLS_PACK_PACK_COMMAND_H
 #define KZGIS_TOOLS_PACK_PACK_COMMAND_H
 

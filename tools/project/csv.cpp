@@ -1,3 +1,5 @@
+// Records out of libcsv, which calls back for every field and for every end of a record.
+
 #include "tools/project/csv.h"
 
 #include <algorithm>
@@ -30,6 +32,7 @@ bool CsvReader::next(CsvRecord& record) {
   return true;
 }
 
+/// Parses one block of the input; the record that its end cuts goes on growing.
 void CsvReader::read_block() {
   std::array<char, kBlockBytes> block{};
   input_.read(block.data(), block.size());

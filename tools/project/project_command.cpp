@@ -1,3 +1,6 @@
+// kzgis project: each record of a CSV stream with three numbers more behind it.  Records come and
+// go one by one, so that input of any length needs the memory of one block.
+
 #include "tools/project/project_command.h"
 
 #include <kzgis/projection.h>
@@ -162,6 +165,7 @@ class RecordProjector {
   Columns columns_;
 };
 
+/// Reads "A,B" or "A,B,C".  Throws `UsageError`.
 std::vector<std::string> parse_columns(const std::string& text) {
   std::vector<std::string> columns;
   std::istringstream names(text);
@@ -169,14 +173,15 @@ std::vector<std::string> parse_columns(const std::string& text) {
   const auto unusable = [](const std::string& name) { return name.empty() || name == "0"; };
   if (columns.size() < 2 || columns.size() > 3 || text.back() == ',' ||
       std::any_of(columns.begin(), columns.end(), unusable)) {
-    throw CLI::ValidationError("--columns",
-                               in_quotes(text) + " does not name two or three columns");
+    throw UsageError("--columns", in_quotes(text) + " does not name two or three columns");
   }
   return columns;
 }
 
+/// The library answers null, for any point, where a projection has no way back.
 bool has_inverse(projType type) { return Projection(type).FromTo(0.0, 0.0, 0.0) != nullptr; }
 
+/// Throws `CommandError` before any input is read.
 void check_options(const Options& options) {
   check_projection(options.projection);
   if (options.inverse && !has_inverse(options.projection.type())) {
@@ -184,6 +189,7 @@ void check_options(const Options& options) {
   }
 }
 
+/// Appends a result to a line; the third number is a length also where the others are angles.
 void append_result(std::string& line, const Triple& result, bool angles_as_dms) {
   for (std::size_t i = 0; i < 3; ++i) {
     line += ',';

@@ -1,16 +1,32 @@
-// The command's own failures.
+// The command's own failures.  Each ends the subcommand with one line on standard error.
 
 #ifndef KZGIS_TOOLS_SUPPORT_COMMAND_ERROR_H
 #define KZGIS_TOOLS_SUPPORT_COMMAND_ERROR_H
 
+#include <kzgis/result.h>
+
 #include <stdexcept>
+#include <string>
 
 namespace kzgis::tools {
 
-/// Ends a subcommand: its one line goes to standard error, and the exit code is 1.
+/// Something could not be read, written or done: the exit code is 1.
 struct CommandError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
+
+/// The command was not called as it is meant to be: the line says where help is, and the exit
+/// code is 2.
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+  /// "--option: what is wrong with its value"
+  UsageError(const std::string& option, const std::string& what)
+      : std::runtime_error(option + ": " + what) {}
+};
+
+/// Ends the subcommand with the library's own sentence.  Where memory ran out, that is a
+/// `std::bad_alloc`, as anywhere in the command.
+[[noreturn]] void fail(const Error& error);
 
 }  // namespace kzgis::tools
 

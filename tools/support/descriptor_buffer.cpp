@@ -1,3 +1,6 @@
+// A stream buffer over write(2).  The first error stays: later writes may seem to work on a disk
+// that was full for a moment, and the file would be short.
+
 #include "tools/support/descriptor_buffer.h"
 
 #include <unistd.h>
@@ -20,6 +23,7 @@ int DescriptorBuffer::close() {
   return error_;
 }
 
+/// Empties the buffer to make room for one more character.
 DescriptorBuffer::int_type DescriptorBuffer::overflow(int_type c) {
   if (descriptor_ < 0 || sync() != 0) return traits_type::eof();
   if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);

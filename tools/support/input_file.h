@@ -19,9 +19,6 @@ std::string why_not_readable(const std::string& path);
 /// The file's length in bytes; 0 when there is no such file.
 std::uintmax_t size_of(const std::string& path);
 
-/// All bytes of a regular file, its name expanded.  Throws `CommandError`.
-std::string read_whole(const std::string& name);
-
 }  // namespace kzgis::tools
 
 #endif

@@ -1,3 +1,5 @@
+// The sides of all triangles, sorted, so that those of one edge stand together.
+
 #include "tools/support/mesh_edges.h"
 
 #include <algorithm>
@@ -16,6 +18,7 @@ MeshEdges mesh_edges(std::span<const kz_ulong> triangles) {
   std::sort(sides.begin(), sides.end());
   MeshEdges edges;
   for (auto side = sides.begin(); side != sides.end();) {
+    // Of a mesh that tiles, an edge has one triangle or two.
     const auto next = std::find_if(side, sides.end(), [side](const auto& s) { return s != *side; });
     (next - side > 1 ? edges.inner : edges.border).push_back(*side);
     side = next;

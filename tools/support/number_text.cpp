@@ -1,3 +1,5 @@
+// Numbers and angles as people write them, and as the command writes them back.
+
 #include "tools/support/number_text.h"
 
 #include <array>
@@ -58,6 +60,8 @@ std::optional<double> parse_number(std::string_view text) {
   return value;
 }
 
+// Degrees, minutes and seconds, each with its unit behind it or a colon, the last one with a
+// fraction if any; a sign in front or a letter of the compass behind, not both.
 std::optional<double> parse_dms(std::string_view text) {
   text = trim(text);
   bool negative = false;

@@ -1,3 +1,6 @@
+// Output under a temporary name until it is complete.  The hard part is a signal in between: its
+// handler must find every temporary file and may call next to nothing.
+
 #include "tools/support/output_file.h"
 
 #include <fcntl.h>

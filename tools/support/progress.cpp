@@ -1,3 +1,5 @@
+// Drawing the bar, over itself, on the line where the cursor stands.
+
 #include "tools/support/progress.h"
 
 #include <unistd.h>
@@ -45,6 +47,18 @@ void Progress::draw(std::uint64_t done) {
   std::fill_n(bar.begin(), static_cast<int>(share * kBarColumns), '#');
   std::fprintf(stderr, "\r%s [%s] %3d%%\033[K", label_.c_str(), bar.c_str(),
                static_cast<int>(share * 100.0));
+}
+
+LibraryProgress::LibraryProgress(std::string label, bool prints)
+    : bar_(std::move(label), 100, prints),
+      former_(OMstatus_set_handler(&LibraryProgress::show, this)) {}
+
+LibraryProgress::~LibraryProgress() { OMstatus_set_handler(former_, nullptr); }
+
+/// The library's own label names a file, and gives way to what the user asked for.
+void LibraryProgress::show(int percent, const char* /*label*/, void* self) {
+  static_cast<LibraryProgress*>(self)->bar_.update(
+      static_cast<std::uint64_t>(std::max(0, percent)));
 }
 
 }  // namespace kzgis::tools

@@ -3,6 +3,8 @@
 #ifndef KZGIS_TOOLS_SUPPORT_PROGRESS_H
 #define KZGIS_TOOLS_SUPPORT_PROGRESS_H
 
+#include <kzgis/status.h>
+
 #include <chrono>
 #include <cstdint>
 #include <string>
@@ -33,6 +35,22 @@ class Progress {
   std::chrono::steady_clock::time_point next_draw_;
   bool terminal_;
   bool drawn_ = false;
+};
+
+/// A bar that the library feeds while it lives: what the library reports to the handler of
+/// kzgis/status.h, in percent of the work at hand, shows under the label given here.
+class LibraryProgress {
+ public:
+  explicit LibraryProgress(std::string label, bool prints = false);
+  ~LibraryProgress();
+  LibraryProgress(const LibraryProgress&) = delete;
+  LibraryProgress& operator=(const LibraryProgress&) = delete;
+
+ private:
+  static void show(int percent, const char* label, void* self);
+
+  Progress bar_;
+  OMstatus_handler former_;
 };
 
 }  // namespace kzgis::tools

@@ -1,3 +1,6 @@
+// Names of projections, pairs of numbers, and what a projection needs before the library can make
+// one: refused here with a sentence, where the library would give coordinates that mean nothing.
+
 #include "tools/support/projection_options.h"
 
 #include <cmath>
@@ -35,6 +38,7 @@ std::optional<projType> find_type(const std::string& name) {
 
 }  // namespace
 
+// A number alone, a third one, and numbers that are not finite are refused alike.
 NumberPair parse_pair(const std::string& option, const std::string& text) {
   const std::size_t comma = text.find(',');
   if (comma != std::string::npos) {
@@ -42,7 +46,7 @@ NumberPair parse_pair(const std::string& option, const std::string& text) {
     const auto second = parse_number(std::string_view(text).substr(comma + 1));
     if (first && second) return {*first, *second};
   }
-  throw CLI::ValidationError(option, in_quotes(text) + " is not two numbers with a comma between");
+  throw UsageError(option, in_quotes(text) + " is not two numbers with a comma between");
 }
 
 projType ProjectionOptions::type() const { return find_type(name).value_or(CartesianProj); }
@@ -72,8 +76,7 @@ void add_projection_options(CLI::App& command, ProjectionOptions& options,
           [&options](const std::string& text) {
             options.base = parse_pair("--base", text);
             if (std::abs(options.base->first) > 90.0) {
-              throw CLI::ValidationError("--base",
-                                         "latitudes lie between -90 and 90, not at '" + text + "'");
+              throw UsageError("--base", "latitudes lie between -90 and 90, not at '" + text + "'");
             }
           },
           "Centre of the projection, in degrees")
@@ -85,9 +88,8 @@ void add_projection_options(CLI::App& command, ProjectionOptions& options,
             options.parallels = parse_pair("--parallels", text);
             for (const double parallel : {options.parallels->first, options.parallels->second}) {
               if (!(parallel > 0.0 && parallel <= 90.0)) {
-                throw CLI::ValidationError(
-                    "--parallels",
-                    "parallels lie above 0 and up to 90 degrees, not '" + text + "'");
+                throw UsageError("--parallels",
+                                 "parallels lie above 0 and up to 90 degrees, not '" + text + "'");
               }
             }
           },

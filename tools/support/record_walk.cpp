@@ -1,3 +1,6 @@
+// Records one by one, with a bound on complaints, on failures, and on points: a hostile index can
+// name the same record any number of times.
+
 #include "tools/support/record_walk.h"
 
 #include <cstdint>
@@ -7,6 +10,7 @@ namespace kzgis::tools {
 
 namespace {
 
+// A file that is damaged all through is not worth a line for every record, nor the time.
 constexpr kz_long kMostComplaints = 20;
 constexpr kz_long kMostFailures = 1000;
 
@@ -30,6 +34,7 @@ void RecordFailures::sum_up() const {
                        : " more records cannot be read"));
 }
 
+// Before each step: `points_left` of the points that the file has room for are not handed on yet.
 RecordTally walk_records(ShapeRecords& records, RecordRange range, Progress& progress,
                          const Complain& complain,
                          const std::function<void(kz_long, const ShapeRecord&)>& use) {

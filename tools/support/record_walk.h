@@ -7,12 +7,10 @@
 #include <string>
 
 #include "tools/support/progress.h"
+#include "tools/support/report.h"
 #include "tools/support/shape_records.h"
 
 namespace kzgis::tools {
-
-/// Receives one line, without a line end, on each record that could not be read.
-using Complain = std::function<void(const std::string&)>;
 
 /// Complains of the records of a file that cannot be read.
 ///

@@ -1,3 +1,5 @@
+// Messages to people: one line each, whatever is in the names that they quote.
+
 #include "tools/support/report.h"
 
 #include <array>

@@ -1,3 +1,6 @@
+// The classic shapefile object, made fit for the command: names, statuses in words, records as
+// spans.
+
 #include "tools/support/shape_records.h"
 
 #include <algorithm>
@@ -22,6 +25,8 @@ std::string why_not_usable(const std::string& path) {
   return why;
 }
 
+}  // namespace
+
 std::string without_extension(const std::string& name) {
   for (const char* const extension : {".shp", ".shx", ".dbf"}) {
     if (name.ends_with(extension)) return name.substr(0, name.size() - 4);
@@ -29,23 +34,9 @@ std::string without_extension(const std::string& name) {
   return name;
 }
 
-}  // namespace
-
-const char* shape_type_name(kz_long type) {
-  switch (type) {
-    case shape_type::null_shape:
-      return "null";
-    case shape_type::point:
-      return "point";
-    case shape_type::arc:
-      return "arc";
-    case shape_type::polygon:
-      return "polygon";
-    case shape_type::multi_point:
-      return "multi-point";
-    default:
-      return "invalid";
-  }
+std::string type_text(kz_long type) {
+  const char* const name = shape_type::name_of(type);
+  return name != nullptr ? name : "invalid";
 }
 
 std::string status_text(kz_ulong status) {
@@ -105,6 +96,7 @@ ShapeRecords::ShapeRecords(std::string name) : name_(std::move(name)), file_(nul
   shape_bytes_ = size_of(shape_path);
 }
 
+// The library takes a null record for one of the wrong kind, and passes it.
 RecordState ShapeRecords::read(kz_long n, ShapeRecord& record) {
   record = {};
   kz_ulong status = file_.SeekToDataRecord(n);
@@ -126,6 +118,7 @@ RecordState ShapeRecords::read(kz_long n, ShapeRecord& record) {
   return RecordState::failed;
 }
 
+/// Reads the record where the file stands into the blocks, which the library lets grow.
 kz_ulong ShapeRecords::read_by_type(ShapeRecord& record) {
   kz_long part_count = 0;
   kz_long point_count = 0;

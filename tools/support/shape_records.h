@@ -16,8 +16,8 @@
 
 namespace kzgis::tools {
 
-/// "null", "point", "arc", "polygon", "multi-point", or "invalid".
-const char* shape_type_name(kz_long type);
+/// The name that the files of a shapefile have in common: without ".shp", ".shx" or ".dbf".
+std::string without_extension(const std::string& name);
 
 /// One record; the spans stay valid until the next one is read.
 struct ShapeRecord {
@@ -85,6 +85,9 @@ class ShapeRecords {
   Block<double> y_;
   kz_long points_capacity_ = 0;
 };
+
+/// The kind of shape in words; "invalid" when there is no such kind.
+std::string type_text(kz_long type);
 
 /// A status in words.
 std::string status_text(kz_ulong status);

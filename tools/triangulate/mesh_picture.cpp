@@ -1,3 +1,5 @@
+// The triangles of every record, their sides, and the outlines of records over them.
+
 #include "tools/triangulate/mesh_picture.h"
 
 #include <algorithm>
@@ -6,7 +8,7 @@
 #include <limits>
 #include <span>
 
-#include "tools/map/style.h"
+#include "tools/picture/colour.h"
 #include "tools/support/mesh_edges.h"
 
 namespace kzgis::tools {
@@ -30,6 +32,7 @@ struct Fit {
   double y(const WorldPoint& p) const { return 0.5 * height - (p.y - y_middle) * scale; }
 };
 
+/// The whole of all meshes on the sheet, as large as its long side takes, and centred.
 Fit fit(const std::vector<RecordMesh>& meshes) {
   constexpr double kFar = std::numeric_limits<double>::infinity();
   double west = kFar, east = -kFar, south = kFar, north = -kFar;
@@ -59,10 +62,7 @@ Fit fit(const std::vector<RecordMesh>& meshes) {
   return result;
 }
 
-void set(cairo_t* cairo, const map::Colour& c) {
-  cairo_set_source_rgb(cairo, c.red, c.green, c.blue);
-}
-
+/// All triangles as one path: filled one by one, their seams would show as hairlines.
 void fill(cairo_t* cairo, const Fit& sheet, const RecordMesh& mesh) {
   for (std::size_t i = 0; i < mesh.triangles.size(); ++i) {
     const WorldPoint& p = mesh.vertices[mesh.triangles[i]];
@@ -90,20 +90,20 @@ void stroke(cairo_t* cairo, const Fit& sheet, const RecordMesh& mesh,
 
 }  // namespace
 
-void draw_meshes(const std::vector<RecordMesh>& meshes, map::Format format, std::ostream& out) {
+void draw_meshes(const std::vector<RecordMesh>& meshes, PictureFormat format, std::ostream& out) {
   const Fit sheet = fit(meshes);
-  map::render(out, format, sheet.width, sheet.height, [&](cairo_t* cairo) {
-    set(cairo, map::colours::paper);
+  render(out, format, sheet.width, sheet.height, [&](cairo_t* cairo) {
+    set_colour(cairo, colours::paper);
     cairo_paint(cairo);
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
     cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
     for (std::size_t i = 0; i < meshes.size(); ++i) {
       const MeshEdges edges = mesh_edges(meshes[i].triangles);
-      set(cairo, map::tints()[i % map::tints().size()]);
+      set_colour(cairo, kTints[i % kTints.size()]);
       fill(cairo, sheet, meshes[i]);
-      set(cairo, map::colours::mesh);
+      set_colour(cairo, colours::mesh);
       stroke(cairo, sheet, meshes[i], edges.inner, kEdge_px);
-      set(cairo, map::colours::frame);
+      set_colour(cairo, colours::frame);
       stroke(cairo, sheet, meshes[i], edges.border, kBorder_px);
     }
   });

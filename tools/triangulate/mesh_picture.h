@@ -6,13 +6,13 @@
 #include <ostream>
 #include <vector>
 
-#include "tools/map/render.h"
+#include "tools/picture/render.h"
 #include "tools/triangulate/record_mesh.h"
 
 namespace kzgis::tools {
 
 /// Draws the triangles over a tint for each record; 1600 pixels on the long side.
-void draw_meshes(const std::vector<RecordMesh>& meshes, map::Format format, std::ostream& out);
+void draw_meshes(const std::vector<RecordMesh>& meshes, PictureFormat format, std::ostream& out);
 
 }  // namespace kzgis::tools
 

@@ -1,3 +1,6 @@
+// Projecting the rings of a polygon one by one, and proving that what comes out is a polygon
+// still: a mesh of the projected rings exists, and none of them changed its winding.
+
 #include "tools/triangulate/mesh_projector.h"
 
 #include <algorithm>
@@ -7,7 +10,8 @@
 #include <numbers>
 #include <vector>
 
-#include "tools/support/number_text.h"
+#include "tools/support/areas.h"
+#include "tools/support/degrees.h"
 
 namespace kzgis::tools {
 
@@ -91,20 +95,9 @@ Result<Mesh, Flaw> triangulate_some(const Rings& rings, const std::vector<bool>&
 /// Twice the signed area of a ring.
 double twice_area(const Rings& rings, std::size_t ring) {
   const auto start = static_cast<std::size_t>(rings.starts[ring]);
-  double sum = 0.0;
-  for (std::size_t v = start + 2; v < end_of(rings, ring); ++v) {
-    sum += (rings.x[v - 1] - rings.x[start]) * (rings.y[v] - rings.y[start]) -
-           (rings.y[v - 1] - rings.y[start]) * (rings.x[v] - rings.x[start]);
-  }
-  return sum;
-}
-
-std::string pair_text(double lon, double lat) {
-  std::string text;
-  append_number(text, lon);
-  text += ", ";
-  append_number(text, lat);
-  return text;
+  return twice_ring_area(
+      end_of(rings, ring) - start, [&](std::size_t i) { return rings.x[start + i]; },
+      [&](std::size_t i) { return rings.y[start + i]; });
 }
 
 }  // namespace
@@ -163,9 +156,7 @@ std::string MeshProjector::project_ring(const Rings& rings, std::size_t ring,
   const std::size_t end = end_of(rings, ring);
   if (start == end) return {};
   for (std::size_t v = start; v < end; ++v) {
-    if (std::abs(rings.x[v]) > 720.0 || std::abs(rings.y[v]) > 90.0) {
-      return "coordinates are not degrees: " + pair_text(rings.x[v], rings.y[v]);
-    }
+    if (!are_degrees(rings.x[v], rings.y[v])) return not_degrees(rings.x[v], rings.y[v]);
   }
   // The turn that takes a ring between -180 and 180 takes a hole in it there too.
   const auto [west, east] = std::ranges::minmax(rings.x.subspan(start, end - start));

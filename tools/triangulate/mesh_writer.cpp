@@ -1,3 +1,6 @@
+// The formats of mesh files: Wavefront OBJ, PLY as G. Turk's "The PLY Polygon File Format" (1994)
+// has it, GeoJSON (RFC 7946), and pictures.
+
 #include "tools/triangulate/mesh_writer.h"
 
 #include <array>
@@ -21,6 +24,7 @@ void append_point(std::string& text, const WorldPoint& point, char separator) {
   append_number(text, point.z);
 }
 
+/// A mesh file of objects; faces number vertices from 1, through the whole file.
 class ObjWriter : public MeshWriter {
  public:
   explicit ObjWriter(std::ostream& out) : out_(out) {}
@@ -49,6 +53,8 @@ class ObjWriter : public MeshWriter {
   std::uint64_t first_vertex_ = 1;  // numbers run on through the file
 };
 
+/// PLY opens with the number of vertices and of faces, so nothing is written before the last
+/// record is there.
 class PlyWriter : public MeshWriter {
  public:
   explicit PlyWriter(std::ostream& out) : out_(out) {}
@@ -108,6 +114,8 @@ class PlyWriter : public MeshWriter {
   std::vector<RecordMesh> meshes_;
 };
 
+/// A feature for each record.  RFC 7946 wants outer rings to run counter-clockwise and rings to
+/// close; a triangle without area has neither way round and is left out.
 class GeoJsonWriter : public MeshWriter {
  public:
   GeoJsonWriter(std::ostream& out, bool spatial) : out_(out), spatial_(spatial) {
@@ -162,27 +170,18 @@ class GeoJsonWriter : public MeshWriter {
 /// Keeps the records and draws them at the end.
 class PictureWriter : public MeshWriter {
  public:
-  PictureWriter(map::Format format, std::ostream& out) : format_(format), out_(out) {}
+  PictureWriter(PictureFormat format, std::ostream& out) : format_(format), out_(out) {}
 
   void add(RecordMesh mesh) override { meshes_.push_back(std::move(mesh)); }
   void finish() override { draw_meshes(meshes_, format_, out_); }
 
  private:
-  map::Format format_;
+  PictureFormat format_;
   std::ostream& out_;
   std::vector<RecordMesh> meshes_;
 };
 
 }  // namespace
-
-std::optional<MeshFormat> mesh_format_named(const std::string& name) {
-  if (name == "obj") return MeshFormat::obj;
-  if (name == "ply") return MeshFormat::ply;
-  if (name == "geojson") return MeshFormat::geojson;
-  if (name == "svg") return MeshFormat::svg;
-  if (name == "png") return MeshFormat::png;
-  return std::nullopt;
-}
 
 std::unique_ptr<MeshWriter> make_mesh_writer(MeshFormat format, std::ostream& out, bool spatial) {
   switch (format) {
@@ -193,9 +192,9 @@ std::unique_ptr<MeshWriter> make_mesh_writer(MeshFormat format, std::ostream& ou
     case MeshFormat::geojson:
       return std::make_unique<GeoJsonWriter>(out, spatial);
     case MeshFormat::svg:
-      return std::make_unique<PictureWriter>(map::Format::svg, out);
+      return std::make_unique<PictureWriter>(PictureFormat::svg, out);
     default:
-      return std::make_unique<PictureWriter>(map::Format::png, out);
+      return std::make_unique<PictureWriter>(PictureFormat::png, out);
   }
 }
 

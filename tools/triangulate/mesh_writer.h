@@ -4,19 +4,13 @@
 #define KZGIS_TOOLS_TRIANGULATE_MESH_WRITER_H
 
 #include <memory>
-#include <optional>
 #include <ostream>
-#include <string>
 
 #include "tools/triangulate/record_mesh.h"
 
 namespace kzgis::tools {
 
 enum class MeshFormat { obj, ply, geojson, svg, png };
-
-/// The format of that name, "obj", "ply", "geojson", "svg" or "png"; nothing when there is
-/// none.
-std::optional<MeshFormat> mesh_format_named(const std::string& name);
 
 /// A mesh file in the making.
 class MeshWriter {

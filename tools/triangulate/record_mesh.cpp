@@ -1,6 +1,10 @@
+// Meshes without the vertices that no triangle uses.
+
 #include "tools/triangulate/record_mesh.h"
 
 #include <limits>
+
+#include "tools/support/areas.h"
 
 namespace kzgis::tools {
 
@@ -22,7 +26,7 @@ RecordMesh make_record_mesh(kz_long record, std::span<const WorldPoint> points,
 }
 
 double twice_area(const WorldPoint& a, const WorldPoint& b, const WorldPoint& c) {
-  return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+  return twice_area(a.x, a.y, b.x, b.y, c.x, c.y);
 }
 
 double area(std::span<const WorldPoint> points, std::span<const kz_ulong> triangles) {

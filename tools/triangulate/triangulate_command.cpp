@@ -20,6 +20,7 @@
 #include "tools/support/command_error.h"
 #include "tools/support/number_text.h"
 #include "tools/support/output_file.h"
+#include "tools/support/output_format.h"
 #include "tools/support/progress.h"
 #include "tools/support/projection_options.h"
 #include "tools/support/record_walk.h"
@@ -71,30 +72,27 @@ void parse_records(const std::string& text, Options& options) {
   options.last = parse_record_number(last);
   if ((!options.first && !first.empty()) || (!options.last && !last.empty()) ||
       (!options.first && !options.last) || options.last.value_or(0x7FFFFFFF) < options.first) {
-    throw CLI::ValidationError(
-        "--records", in_quotes(text) + " are no records; A:B stands for A to B, from 1 on");
+    throw UsageError("--records",
+                     in_quotes(text) + " are no records; A:B stands for A to B, from 1 on");
   }
 }
 
-/// Throws CLI's error when the options do not say what to do.
+const OutputFormats<MeshFormat>& formats() {
+  static const OutputFormats<MeshFormat> known{{"obj", MeshFormat::obj},
+                                               {"ply", MeshFormat::ply},
+                                               {"geojson", MeshFormat::geojson},
+                                               {"svg", MeshFormat::svg},
+                                               {"png", MeshFormat::png}};
+  return known;
+}
+
+/// Nothing when nothing is written.  Throws `UsageError` when the options do not say what to do.
 std::optional<MeshFormat> choose_format(const Options& options) {
   if (options.check) return std::nullopt;
   if (options.output.empty()) {
-    throw CLI::ValidationError("--output", "a file to write is missing, or --check");
+    throw UsageError("--output", "a file to write is missing, or --check");
   }
-  if (!options.format.empty()) return mesh_format_named(options.format);
-  if (options.output == "-") {
-    throw CLI::ValidationError("--output",
-                               "standard output needs --format obj, ply, geojson, svg or png");
-  }
-  const auto format = mesh_format_named(ending_of(options.output));
-  if (!format) {
-    throw CLI::ValidationError(
-        "--output", in_quotes(options.output) +
-                        " does not end in .obj, .ply, .geojson, .svg or .png, and no --format "
-                        "says which");
-  }
-  return format;
+  return formats().choose(options.output, options.format);
 }
 
 bool is_spatial(const Options& options) {
@@ -110,7 +108,7 @@ RecordRange choose_records(const ShapeRecords& records, const Options& options) 
     throw CommandError(file + ": not a valid shapefile: " + status_text(valid));
   }
   if (records.type() != shape_type::polygon) {
-    throw CommandError(file + ": its shape type is " + shape_type_name(records.type()) +
+    throw CommandError(file + ": its shape type is " + type_text(records.type()) +
                        "; only polygons can be triangulated");
   }
   const RecordRange range{options.first.value_or(1),
@@ -122,6 +120,7 @@ RecordRange choose_records(const ShapeRecords& records, const Options& options) 
   return range;
 }
 
+/// The last line that the user reads.
 std::string summary(const Totals& totals) {
   // Ten digits are what sums of this length are good for.
   std::array<char, 32> area_text{};
@@ -137,8 +136,7 @@ int run(const Options& options) {
   const std::optional<MeshFormat> format = choose_format(options);
   const bool picture = format == MeshFormat::svg || format == MeshFormat::png;
   if (picture && is_spatial(options)) {
-    throw CLI::ValidationError("--project",
-                               "a globe does not lie flat in a picture; orthographic does");
+    throw UsageError("--project", "a globe does not lie flat in a picture; orthographic does");
   }
   if (options.projected) check_projection(options.projection);
   ShapeRecords records(options.input);
@@ -154,11 +152,7 @@ int run(const Options& options) {
   if (options.projected) projector.emplace(options.projection);
 
   Totals totals;
-  bool complained = false;
-  const auto complain = [&complained](const std::string& line) {
-    report(line);
-    complained = true;
-  };
+  Complaints complaints;
   const bool prints = options.output == "-";
   {
     Progress progress("triangulating " + options.input,
@@ -176,7 +170,7 @@ int run(const Options& options) {
       if (reason.empty() && projector) reason = projector->project(rings, mesh, points);
       if (!reason.empty()) {
         ++totals.refused;
-        complain(options.input + ": record " + std::to_string(number) + ": " + reason);
+        complaints.add(options.input + ": record " + std::to_string(number) + ": " + reason);
         return;
       }
       ++totals.records;
@@ -185,7 +179,7 @@ int run(const Options& options) {
       totals.area += layer_area;
       if (writer) writer->add(make_record_mesh(number, points, mesh.triangles));
     };
-    const RecordTally tally = walk_records(records, range, progress, complain, use);
+    const RecordTally tally = walk_records(records, range, progress, complaints.receiver(), use);
     totals.refused += tally.failed;
     totals.null = tally.null;
   }
@@ -194,7 +188,7 @@ int run(const Options& options) {
     output->commit();
   }
   (prints ? std::cerr : std::cout) << summary(totals) << std::endl;
-  return complained ? 1 : 0;
+  return complaints.exit_code();
 }
 
 constexpr const char* kExamples = R"(
@@ -241,16 +235,7 @@ void add_triangulate_command(CLI::App& app, int& exit_code) {
           .add_option("-o,--output", options->output,
                       "The mesh: .obj, .ply, .geojson, .svg or .png; - for standard output")
           ->type_name("MESH");
-  command
-      .add_option("--format", options->format,
-                  "obj, ply, geojson, svg or png, whatever the name says")
-      ->type_name("FORMAT")
-      ->needs(output)
-      ->check([](const std::string& name) {
-        return mesh_format_named(name)
-                   ? std::string()
-                   : in_quotes(name) + " is none of obj, ply, geojson, svg, png";
-      });
+  formats().add_option(command, options->format)->needs(output);
   command.add_flag("--check", options->check, "Verify every record and write nothing")
       ->excludes(output);
   command

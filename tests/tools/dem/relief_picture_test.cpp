@@ -44,7 +44,7 @@ TEST(DrawRelief, ShowsElevationsWhereTheCornersAreNotTheirs) {
   grid.highest = 19.0F;
   grid.corners = {{{500050, 3999940}, {500050, 4000050}, {500150, 4000050}, {500150, 3999940}}};
   std::ostringstream out;
-  draw_relief(out, map::Format::png, grid, {false, true, {}});
+  draw_relief(out, PictureFormat::png, grid, {false, true, {}});
   // Half-way up lies straw and brown, not the green of the lowest place.
   const std::uint32_t colour = pixel_of(out.str(), 350, 212);
   EXPECT_GT(colour >> 16U, 220U);
@@ -58,7 +58,7 @@ TEST(DrawRelief, ShowsASingleColumn) {
   grid.highest = 4.0F;
   grid.corners = {{{500000, 4000050}, {500000, 4000090}, {500000, 4000090}, {500000, 4000050}}};
   std::ostringstream out;
-  draw_relief(out, map::Format::png, grid, {false, true, {}});
+  draw_relief(out, PictureFormat::png, grid, {false, true, {}});
   EXPECT_LT(pixel_of(out.str(), 347, 122) & 0xFFU, 180U);  // straw, not white
 }
 
@@ -67,7 +67,7 @@ TEST(DrawRelief, OfVoidsAloneSaysSo) {
       small_grid(3, 3, [](kz_long, kz_long) { return std::numeric_limits<double>::quiet_NaN(); });
   grid.lowest = grid.highest = std::numeric_limits<float>::quiet_NaN();
   std::ostringstream all_void;
-  draw_relief(all_void, map::Format::png, grid, {});
+  draw_relief(all_void, PictureFormat::png, grid, {});
   EXPECT_EQ(range_text(grid), "no elevations");
   grid.lowest = 1.0F;
   grid.highest = 2.5F;

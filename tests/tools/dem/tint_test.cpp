@@ -4,7 +4,7 @@
 
 namespace {
 
-using kzgis::map::Colour;
+using kzgis::tools::Colour;
 using kzgis::tools::lit;
 using kzgis::tools::tint;
 

@@ -46,6 +46,8 @@ class MapCommand : public ShapefileTest {
       app.parse(arguments);
     } catch (const CLI::ParseError& error) {
       outcome.usage_error = error.what();
+    } catch (const tools::UsageError& error) {
+      outcome.usage_error = error.what();
     } catch (const tools::CommandError& error) {
       outcome.failure = error.what();
     }

@@ -11,7 +11,7 @@
 #include "tools/map/layer.h"
 #include "tools/map/page.h"
 #include "tools/map/painter.h"
-#include "tools/map/render.h"
+#include "tools/picture/render.h"
 
 namespace kzgis::map {
 namespace {
@@ -170,25 +170,26 @@ TEST(Picture, PlacesAreDots) {
 
 TEST(Picture, TheSameDrawingGivesTheSameBytes) {
   const std::vector<StyledLayer> layers = world();
-  for (const Format format : {Format::png, Format::svg, Format::pdf}) {
+  for (const tools::PictureFormat format :
+       {tools::PictureFormat::png, tools::PictureFormat::svg, tools::PictureFormat::pdf}) {
     std::string first;
     for (int round = 0; round < 2; ++round) {
       Plane plane({});
       const Sheet sheet{300, 200, 30.0, "World"};
       const Page page = lay_out(plane, sheet);
       std::ostringstream out;
-      render(out, format, sheet.width, sheet.height,
-             [&](cairo_t* cairo) { paint(cairo, page, sheet, layers); });
+      tools::render(out, format, sheet.width, sheet.height,
+                    [&](cairo_t* cairo) { paint(cairo, page, sheet, layers); });
       EXPECT_GT(out.str().size(), 5000u);
       if (round == 0) first = out.str();
       // Cairo numbers the parts of its SVG files through a whole run.
-      if (format != Format::svg) {
+      if (format != tools::PictureFormat::svg) {
         EXPECT_TRUE(first == out.str());
       }
     }
-    const std::string start = format == Format::png   ? "\x89PNG"
-                              : format == Format::svg ? "<?xml"
-                                                      : "%PDF";
+    const std::string start = format == tools::PictureFormat::png   ? "\x89PNG"
+                              : format == tools::PictureFormat::svg ? "<?xml"
+                                                                    : "%PDF";
     EXPECT_EQ(first.substr(0, start.size()), start);
   }
 }

@@ -9,6 +9,8 @@
 #include <numbers>
 #include <stdexcept>
 
+#include "tools/support/command_error.h"
+
 namespace kzgis::map {
 namespace {
 
@@ -199,30 +201,30 @@ TEST(Plane, BoxOfTheWholeTurnIsTheWholeMap) {
 TEST(Plane, RefusesWhatMakesNoMap) {
   const auto make = [](const PlaneRequest& r) { return [r] { Plane plane(r); }; };
   EXPECT_THAT(make(based(BonneProj, 0.0, 10.0)),
-              ThrowsMessage<std::invalid_argument>(
+              ThrowsMessage<tools::UsageError>(
                   "--base: bonne has no map for a base latitude of 0; on the equator it is "
                   "sanson-flamsteed"));
   PlaneRequest far = request(GnomonicProj);
   far.horizon_deg = 90.0;
-  EXPECT_THAT(make(far), ThrowsMessage<std::invalid_argument>(
+  EXPECT_THAT(make(far), ThrowsMessage<tools::UsageError>(
                              "--horizon: this projection reaches above 0 and up to 85 degrees, "
                              "not 90"));
   far.horizon_deg = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_THROW(make(far)(), std::invalid_argument);
+  EXPECT_THROW(make(far)(), tools::UsageError);
   far.type = MercatorProj;
-  EXPECT_THAT(make(far), ThrowsMessage<std::invalid_argument>(
+  EXPECT_THAT(make(far), ThrowsMessage<tools::UsageError>(
                              "--horizon: only azimuthal maps and the globe have one"));
   PlaneRequest boxed = request(GlobeProj);
   boxed.box = Window{0, 10, 0, 10};
-  EXPECT_THAT(make(boxed), ThrowsMessage<std::invalid_argument>(
+  EXPECT_THAT(make(boxed), ThrowsMessage<tools::UsageError>(
                                "--box: azimuthal maps are round; --base and --horizon set them"));
   boxed.type = MercatorProj;
   boxed.box = Window{0, 10, 86, 90};
   EXPECT_THAT(make(boxed),
-              ThrowsMessage<std::invalid_argument>("--box: this projection shows nothing of it"));
+              ThrowsMessage<tools::UsageError>("--box: this projection shows nothing of it"));
   boxed.box = Window{170, -170, 0, 10};
   boxed.base = std::pair{0.0, 0.0};
-  EXPECT_THAT(make(boxed), ThrowsMessage<std::invalid_argument>(
+  EXPECT_THAT(make(boxed), ThrowsMessage<tools::UsageError>(
                                "--box: the map is torn opposite to --base, inside the box"));
 }
 

@@ -115,15 +115,5 @@ TEST(PictureWriter, TakesTheShapeOfTheMesh) {
   EXPECT_THAT(written(MeshFormat::png, square_and_triangle()), StartsWith("\x89PNG\r"));
 }
 
-TEST(MeshFormatNamed, KnowsFiveNames) {
-  EXPECT_EQ(mesh_format_named("obj"), MeshFormat::obj);
-  EXPECT_EQ(mesh_format_named("ply"), MeshFormat::ply);
-  EXPECT_EQ(mesh_format_named("geojson"), MeshFormat::geojson);
-  EXPECT_EQ(mesh_format_named("svg"), MeshFormat::svg);
-  EXPECT_EQ(mesh_format_named("png"), MeshFormat::png);
-  EXPECT_EQ(mesh_format_named("pdf"), std::nullopt);
-  EXPECT_EQ(mesh_format_named(""), std::nullopt);
-}
-
 }  // namespace
 }  // namespace kzgis::tools

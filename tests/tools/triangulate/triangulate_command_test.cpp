@@ -39,6 +39,8 @@ class TriangulateCommand : public ShapefileTest {
       app.parse(arguments);
     } catch (const CLI::ParseError& error) {
       outcome.failure = error.what();
+    } catch (const UsageError& error) {
+      outcome.failure = error.what();
     } catch (const CommandError& error) {
       outcome.failure = error.what();
     }

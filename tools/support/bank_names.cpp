@@ -1,36 +1,39 @@
-#include "tools/databank/names.h"
+// The names of themes and continents, long and short; lower case stands for both cases.
+
+#include "tools/support/bank_names.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <charconv>
 
-#include "tools/databank/layout.h"
-
-namespace kzgis::databank {
+namespace kzgis::tools {
 
 namespace {
 
 struct ThemeName {
-  overlaySections theme;
+  Theme theme;
   const char* name;
   const char* short_name;
 };
 
-constexpr std::array kThemes = {
-    ThemeName{Geographic, "geographic", "bdy"}, ThemeName{Political, "political", "pby"},
-    ThemeName{Coastal, "coastal", "cil"}, ThemeName{River, "river", "riv"}};
+constexpr std::array kThemes = {ThemeName{Theme::boundaries, "geographic", "bdy"},
+                                ThemeName{Theme::provinces, "political", "pby"},
+                                ThemeName{Theme::coasts, "coastal", "cil"},
+                                ThemeName{Theme::rivers, "river", "riv"}};
 
 struct ContinentName {
-  mapSections continent;
+  Continent continent;
   const char* name;
   const char* whole_name;
 };
 
 constexpr std::array kContinents = {
-    ContinentName{Africa, "africa", "africa"}, ContinentName{Asia, "asia", "asia"},
-    ContinentName{Europe, "europe", "europe"}, ContinentName{NoAm, "namer", "north america"},
-    ContinentName{SoAm, "samer", "south america"}};
+    ContinentName{Continent::africa, "africa", "africa"},
+    ContinentName{Continent::asia, "asia", "asia"},
+    ContinentName{Continent::europe, "europe", "europe"},
+    ContinentName{Continent::north_america, "namer", "north america"},
+    ContinentName{Continent::south_america, "samer", "south america"}};
 
 bool same(std::string_view a, std::string_view lower) {
   return std::equal(a.begin(), a.end(), lower.begin(), lower.end(), [](char x, char y) {
@@ -50,14 +53,14 @@ std::string listed(const Names& names) {
 
 }  // namespace
 
-std::optional<overlaySections> theme_named(std::string_view name) {
+std::optional<Theme> theme_named(std::string_view name) {
   for (const ThemeName& each : kThemes) {
     if (same(name, each.name) || same(name, each.short_name)) return each.theme;
   }
   return std::nullopt;
 }
 
-std::optional<mapSections> continent_named(std::string_view name) {
+std::optional<Continent> continent_named(std::string_view name) {
   for (const ContinentName& each : kContinents) {
     if (same(name, each.name) || same(name, each.whole_name)) return each.continent;
   }
@@ -68,23 +71,13 @@ std::optional<int> level_named(std::string_view text) {
   int level = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, level);
-  if (error != std::errc() || stop != end || level < 0 || level >= kNumLevels) return std::nullopt;
+  if (error != std::errc() || stop != end || level < 0 || level >= kLevelCount) return std::nullopt;
   return level;
 }
 
 std::string theme_names() { return listed(kThemes); }
 std::string continent_names() { return listed(kContinents); }
 
-const char* theme_name(overlaySections theme) {
-  return kThemes[static_cast<std::size_t>(theme)].name;
-}
+const char* theme_name(Theme theme) { return kThemes[static_cast<std::size_t>(theme)].name; }
 
-std::string continent_directory(mapSections continent) {
-  return std::string(kContinents[static_cast<std::size_t>(continent)].name) + ".Map";
-}
-
-std::string theme_file(overlaySections theme) {
-  return std::string(kThemes[static_cast<std::size_t>(theme)].short_name) + ".cbd";
-}
-
-}  // namespace kzgis::databank
+}  // namespace kzgis::tools

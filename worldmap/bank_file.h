@@ -1,52 +1,19 @@
-// A World DataBank II file (".cbd") as a run of fields: reading and decoding them, without
-// judging what they say.
-//
-// All integers are little-endian.  A "long" is 32 bits, signed, in ones' complement.
-//
-// Header:
-//    0  uint32  magic number 0x20770002
-//    4  uint32  offset of the dictionary, in bytes from the start of the file
-//    8  uint32  number of segments
-//   12  uint32  not used
-//   16  uint32  not used
-// Dictionary, one entry of 28 bytes per segment:
-//    0  uint32  segment identifier, not used
-//    4  long    maximum latitude, arc-seconds
-//    8  long    minimum latitude
-//   12  long    maximum longitude; a negative one is meant modulo 1296000
-//   16  long    minimum longitude, likewise
-//   20  uint32  offset of the segment, in bytes from the start of the file
-//   24  uint16  not used
-//   26  uint16  information level
-// Segment:
-//    0  long    longitude of the first point, arc-seconds, likewise modulo 1296000
-//    4  long    latitude of the first point
-//    8  uint32  not used
-//   12  uint32  number of points N
-//   16  uint16  not used
-//   18  N - 1 deltas
-// Delta, of one word when bit 14 of it is set, else of four:
-//    0  uint16  low byte: latitude delta, -128 to 127; high byte: longitude delta, as 64 to
-//               127 for 0 to 63, as 192 to 255 for -64 to -1
-// or
-//    0  uint16  longitude delta, high part, whose sign bit stands in bit 15 alone
-//    2  uint16  longitude delta, low part
-//    4  uint16  latitude delta, high part, likewise
-//    6  uint16  latitude delta, low part
+// A World DataBank II file as a run of fields: reading and decoding them, without judging
+// what they say.  Everything that reads such a file reads it through this page, the classic
+// map, `read_databank` and the check of a single file alike.
 
-#ifndef KZGIS_WORLDMAP_DATABANK_H
-#define KZGIS_WORLDMAP_DATABANK_H
+#ifndef KZGIS_WORLDMAP_BANK_FILE_H
+#define KZGIS_WORLDMAP_BANK_FILE_H
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 
 #include "kzgis/types.h"
+#include "worldmap/layout.h"
 
-namespace kzgis::databank {
-
-constexpr kz_ulong kMagic = 0x20770002;
-constexpr kz_long kTurn_arcsec = 1296000;  // all the way round
+namespace kzgis::worldmap {
 
 struct Header {
   kz_ulong magic = 0;
@@ -59,7 +26,6 @@ struct Entry {
   kz_ulong offset;
   std::uint16_t level;
 };
-constexpr std::uint64_t kEntryBytes = 28;
 
 struct SegmentHeader {
   kz_long lon = 0;
@@ -71,6 +37,22 @@ struct SegmentHeader {
 /// A longitude of less than zero, wrapped into [0, 1296000); any other as it is.
 constexpr kz_long wrap_negative(kz_long lon) {
   return lon < 0 ? kTurn_arcsec - 1 + (lon + 1) % kTurn_arcsec : lon;
+}
+
+constexpr kz_long wrapping_add(kz_long a, kz_long b) {
+  return static_cast<kz_long>(static_cast<kz_ulong>(a) + static_cast<kz_ulong>(b));
+}
+
+/// A longitude moved by a delta and brought into [0, 1296000).
+///
+/// One sum is enough for every longitude that a sound file can reach.  A first longitude may
+/// be any number that is not negative: its sum wraps in 32 bits, and the remainder of what
+/// comes out is the place.
+constexpr kz_long moved(kz_long lon, kz_long delta) {
+  const kz_long plain = wrapping_add(lon, delta);
+  if (static_cast<kz_ulong>(plain) < static_cast<kz_ulong>(kTurn_arcsec)) return plain;
+  const kz_long eastward = wrapping_add(lon, wrap_negative(delta));
+  return wrap_negative(eastward) % kTurn_arcsec;
 }
 
 /// A long as files hold it: ones' complement, where -1 is kept as 0xFFFFFFFE.
@@ -123,11 +105,13 @@ class File {
     return 1;
   }
 
-  /// Reads what follows, part by part.
-  void read(Header& header);
-  /// @return whether the whole entry was there
+  /// Reads what follows, part by part.  What the file does not hold of a header stays as it
+  /// was in the target.
+  ///
+  /// @return whether all of it was there
+  bool read(Header& header);
   bool read(Entry& entry);
-  void read(SegmentHeader& header);
+  bool read(SegmentHeader& header);
 
  private:
   static constexpr std::size_t kWindowBytes = std::size_t{1} << 14;
@@ -145,12 +129,13 @@ class File {
   void fetch();
 
   friend class Deltas;
-  /// Bytes in the window.
+  /// Bytes in the window; behind `file_end` they are not the file's.
   struct Run {
     const unsigned char* next;
     const unsigned char* end;
+    const unsigned char* file_end;
   };
-  Run run() const { return {window_ + next_, window_ + filled_}; }
+  Run run() const { return {window_ + next_, window_ + filled_, window_ + filled_}; }
   Run more(const unsigned char* next, std::uint16_t previous);
 
   std::FILE* stream_;
@@ -172,12 +157,29 @@ class Deltas {
   Deltas(File& file, std::uint16_t previous)
       : file_(file), start_(file.run().next), run_(file.run()), previous_(previous) {}
 
+  /// Moves a place by the next delta.  Arithmetic on latitudes wraps in 32 bits: what a file
+  /// says is not trusted.
+  void move(kz_long& lon, kz_long& lat) {
+    kz_long dlon = 0;
+    kz_long dlat = 0;
+    nextPoint(&dlon, &dlat);
+    lat = wrapping_add(lat, dlat);
+    lon = moved(lon, dlon);
+  }
+
+  /// Whether the file holds all of the next delta.
+  bool has_next() {
+    if (run_.end - run_.next < kLongBytes) refill();
+    const bool is_short = (word_at(run_.next) & kShortDelta) != 0;
+    return run_.file_end - run_.next >= (is_short ? kShortBytes : kLongBytes);
+  }
+
   /// Decodes one delta.  For a word that the file no longer has, the last one it has
   /// stands in once more.  A delta with a part beyond +-1296000 becomes (0, 0).
   void nextPoint(kz_long* dlon, kz_long* dlat) {
     if (run_.end - run_.next < kLongBytes) refill();
     const std::uint16_t first = word_at(run_.next);
-    if ((first & 0x4000) != 0) {
+    if ((first & kShortDelta) != 0) {
       const int high = first >> 8;
       *dlon = high - 0x40 - 0xC0 * (high >> 7);
       *dlat = ((first & 0xFF) ^ 0x80) - 0x80;
@@ -196,8 +198,8 @@ class Deltas {
 
  private:
   friend class File;
-  static constexpr int kShortBytes = 2;
-  static constexpr int kLongBytes = 8;
+  static constexpr std::ptrdiff_t kShortBytes = kShortDeltaBytes;
+  static constexpr std::ptrdiff_t kLongBytes = kLongDeltaBytes;
 
   /// Bit 15 of `high` is the sign, and stands for bit 14 too, which tells the forms apart.
   static kz_long long_delta(std::uint16_t high, std::uint16_t low) {
@@ -217,6 +219,27 @@ class Deltas {
   std::uint16_t previous_;
 };
 
-}  // namespace kzgis::databank
+/// The dictionary of a file, in the order in which it stands there.
+struct Dictionary {
+  Header header;
+  std::unique_ptr<Entry[]> entries;
+  std::size_t count = 0;  ///< of whole entries that the file holds
+};
+
+/// What stands between a file and its dictionary.
+enum class Obstacle { none, bad_magic, no_memory, bad_seek };
+
+/// Reads the header and the dictionary of a file that is at its start.
+///
+/// The header's count is a claim: memory is taken for no more entries than the whole file has
+/// room for, and those that are cut off by its end do not count.
+Obstacle read_dictionary(File& file, Dictionary& dictionary);
+
+struct CloseFile {
+  void operator()(std::FILE* stream) const { static_cast<void>(std::fclose(stream)); }
+};
+using Stream = std::unique_ptr<std::FILE, CloseFile>;
+
+}  // namespace kzgis::worldmap
 
 #endif

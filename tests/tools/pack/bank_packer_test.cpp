@@ -8,13 +8,46 @@
 #include <sstream>
 
 #include "shape/shapefile_writer.h"
-#include "tools/databank/bank_dir.h"
-#include "tools/databank/labelled_layer.h"
+#include "tools/pack/labelled_layer.h"
 #include "tools/support/command_error.h"
+
+namespace kzgis::tools {
+void PrintTo(const ArcPoint& point, std::ostream* out) { *out << point.lat << ' ' << point.lon; }
+}  // namespace kzgis::tools
 
 namespace {
 
+using kzgis::Theme;
+using kzgis::tools::ArcPoint;
 using kzgis::tools::BankPacker;
+using kzgis::tools::to_arc_seconds;
+
+using Line = std::vector<ArcPoint>;
+
+/// Every line of one theme in a bank, in its order.
+std::vector<Line> read_lines(const std::string& directory, Theme theme) {
+  const auto bank = kzgis::read_databank(directory, {{theme}, {}, {}});
+  EXPECT_TRUE(bank && bank->damaged.empty());
+  std::vector<Line> lines;
+  for (const kzgis::Segment& segment : bank->segments) {
+    lines.emplace_back();
+    for (std::size_t i = 0; i < segment.lat.size(); ++i) {
+      lines.back().push_back({segment.lat[i], segment.lon[i]});
+    }
+  }
+  return lines;
+}
+
+TEST(ToArcSeconds, RoundsAndTakesLongitudesOnce) {
+  EXPECT_EQ(to_arc_seconds(1.0, 2.0), (ArcPoint{3600, 7200}));
+  EXPECT_EQ(to_arc_seconds(-90.0, -180.0), (ArcPoint{-324000, 648000}));
+  EXPECT_EQ(to_arc_seconds(0.00013, 0.00014), (ArcPoint{0, 1}));
+  EXPECT_EQ(to_arc_seconds(-0.00014, -0.00014), (ArcPoint{-1, 1295999}));
+  EXPECT_EQ(to_arc_seconds(0.0, 359.99995), (ArcPoint{0, 0}));
+  EXPECT_EQ(to_arc_seconds(0.0, 360.0), (ArcPoint{0, 0}));
+  EXPECT_EQ(to_arc_seconds(0.0, -720.0), (ArcPoint{0, 0}));
+  EXPECT_EQ(to_arc_seconds(0.0, 361.0), (ArcPoint{0, 3600}));
+}
 
 class BankPackerTest : public ShapefileTest {
  protected:
@@ -49,7 +82,7 @@ TEST_F(BankPackerTest, WritesTheFilesOfEveryContinentAndSaysWhatIsInThem) {
                 path("bank") +
                 ": 5 files, 3 segments, 7 points, 276 bytes (84 % of the "
                 "shapefiles' 328)\n");
-  EXPECT_EQ(read_lines(path("bank"), River),
+  EXPECT_EQ(read_lines(path("bank"), Theme::rivers),
             (std::vector<Line>{{{180000, 36000}, {181800, 37800}},
                                {{3600, 1044000}, {7200, 1042200}},
                                {{10800, 0}, {10800, 3600}, {10800, 7200}}}));
@@ -63,10 +96,37 @@ TEST_F(BankPackerTest, PolygonsGiveTheirRings) {
   packer.add_file(write(shapes, "land"), {"coastal", "africa", "3"});
   std::ostringstream summary;
   packer.write(path("bank"), summary);
-  const auto lines = read_lines(path("bank"), Coastal);
+  const auto lines = read_lines(path("bank"), Theme::coasts);
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_EQ(lines[0], (Line{{0, 0}, {32400, 0}, {32400, 32400}, {0, 0}}));
   EXPECT_EQ(lines[1].front(), lines[1].back());
+}
+
+TEST_F(BankPackerTest, CutsLongLinesAtSharedPoints) {
+  std::vector<Point> points;
+  Line line;
+  for (int i = 0; i < 11; ++i) {
+    points.push_back({static_cast<double>(i), 1.0});
+    line.push_back({3600, 3600 * i});
+  }
+  ShapefileWriter lines(3);
+  lines.add(arc_content({0}, points));
+  const std::string file = write(lines);
+  const auto piece = [&line](std::size_t from, std::size_t to) {
+    return Line(line.begin() + static_cast<std::ptrdiff_t>(from),
+                line.begin() + static_cast<std::ptrdiff_t>(to) + 1);
+  };
+  const auto packed = [&](std::size_t longest) {
+    BankPacker packer(longest, complain());
+    packer.add_file(file, {"river", "asia", "0"});
+    std::ostringstream summary;
+    packer.write(path("bank"), summary);
+    return read_lines(path("bank"), Theme::rivers);
+  };
+  EXPECT_EQ(packed(4), (std::vector<Line>{piece(0, 3), piece(3, 6), piece(6, 9), piece(9, 10)}));
+  EXPECT_EQ(packed(6), (std::vector<Line>{piece(0, 5), piece(5, 10)}));
+  EXPECT_EQ(packed(2).size(), 10U);
+  EXPECT_EQ(packed(11), std::vector<Line>{line});
 }
 
 TEST_F(BankPackerTest, LeavesOutWhatHasNoLine) {
@@ -145,10 +205,10 @@ TEST_F(BankPackerTest, TheSampleLayersComeBackPointForPoint) {
   EXPECT_EQ(complaints_, Complaints{});
   EXPECT_NE(summary.str().find(": 20 files, 4010 segments, 130029 points, "), std::string::npos)
       << summary.str();
-  EXPECT_EQ(read_lines(path("bank"), Geographic), expected_lines(data + "bdy"));
-  EXPECT_EQ(read_lines(path("bank"), Political), expected_lines(data + "pby"));
-  EXPECT_EQ(read_lines(path("bank"), Coastal), expected_lines(data + "cil"));
-  EXPECT_EQ(read_lines(path("bank"), River), expected_lines(data + "riv"));
+  EXPECT_EQ(read_lines(path("bank"), Theme::boundaries), expected_lines(data + "bdy"));
+  EXPECT_EQ(read_lines(path("bank"), Theme::provinces), expected_lines(data + "pby"));
+  EXPECT_EQ(read_lines(path("bank"), Theme::coasts), expected_lines(data + "cil"));
+  EXPECT_EQ(read_lines(path("bank"), Theme::rivers), expected_lines(data + "riv"));
 }
 
 }  // namespace

@@ -1,17 +1,16 @@
-// The boundary box in whole arc-seconds.
+// The boundary box of a classic map in whole arc-seconds, and the two questions that loading
+// asks of it: which segments may count, and which points do.
 
-#ifndef KZGIS_WORLDMAP_BOX_H
-#define KZGIS_WORLDMAP_BOX_H
+#ifndef KZGIS_WORLDMAP_BOUNDARY_BOX_H
+#define KZGIS_WORLDMAP_BOUNDARY_BOX_H
 
 #include "kzgis/types.h"
-#include "worldmap/databank.h"
+#include "worldmap/bank_file.h"
 
 namespace kzgis::worldmap {
 
-using databank::kTurn_arcsec;
-
 /// Positions and extents, edges included; `wraps` says whether it lies across longitude 0.
-struct Box {
+struct BoundaryBox {
   kz_long west, south, east, north;
   bool wraps;
 
@@ -23,7 +22,7 @@ struct Box {
 
   /// Whether a segment's extents overlap the box.  Touching it is not enough, and of a box
   /// across longitude 0 only the western extent is looked at.
-  bool overlaps(const databank::Entry& entry) const {
+  bool overlaps(const Entry& entry) const {
     if (!(entry.min_lat < north && south < entry.max_lat)) return false;
     if (!wraps) return entry.min_lon < east && west < entry.max_lon;
     return (0 < entry.min_lon && entry.min_lon < east) ||

@@ -1,13 +1,16 @@
 #include "tools/pack/labels.h"
 
-#include <CLI/CLI.hpp>
+#include <fstream>
+#include <functional>
 
 #include "support/temporary_directory.h"
-#include "tools/databank/labelled_layer.h"
+#include "tools/pack/labelled_layer.h"
 #include "tools/support/command_error.h"
 
 namespace {
 
+using kzgis::Continent;
+using kzgis::Theme;
 using kzgis::tools::Attributes;
 using kzgis::tools::CommandError;
 using kzgis::tools::Label;
@@ -36,7 +39,7 @@ class LabelsTest : public testing::Test {
   TemporaryDirectory directory_;
 };
 
-void expect(const Label& label, overlaySections theme, mapSections continent, int level) {
+void expect(const Label& label, Theme theme, Continent continent, int level) {
   EXPECT_EQ(label.theme, theme);
   EXPECT_EQ(label.continent, continent);
   EXPECT_EQ(label.level, level);
@@ -44,27 +47,27 @@ void expect(const Label& label, overlaySections theme, mapSections continent, in
 
 TEST_F(LabelsTest, FixedOnesNeedNoTable) {
   const Labels labels(file("roads.shp"), {"coastal", "asia", "7"}, 3);
-  expect(labels.of(3), Coastal, Asia, 7);
+  expect(labels.of(3), Theme::coasts, Continent::asia, 7);
 }
 
 TEST_F(LabelsTest, TheUsualOnesAreNameContAndRank) {
   write_table(file("riv.dbf"), {"CONT", "RANK"}, {{"samer", "4"}, {"Africa", "15"}});
   const Labels labels(file("riv.shp"), {}, 2);
-  expect(labels.of(1), River, SoAm, 4);
-  expect(labels.of(2), River, Africa, 15);
+  expect(labels.of(1), Theme::rivers, Continent::south_america, 4);
+  expect(labels.of(2), Theme::rivers, Continent::africa, 15);
 }
 
 TEST_F(LabelsTest, AnyAttributeWillDo) {
   write_table(file("all.dbf"), {"what", "where", "size"},
               {{"bdy", "europe", "0"}, {"river", "North America", "2"}});
   const Labels labels(file("all.shp"), {"@WHAT", "@Where", "@size"}, 2);
-  expect(labels.of(1), Geographic, Europe, 0);
-  expect(labels.of(2), River, NoAm, 2);
+  expect(labels.of(1), Theme::boundaries, Continent::europe, 0);
+  expect(labels.of(2), Theme::rivers, Continent::north_america, 2);
 }
 
 TEST_F(LabelsTest, FixedAndAttributesMix) {
   write_table(file("cil.dbf"), {"RANK"}, {{"1"}});
-  expect(Labels(file("cil.shp"), {"", "europe", ""}, 1).of(1), Coastal, Europe, 1);
+  expect(Labels(file("cil.shp"), {"", "europe", ""}, 1).of(1), Theme::coasts, Continent::europe, 1);
 }
 
 TEST_F(LabelsTest, NamesWhatIsMissing) {
@@ -94,12 +97,12 @@ TEST_F(LabelsTest, NamesValuesThatAreNoLabels) {
 }
 
 TEST_F(LabelsTest, NamesOptionsThatAreNoLabels) {
-  EXPECT_EQ(why<CLI::ValidationError>([&] {
+  EXPECT_EQ(why<kzgis::tools::UsageError>([&] {
               Labels(file("a.shp"), {"roads", "asia", "1"}, 1);
             }),
             "--theme: 'roads' is neither geographic, political, coastal or river nor @ and the "
             "name of an attribute");
-  EXPECT_EQ(why<CLI::ValidationError>([&] {
+  EXPECT_EQ(why<kzgis::tools::UsageError>([&] {
               Labels(file("a.shp"), {"river", "asia", "16"}, 1);
             }),
             "--level: '16' is neither 0 to 15 nor @ and the name of an attribute");

@@ -1,0 +1,25 @@
+// One limit for coordinates in degrees, and one message for what lies beyond it.
+
+#include "tools/support/degrees.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+namespace kzgis::tools {
+
+bool are_degrees(double lon, double lat) {
+  return std::fabs(lon) <= 720.0 && std::fabs(lat) <= 90.0;
+}
+
+std::string not_degrees(double lon, double lat) {
+  return "coordinates are not degrees: " + pair_text(lon, lat);
+}
+
+std::string pair_text(double x, double y) {
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "%.9g, %.9g", x, y);
+  return text.data();
+}
+
+}  // namespace kzgis::tools
