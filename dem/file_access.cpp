@@ -10,6 +10,7 @@
 #include "dem/number_text.h"
 #include "kzgis/dem.h"
 #include "kzgis/filetools.h"
+#include "platform/named_pipe.h"
 
 DEM_LRA::DEM_LRA() = default;
 

@@ -8,11 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "exact/tiling.h"
 #include "mesh/arrangement.h"
-#include "mesh/boundary.h"
 #include "mesh/face_sweep.h"
 #include "mesh/faces.h"
+#include "mesh/proof.h"
 
 namespace kzgis {
 
@@ -21,27 +20,10 @@ namespace {
 using mesh::Arrangement;
 using mesh::kNone;
 
-/// Whether the triangles, over sites, tile the polygon: they tile what the edges bound, and
-/// the edges are the polygon's own sides.
-bool proved(const Arrangement& arrangement, std::span<const std::uint32_t> triangles) {
-  std::vector<exact::Side> bounds;
-  bounds.reserve(arrangement.edges.size());
-  for (const mesh::Edge& edge : arrangement.edges) {
-    bounds.push_back(edge.inside_above ? exact::Side{edge.left, edge.right}
-                                       : exact::Side{edge.right, edge.left});
-  }
-  return exact::tiles(arrangement.sites.points(), bounds, triangles, exact::Flat::refused) &&
-         mesh::same_modulo_2(arrangement.sites, arrangement.sides, arrangement.edges);
-}
-
 Flaw no_memory() {
   Flaw flaw;
   flaw.kind = ErrorKind::out_of_memory;
-  try {
-    flaw.message = "there is not enough memory";
-  } catch (const std::bad_alloc&) {
-    // Not even for that: the kind says it.
-  }
+  flaw.message = "out of memory";  // short enough for a string to keep inside itself
   return flaw;
 }
 
@@ -52,7 +34,7 @@ Result<Mesh, Flaw> cut(const Rings& rings) {
   for (const mesh::Face& face : mesh::take_faces(*arranged)) {
     mesh::sweep_face(arranged->sites, face, result.triangles);
   }
-  if (!proved(*arranged, result.triangles)) {
+  if (!mesh::proved(*arranged, result.triangles)) {
     Flaw flaw;
     flaw.kind = ErrorKind::unproved;
     flaw.message = "the triangles found do not tile the polygon: an error of this library";

@@ -6,11 +6,11 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
+
+#include "platform/named_pipe.h"
 
 namespace {
 
@@ -109,9 +109,4 @@ std::FILE* FILEfopen(const char* path, const char* mode) {
     std::replace(expanded, expanded + std::strlen(expanded), '\\', '/');
   }
   return kzgis::is_named_pipe(expanded) ? nullptr : std::fopen(expanded, mode);
-}
-
-bool kzgis::is_named_pipe(const char* path) {
-  std::error_code unknown;
-  return std::filesystem::is_fifo(path, unknown);
 }

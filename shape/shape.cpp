@@ -17,6 +17,7 @@
 #include <string_view>
 
 #include "kzgis/filetools.h"
+#include "platform/named_pipe.h"
 #include "shape/fields.h"
 
 using namespace kzgis;

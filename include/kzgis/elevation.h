@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "kzgis/dem.h"
-#include "kzgis/result.h"
 #include "kzgis/export.h"
+#include "kzgis/result.h"
 #include "kzgis/types.h"
 
 // A USGS DEM as one grid of elevations, the numbers taken as they are meant.  Nothing here is

@@ -35,27 +35,13 @@ KZGIS_EXPORT char* FILEmap_variables(const char* name, char* buffer)
 /// Opens a file as `std::fopen` does, after expanding path variables in `path`.
 ///
 /// Where the host separates directories by '/', every backslash of the expanded path
-/// is then turned into one.  A named pipe is refused (see kzgis::is_named_pipe).
+/// is then turned into one.  A named pipe is refused as a file that
+/// cannot be opened: opening one could wait for ever for somebody at its other end.
 ///
 /// Without memory it throws `std::bad_alloc`, or cannot open the file.
 ///
 /// @return a stream that the caller closes with `std::fclose`; null when the path does
 ///         not fit 1024 bytes or the file cannot be opened
 KZGIS_EXPORT std::FILE* FILEfopen(const char* path, const char* mode) KZGIS_SYMBOL(FILEfopen);
-
-namespace kzgis {
-
-/// Whether a file is a pipe that has a name, "/dev/stdin" behind a pipe included; links are
-/// followed.
-///
-/// Every reader of this library asks before it opens a file, and refuses a pipe as a file
-/// that cannot be opened: opening one waits, for ever if need be, until somebody opens its
-/// other end.  Throws `std::bad_alloc` without memory.
-///
-/// @param path  taken as it is, no path variables; not null
-/// @return false also when there is no such file
-KZGIS_EXPORT bool is_named_pipe(const char* path);
-
-}  // namespace kzgis
 
 #endif

@@ -270,6 +270,34 @@ TEST(LargeRecord, OfAHoleThatTouchesTheBoundaryAllAlong) {
   }
 }
 
+// Where every vertex lies on a side of all the rings around it, a sweep that looks at each of
+// those sides anew would be at work for an hour, and CTest would end it.
+
+TEST(LargeRecord, OfRingsThatLieOnTopOfEachOther) {
+  constexpr std::int64_t kRings = 100000 / kShare;
+  Record diamonds;
+  for (std::int64_t r = 1; r <= kRings; ++r) diamonds.add({{0, 0}, {r, -r}, {2 * r, 0}, {r, r}});
+  // 2 r^2 each, the next one taken off: 2 (1 + 2 + ... + n), doubled.
+  diamonds.expect_tiled(Int128{2} * kRings * (kRings + 1));
+}
+
+TEST(LargeRecord, OfOneSideWithManyRingsOnItAndManyVertices) {
+  constexpr std::int64_t kRings = 50000 / kShare;
+  Record record;
+  Int128 doubled = 0;
+  for (std::int64_t height = 1; height <= kRings; ++height) {
+    const IntRing tent{{0, 0}, {4 * kRings, 0}, {2 * kRings, height}};
+    record.add(tent);
+    doubled = doubled_area(tent) - doubled;
+  }
+  IntRing comb{{4 * kRings - 1, -5}, {1, -5}};
+  for (std::int64_t i = 1; i < 2 * kRings; ++i) comb.push_back({2 * i, i % 2 == 0 ? -1 : 0});
+  std::reverse(comb.begin(), comb.end());
+  if (doubled_area(comb) < 0) std::reverse(comb.begin(), comb.end());
+  record.add(comb);
+  record.expect_tiled(doubled + doubled_area(comb));
+}
+
 TEST(LargeRecord, OfHolesThatShareOneVertexOfTheBoundary) {
   // A fan: every blade starts in the same corner.
   constexpr std::int64_t kBlades = 5000 / kShare;

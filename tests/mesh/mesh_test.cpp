@@ -191,7 +191,7 @@ TEST(MeshFlaw, NamesRingsThatOverlapWithoutCrossingASide) {
   EXPECT_EQ(nested(through_a_corner.rings()).flaw.kind, kzgis::ErrorKind::bad_data);
 }
 
-TEST(Nest, DecidesByTheExactAreaBetweenRingsThatShareASide) {
+TEST(Nest, TellsRingsThatShareASideApartByAHair) {
   Polygon polygon;
   polygon.add({{0, 0}, {3, 0}, {std::nextafter(3.0, 0.0), 3}, {0, 3}});
   polygon.add(square(0, 0, 3));
@@ -200,6 +200,16 @@ TEST(Nest, DecidesByTheExactAreaBetweenRingsThatShareASide) {
   wide.add({{0, 0}, {1e8, 0}, {1e8, 1e8}, {1e-9, 1e8}});
   wide.add(square(0, 0, 1e8));
   EXPECT_EQ(nested(wide.rings()).parent, (std::vector<std::int32_t>{1, -1}));
+  // Slivers: their areas, computed in doubles, have no correct digit.
+  Polygon slivers;
+  slivers.add(
+      {{0, 0}, {0.6719800732139727, 0.5212546317624788}, {0.4274414265671623, 0.331566116744579}});
+  slivers.add({{0, 0},
+               {0.6719800732139727, 0.5212546317624788},
+               {0.1867025001794288, 0.14482504297292412}});
+  const Nested nesting = nested(slivers.rings());
+  EXPECT_EQ(nesting.flaw.message, "");
+  EXPECT_EQ(nesting.parent, (std::vector<std::int32_t>{-1, 0}));
 }
 
 TEST(Nest, TakesManyRingsOnOneSide) {

@@ -175,4 +175,28 @@ TEST(VerdictProperty, OfWaysAlongAGrid) {
   EXPECT_GT(kinds[Verdict::repeats], 10);
 }
 
+// Slivers on one side whose areas, summed in doubles, come out as anything.
+TEST(VerdictProperty, OfSliversThatShareASide) {
+  constexpr std::uint64_t kSeed = 240;
+  std::mt19937_64 random(kSeed);
+  int nested = 0;
+  for (int round = 0; round < 3000; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << " round " << round);
+    const auto far = [&] { return static_cast<std::int64_t>(random() % (1U << 28)); };
+    const judge::Point end{far(), far()};
+    const auto near_it = [&] {
+      const double share = static_cast<double>(random() % 1000) / 1000.0;
+      return judge::Point{static_cast<std::int64_t>(share * static_cast<double>(end.x)),
+                          static_cast<std::int64_t>(share * static_cast<double>(end.y))};
+    };
+    const std::vector<Ring> rings{{{0, 0}, end, near_it()}, {{0, 0}, end, near_it()}};
+    const Verdict verdict = judge::verdict_on(rings);
+    expect(verdict, rings);
+    ASSERT_FALSE(HasFailure());
+    nested +=
+        verdict.kind == Verdict::polygon && verdict.parent != std::vector<std::int32_t>{-1, -1};
+  }
+  EXPECT_GT(nested, 500);
+}
+
 }  // namespace

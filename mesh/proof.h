@@ -1,8 +1,9 @@
-// The proof that edges are the sides of the rings, and no others.
+// The proof that triangles tile a polygon.
 
-#ifndef KZGIS_MESH_BOUNDARY_H
-#define KZGIS_MESH_BOUNDARY_H
+#ifndef KZGIS_MESH_PROOF_H
+#define KZGIS_MESH_PROOF_H
 
+#include <cstdint>
 #include <span>
 
 #include "mesh/arrangement.h"
@@ -23,6 +24,17 @@ namespace kzgis::mesh {
 ///
 /// O(n log n) for n sides and edges together; throws `std::bad_alloc` without memory.
 bool same_modulo_2(const Sites& sites, std::span<const Side> sides, std::span<const Edge> edges);
+
+/// Whether the triangles, three sites each, tile what is inside the rings of an arrangement.
+///
+/// Two proofs together: the triangles tile what the edges bound, none of them flat
+/// (`exact::tiles`), and the edges cover the same points as the sides do, modulo 2.  The first
+/// covers the whole mesh at once, so that no face can be missing; the second goes back to the
+/// sides that the caller gave, so that no edge can.  It follows that a point off the sides lies
+/// in an odd number of triangles if it is inside by the odd-even rule, in an even number if it is
+/// not, and that these numbers are one and none as long as the sweep was right about which hand
+/// of each edge the inside lies on: that alone is taken on its word.
+bool proved(const Arrangement& arrangement, std::span<const std::uint32_t> triangles);
 
 }  // namespace kzgis::mesh
 

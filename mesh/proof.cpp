@@ -1,12 +1,13 @@
 // Sides against edges, line by line through every site.
 
-#include "mesh/boundary.h"
+#include "mesh/proof.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "exact/tiling.h"
 #include "mesh/sweep_line.h"
 
 namespace kzgis::mesh {
@@ -67,6 +68,17 @@ bool same_modulo_2(const Sites& sites, std::span<const Side> sides, std::span<co
     }
   }
   return true;
+}
+
+bool proved(const Arrangement& arrangement, std::span<const std::uint32_t> triangles) {
+  std::vector<exact::Side> bounds;
+  bounds.reserve(arrangement.edges.size());
+  for (const Edge& edge : arrangement.edges) {
+    bounds.push_back(edge.inside_above ? exact::Side{edge.left, edge.right}
+                                       : exact::Side{edge.right, edge.left});
+  }
+  return exact::tiles(arrangement.sites.points(), bounds, triangles, exact::Flat::refused) &&
+         same_modulo_2(arrangement.sites, arrangement.sides, arrangement.edges);
 }
 
 }  // namespace kzgis::mesh

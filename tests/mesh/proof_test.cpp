@@ -1,13 +1,19 @@
-// Sides and edges that cover the same points, modulo 2, and such that do not.
+// Sides and edges that cover the same points, modulo 2, and such that do not; and meshes in which
+// something was broken on purpose.
 
-#include "mesh/boundary.h"
+#include "mesh/proof.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <random>
+#include <utility>
 #include <vector>
+
+#include "mesh/face_sweep.h"
+#include "mesh/faces.h"
 
 namespace {
 
@@ -94,6 +100,77 @@ TEST(BoundaryProperty, IsThatOfUnitPieces) {
     same += odd == 0;
   }
   EXPECT_GT(same, 2000);
+}
+
+/// Squares in a chain that touch in corners, the last with a hole: as many faces as squares.
+class Proof : public testing::Test {
+ protected:
+  static constexpr int kSquares = 4;
+
+  Proof() {
+    for (int i = 0; i < kSquares; ++i) square(9 * i, 9);
+    square(9 * (kSquares - 1) + 3, 3);
+    arrangement_.emplace(kzgis::mesh::arrange({x_, y_, starts_}).value());
+    faces_ = kzgis::mesh::take_faces(*arrangement_);
+  }
+
+  std::vector<std::uint32_t> triangles_of(const std::vector<kzgis::mesh::Face>& faces) const {
+    std::vector<std::uint32_t> triangles;
+    for (const auto& face : faces) {
+      kzgis::mesh::sweep_face(arrangement_->sites, face, triangles);
+    }
+    return triangles;
+  }
+
+  std::optional<kzgis::mesh::Arrangement> arrangement_;
+  std::vector<kzgis::mesh::Face> faces_;
+
+ private:
+  void square(double corner, double size) {
+    starts_.push_back(static_cast<std::int32_t>(x_.size()));
+    x_.insert(x_.end(), {corner, corner + size, corner + size, corner});
+    y_.insert(y_.end(), {corner, corner, corner + size, corner + size});
+  }
+  std::vector<double> x_, y_;
+  std::vector<std::int32_t> starts_;
+};
+
+TEST_F(Proof, HoldsOfAllFacesTogether) {
+  ASSERT_EQ(faces_.size(), static_cast<std::size_t>(kSquares));
+  EXPECT_TRUE(kzgis::mesh::proved(*arrangement_, triangles_of(faces_)));
+}
+
+TEST_F(Proof, DoesNotHoldWithoutOneOfTheFaces) {
+  for (std::size_t missing = 0; missing < faces_.size(); ++missing) {
+    std::vector<kzgis::mesh::Face> rest = faces_;
+    rest.erase(rest.begin() + static_cast<std::ptrdiff_t>(missing));
+    EXPECT_FALSE(kzgis::mesh::proved(*arrangement_, triangles_of(rest))) << missing;
+  }
+}
+
+// A sweep that lost a square altogether, its edges and its triangles: the sides still tell.
+TEST_F(Proof, DoesNotHoldWithoutAFaceAndItsEdges) {
+  std::vector<kzgis::mesh::Face> rest = faces_;
+  rest.erase(rest.begin());
+  const auto& sites = arrangement_->sites;
+  std::erase_if(arrangement_->edges, [&sites](const Edge& e) { return sites[e.right].x <= 9.0; });
+  ASSERT_EQ(arrangement_->edges.size(), 4U * kSquares);  // four are gone
+  EXPECT_FALSE(kzgis::mesh::proved(*arrangement_, triangles_of(rest)));
+}
+
+TEST_F(Proof, DoesNotHoldWithAHoleForgotten) {
+  std::vector<kzgis::mesh::Face> filled = faces_;
+  filled.back().resize(1);
+  EXPECT_FALSE(kzgis::mesh::proved(*arrangement_, triangles_of(filled)));
+}
+
+TEST_F(Proof, DoesNotHoldWithATriangleTurnedOrLeftOut) {
+  std::vector<std::uint32_t> triangles = triangles_of(faces_);
+  std::swap(triangles[0], triangles[1]);
+  EXPECT_FALSE(kzgis::mesh::proved(*arrangement_, triangles));
+  std::swap(triangles[0], triangles[1]);
+  triangles.resize(triangles.size() - 3);
+  EXPECT_FALSE(kzgis::mesh::proved(*arrangement_, triangles));
 }
 
 }  // namespace
