@@ -5,7 +5,7 @@
 // left edges of their boxes and by the lower ones in turn.  A tree has no links: its entries are
 // a power of two of leaves, so that the halves of a range are its children, and a node's number
 // says where the box around it stands.  Boxes are never taken out; who asks leaves out what has
-// gone (Nesting::find_overlapping).
+// gone (RingTree::find_overlapping).
 
 #include "polytree/box_index.h"
 

@@ -17,8 +17,8 @@
 #include <span>
 
 #include "kzgis/polytree.h"
-#include "polytree/nesting.h"
 #include "polytree/region.h"
+#include "polytree/ring_tree.h"
 
 using namespace kzgis;
 
@@ -41,7 +41,7 @@ bool starts_fit(kz_ulong count, const kz_ulong* starts, kz_ulong total) {
 
 /// The boundaries below the root, each behind those inside it: the order in which a walk leaves
 /// them that visits children first.
-std::vector<kz_ulong> list_boundaries(const polytree::Nesting& nesting) {
+std::vector<kz_ulong> list_boundaries(const polytree::RingTree& nesting) {
   // Down to a ring without children, then on to the next sibling of it or of the first ring
   // above it that has one: the links alone say where to go on, and nothing is kept of the way.
   std::vector<kz_ulong> boundaries;
@@ -133,7 +133,7 @@ kz_ulong KZ_GIS_PolygonTree_c::AddRings(kz_ulong numPolygons, const kz_ulong* po
 
 /// Links the nodes.
 kz_ulong KZ_GIS_PolygonTree_c::Nest() {
-  const polytree::Nesting nesting(nodes_);
+  const polytree::RingTree nesting(nodes_);
   for (kz_ulong ring = 0; ring < nodes_.size(); ++ring) {
     for (kz_ulong child = nesting.first_child(ring); child != 0;
          child = nesting.next_sibling(child)) {

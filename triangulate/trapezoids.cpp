@@ -37,7 +37,7 @@ namespace kzgis::triangulation {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr kz_long kNone = -1;
+constexpr kz_long kNoNeighbour = -1;
 
 /// Replaces `from` by `to` among the upper neighbours of trapezoid `below`, if there is one.
 void change_above(Tables& t, kz_long below, kz_long from, kz_long to) {
@@ -152,19 +152,19 @@ void link_above(Tables& t, const Passage& way, kz_long left, kz_long right) {
     // neighbour set aside then, go to the side they lie on.
     if (l.above_save <= 0) {
       r.above0 = l.above1;
-      l.above1 = r.above1 = kNone;
+      l.above1 = r.above1 = kNoNeighbour;
       t.tr[r.above0].below0 = right;
       return;
     }
     if (l.above_side == kLeft) {
       r.above0 = l.above1;
-      l.above1 = kNone;
+      l.above1 = kNoNeighbour;
       r.above1 = l.above_save;
       t.tr[l.above0].below0 = left;
       t.tr[r.above0].below0 = right;
       t.tr[r.above1].below0 = right;
     } else {
-      r.above1 = kNone;
+      r.above1 = kNoNeighbour;
       r.above0 = l.above1;
       l.above1 = l.above0;
       l.above0 = l.above_save;
@@ -184,10 +184,10 @@ void link_above(Tables& t, const Passage& way, kz_long left, kz_long right) {
     // two narrows to a point and has nothing above.
     const kz_long other = t.tr[u.below0].right_seg;
     if (other > 0 && !is_left_of_segment(t, other, way.bottom)) {
-      l.above0 = l.above1 = r.above1 = kNone;
+      l.above0 = l.above1 = r.above1 = kNoNeighbour;
       u.below1 = right;
     } else {
-      r.above0 = r.above1 = l.above1 = kNone;
+      r.above0 = r.above1 = l.above1 = kNoNeighbour;
       u.below0 = left;
     }
     return;
@@ -207,10 +207,10 @@ kz_long link_only_below(Tables& t, const Passage& way, kz_long left, kz_long rig
     // Two segments meet at the bottom: between them nothing lies below.
     if (way.bottom_neighbour > 0 && is_left_of_segment(t, way.bottom_neighbour, way.top)) {
       d.above0 = left;
-      r.below0 = r.below1 = kNone;
+      r.below0 = r.below1 = kNoNeighbour;
     } else {
       d.above1 = right;
-      l.below0 = l.below1 = kNone;
+      l.below0 = l.below1 = kNoNeighbour;
     }
   } else {
     if (d.above0 > 0 && d.above1 > 0) {
@@ -251,27 +251,27 @@ kz_long link_both_below(Tables& t, const Passage& way, kz_long left, kz_long rig
   if (way.ends_in(t, left) && way.bottom_was_there) {
     // The vertex that parts the two below is the segment's own end: each part goes on into one.
     d0.above0 = left;
-    d0.above1 = kNone;
+    d0.above1 = kNoNeighbour;
     d1.above0 = right;
-    d1.above1 = kNone;
+    d1.above1 = kNoNeighbour;
     r.below0 = l.below1;
-    l.below1 = r.below1 = kNone;
+    l.below1 = r.below1 = kNoNeighbour;
     return l.below1;
   }
   if (into_below0) {
     d0.above0 = left;
     d0.above1 = right;
     d1.above0 = right;
-    d1.above1 = kNone;
-    l.below1 = kNone;
+    d1.above1 = kNoNeighbour;
+    l.below1 = kNoNeighbour;
     return l.below0;
   }
   d0.above0 = left;
-  d0.above1 = kNone;
+  d0.above1 = kNoNeighbour;
   d1.above0 = left;
   d1.above1 = right;
   r.below0 = l.below1;
-  r.below1 = kNone;
+  r.below1 = kNoNeighbour;
   return r.below0;
 }
 
@@ -366,7 +366,7 @@ kz_long newtrap(Tables& t) {
     t.say("newtrap: Trapezoid-table overflow");
     return -1;
   }
-  t.tr[trapezoid].left_seg = t.tr[trapezoid].right_seg = kNone;
+  t.tr[trapezoid].left_seg = t.tr[trapezoid].right_seg = kNoNeighbour;
   t.tr[trapezoid].status = kValid;
   return trapezoid;
 }

@@ -8,7 +8,7 @@
 #include "kzgis/types.h"
 
 namespace kzgis::polytree {
-class Nesting;
+class RingTree;
 }
 
 // Rings that share one pair of coordinate arrays, nested by containment and cut into
@@ -159,7 +159,7 @@ class KZGIS_EXPORT KZ_GIS_PolygonNode_c : public KZ_GIS_TreeNode_c {
   void SwapVertexOrder();
 
  private:
-  friend class kzgis::polytree::Nesting;
+  friend class kzgis::polytree::RingTree;
 
   struct Vertex {
     double x, y;

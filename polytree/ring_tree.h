@@ -1,7 +1,7 @@
 // The nesting rule: where each ring goes in the tree, as rings come in.
 
-#ifndef KZGIS_POLYTREE_NESTING_H
-#define KZGIS_POLYTREE_NESTING_H
+#ifndef KZGIS_POLYTREE_RING_TREE_H
+#define KZGIS_POLYTREE_RING_TREE_H
 
 #include <cstddef>
 #include <cstdint>
@@ -23,7 +23,7 @@ namespace kzgis::polytree {
 /// first child that it lies in; where there is none it settles.  Taking children, the scan
 /// passes over the one that follows a child taken: a scan by position over a list that
 /// closes its gaps would, and the order of rings that this tells apart is part of what
-/// callers see (Nesting.PassesOverTheChildBehindOneTaken).
+/// callers see (RingTree.PassesOverTheChildBehindOneTaken).
 ///
 /// Whether a ring lies in another is what `KZ_GIS_PolygonNode_c::Inside` says, and is found
 /// out with less work, since no two rings here share an index, and no coordinate changes
@@ -37,12 +37,12 @@ namespace kzgis::polytree {
 /// around that too and has none of them inside itself, for every point of the way across is
 /// as far from each of them as the test of a point needs to be right about it.  The level to
 /// go on from is found by bisection.
-class Nesting {
+class RingTree {
  public:
   /// Nests `nodes[1]` and all that follow, in order.  No two of them share an index.
-  explicit Nesting(std::span<KZ_GIS_PolygonNode_c> nodes);
-  Nesting(const Nesting&) = delete;  // the order of the chains refers to the nesting
-  Nesting& operator=(const Nesting&) = delete;
+  explicit RingTree(std::span<KZ_GIS_PolygonNode_c> nodes);
+  RingTree(const RingTree&) = delete;  // the order of the chains refers to the nesting
+  RingTree& operator=(const RingTree&) = delete;
 
   kz_ulong parent(kz_ulong ring) const { return links_[ring].parent; }
   /// The first child, and from there the next sibling; 0 when there is none.
@@ -73,7 +73,7 @@ class Nesting {
 
   /// Order of a chain: from the outermost ring in.
   struct Inward {
-    const Nesting* nesting = nullptr;
+    const RingTree* nesting = nullptr;
     using is_transparent = void;
 
     bool operator()(kz_ulong a, kz_ulong b) const {

@@ -10,7 +10,7 @@
 // them, and for some that have left; the rings of a chain follow each other as only children,
 // but where the chain was cut, and each is clear of the next.
 
-#include "polytree/nesting.h"
+#include "polytree/ring_tree.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,7 +25,7 @@ namespace kzgis::polytree {
 namespace {
 
 constexpr kz_ulong kRoot = 0;
-constexpr kz_ulong kNone = 0;           // nothing links to the root as a child or sibling
+constexpr kz_ulong kNoRing = 0;         // nothing links to the root as a child or sibling
 constexpr kz_ulong kManyChildren = 64;  // from here on an index beats looking at each
 constexpr kz_ulong kStretch = 64;       // edges passed over at once
 constexpr std::size_t kLongChain = 8;   // from here on it is looked for a level to skip to
@@ -36,7 +36,7 @@ constexpr double kLargest = 0x1p+400;  // what is known of rounding errors holds
 
 }  // namespace
 
-Nesting::Nesting(std::span<KZ_GIS_PolygonNode_c> nodes)
+RingTree::RingTree(std::span<KZ_GIS_PolygonNode_c> nodes)
     : nodes_(nodes), rings_(nodes.size()), links_(nodes.size()) {
   for (kz_ulong ring = 1; ring < nodes.size(); ++ring) {
     describe(ring);
@@ -45,7 +45,7 @@ Nesting::Nesting(std::span<KZ_GIS_PolygonNode_c> nodes)
 }
 
 /// Notes what the tests will ask of a ring, so that none of them walks round it for that.
-void Nesting::describe(kz_ulong ring) {
+void RingTree::describe(kz_ulong ring) {
   KZ_GIS_PolygonNode_c& node = nodes_[ring];
   Ring& own = rings_[ring];
   if (node.BoxIsPoint()) node.ComputeBounds();
@@ -76,7 +76,7 @@ void Nesting::describe(kz_ulong ring) {
 }
 
 /// `nodes_[inner].Inside(nodes_[outer])`, for two different rings whose boxes overlap.
-bool Nesting::inside(kz_ulong inner, kz_ulong outer) const {
+bool RingTree::inside(kz_ulong inner, kz_ulong outer) const {
   const KZ_GIS_PolygonNode_c& ring = nodes_[outer];
   const Ring& around = rings_[outer];
   if (nodes_[inner].NumberOfVertices() == 0) return true;  // every index is shared
@@ -100,14 +100,14 @@ bool Nesting::inside(kz_ulong inner, kz_ulong outer) const {
 /// Takes a ring down from the root to its level.
 ///
 /// No ring is moved but by settling, so that a ring which goes on down has changed nothing.
-void Nesting::insert(kz_ulong ring) {
+void RingTree::insert(kz_ulong ring) {
   kz_ulong level = kRoot;
   for (;;) {
     find_overlapping(level, ring);
     find_contained(ring);
     if (!contained_.empty()) break;
     const kz_ulong around = first_around(ring);
-    if (around == kNone) break;
+    if (around == kNoRing) break;
     // Within a chain there is nothing to skip to, or it would have been done at its start.
     const bool known = chained(level);
     level = around;
@@ -117,7 +117,7 @@ void Nesting::insert(kz_ulong ring) {
 }
 
 /// Puts the ring on the level, with the children that it takes below it.
-void Nesting::settle(kz_ulong level, kz_ulong ring) {
+void RingTree::settle(kz_ulong level, kz_ulong ring) {
   if (contained_.size() == 1 && chained(level)) {
     const kz_ulong child = contained_[0];
     if (clear(level, ring) && clear(ring, child)) {
@@ -137,11 +137,11 @@ void Nesting::settle(kz_ulong level, kz_ulong ring) {
 }
 
 /// Collects the level's children whose boxes overlap the ring's, in no order.
-void Nesting::find_overlapping(kz_ulong level, kz_ulong ring) {
+void RingTree::find_overlapping(kz_ulong level, kz_ulong ring) {
   overlapping_.clear();
   const Box& box = rings_[ring].box;
   if (!links_[level].indexed) {
-    for (kz_ulong child = links_[level].first_child; child != kNone; child = links_[child].next) {
+    for (kz_ulong child = links_[level].first_child; child != kNoRing; child = links_[child].next) {
       if (rings_[child].box.overlaps(box)) overlapping_.push_back(child);
     }
     return;
@@ -152,14 +152,14 @@ void Nesting::find_overlapping(kz_ulong level, kz_ulong ring) {
 }
 
 /// Collects the children that the ring takes, in sibling order.
-void Nesting::find_contained(kz_ulong ring) {
+void RingTree::find_contained(kz_ulong ring) {
   contained_.clear();
   std::copy_if(overlapping_.begin(), overlapping_.end(), std::back_inserter(contained_),
                [&](kz_ulong child) { return inside(child, ring); });
   std::sort(contained_.begin(), contained_.end(),
             [this](kz_ulong a, kz_ulong b) { return links_[a].order < links_[b].order; });
   std::size_t taken = 0;
-  kz_ulong passed_over = kNone;
+  kz_ulong passed_over = kNoRing;
   for (const kz_ulong child : contained_) {
     if (child == passed_over) continue;
     contained_[taken++] = child;
@@ -169,25 +169,25 @@ void Nesting::find_contained(kz_ulong ring) {
 }
 
 /// The first of the level's children that the ring lies in.
-kz_ulong Nesting::first_around(kz_ulong ring) {
-  kz_ulong first = kNone;
+kz_ulong RingTree::first_around(kz_ulong ring) {
+  kz_ulong first = kNoRing;
   for (const kz_ulong child : overlapping_) {
-    if (first != kNone && links_[first].order < links_[child].order) continue;
+    if (first != kNoRing && links_[first].order < links_[child].order) continue;
     if (inside(ring, child)) first = child;
   }
   return first;
 }
 
 /// Makes the ring the level's last child.
-void Nesting::append(kz_ulong level, kz_ulong ring) {
+void RingTree::append(kz_ulong level, kz_ulong ring) {
   Links& up = links_[level];
   Links& own = links_[ring];
   if (chained(level)) cut_chain(level);
   own.parent = level;
   own.previous = up.last_child;
-  own.next = kNone;
+  own.next = kNoRing;
   own.order = appended_++;
-  (up.last_child == kNone ? up.first_child : links_[up.last_child].next) = ring;
+  (up.last_child == kNoRing ? up.first_child : links_[up.last_child].next) = ring;
   up.last_child = ring;
   ++up.children;
 
@@ -196,7 +196,7 @@ void Nesting::append(kz_ulong level, kz_ulong ring) {
   } else if (up.children == kManyChildren) {
     up.indexed = true;
     BoxIndex& fresh = indices_[level];
-    for (kz_ulong child = up.first_child; child != kNone; child = links_[child].next) {
+    for (kz_ulong child = up.first_child; child != kNoRing; child = links_[child].next) {
       fresh.insert(rings_[child].box, child);
     }
   }
@@ -204,18 +204,18 @@ void Nesting::append(kz_ulong level, kz_ulong ring) {
 }
 
 /// Takes the ring from its level's children; its box stays in an index there.
-void Nesting::unlink(kz_ulong ring) {
+void RingTree::unlink(kz_ulong ring) {
   const Links& own = links_[ring];
   Links& up = links_[own.parent];
-  (own.previous == kNone ? up.first_child : links_[own.previous].next) = own.next;
-  (own.next == kNone ? up.last_child : links_[own.next].previous) = own.previous;
+  (own.previous == kNoRing ? up.first_child : links_[own.previous].next) = own.next;
+  (own.next == kNoRing ? up.last_child : links_[own.next].previous) = own.previous;
   --up.children;
 }
 
 // Chains.
 
 /// Whether one ring's box lies within the other's, and its first vertex in the other ring.
-bool Nesting::surrounds(kz_ulong outer, kz_ulong inner) const {
+bool RingTree::surrounds(kz_ulong outer, kz_ulong inner) const {
   const Box& around = rings_[outer].box;
   const Box& box = rings_[inner].box;
   return around.x_min < box.x_min && around.y_min < box.y_min && box.x_max < around.x_max &&
@@ -223,7 +223,7 @@ bool Nesting::surrounds(kz_ulong outer, kz_ulong inner) const {
 }
 
 /// Whether `inner` lies in `outer` and keeps clear of it.
-bool Nesting::clear(kz_ulong outer, kz_ulong inner) {
+bool RingTree::clear(kz_ulong outer, kz_ulong inner) {
   const Ring& around = rings_[outer];
   const Ring& own = rings_[inner];
   const std::uint64_t pairs = std::uint64_t{around.edges} * own.edges;
@@ -236,7 +236,7 @@ bool Nesting::clear(kz_ulong outer, kz_ulong inner) {
 }
 
 /// The ring's sides, as the test for clearance wants them.
-void Nesting::list_sides(kz_ulong ring, std::vector<Side>& sides) const {
+void RingTree::list_sides(kz_ulong ring, std::vector<Side>& sides) const {
   sides.clear();
   const KZ_GIS_PolygonNode_c& node = nodes_[ring];
   const kz_ulong edges = rings_[ring].edges;
@@ -249,14 +249,14 @@ void Nesting::list_sides(kz_ulong ring, std::vector<Side>& sides) const {
 }
 
 /// Whether a level and its only child follow each other in a chain.
-bool Nesting::chained(kz_ulong level) const {
+bool RingTree::chained(kz_ulong level) const {
   const Links& up = links_[level];
   return up.chain != 0 && up.children == 1 && links_[up.first_child].chain == up.chain;
 }
 
 /// Puts a level and its only child into one chain if they are clear of each other.  Two
 /// chains stay two: had they anything in common, the ring that came between would be.
-void Nesting::extend_chain(kz_ulong level, kz_ulong ring) {
+void RingTree::extend_chain(kz_ulong level, kz_ulong ring) {
   kz_ulong& up = links_[level].chain;
   kz_ulong& own = links_[ring].chain;
   if ((up != 0 && own != 0) || !clear(level, ring)) return;
@@ -275,7 +275,7 @@ void Nesting::extend_chain(kz_ulong level, kz_ulong ring) {
 }
 
 /// Parts a chain between a level and its only child.
-void Nesting::cut_chain(kz_ulong level) {
+void RingTree::cut_chain(kz_ulong level) {
   Chain& chain = chains_[links_[level].chain];
   const auto cut = std::next(chain.find(level));
   // The shorter part goes into a chain of its own: all cuts of a chain together then take
@@ -299,7 +299,7 @@ void Nesting::cut_chain(kz_ulong level) {
 
 /// The level that a ring comes to which goes down from the first of a chain: a ring of the
 /// chain around it, the levels down to which have nothing to decide, or the first itself.
-kz_ulong Nesting::skip_levels(kz_ulong level, kz_ulong ring) {
+kz_ulong RingTree::skip_levels(kz_ulong level, kz_ulong ring) {
   if (!chained(level) || rings_[ring].largest > kLargest) return level;
   const Chain& chain = chains_[links_[level].chain];
   if (chain.size() < kLongChain) return level;

@@ -1,4 +1,4 @@
-#include "polytree/nesting.h"
+#include "polytree/ring_tree.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ namespace {
 
 using kzgis::polytree::Box;
 using kzgis::polytree::BoxIndex;
-using kzgis::polytree::Nesting;
+using kzgis::polytree::RingTree;
 
 /// An axis-parallel rectangle of whole coordinates.
 struct Rectangle {
@@ -30,8 +30,8 @@ struct Rectangle {
   }
 };
 
-/// The tree as text, children in order: "1(3 2(4))".  Rings count from 1, as in a Nesting.
-std::string text(const Nesting& nesting, kz_ulong ring = 0) {
+/// The tree as text, children in order: "1(3 2(4))".  Rings count from 1, as in a RingTree.
+std::string text(const RingTree& nesting, kz_ulong ring = 0) {
   std::string result;
   for (kz_ulong c = nesting.first_child(ring); c != 0; c = nesting.next_sibling(c)) {
     if (!result.empty()) result += ' ';
@@ -71,15 +71,15 @@ std::string nest(const std::vector<Rectangle>& rectangles) {
   Rings rings;
   for (const Rectangle& r : rectangles) rings.add(boundary(r.x0, r.y0, r.x1, r.y1));
   Nodes nodes(rings);
-  return text(Nesting(nodes.nodes));
+  return text(RingTree(nodes.nodes));
 }
 
 /// The rule once more, plainly: lists of children and a scan by position.
-class PlainNesting {
+class PlainTree {
  public:
   using Contains = std::function<bool(std::size_t outer, std::size_t inner)>;
 
-  PlainNesting(std::size_t rings, Contains contains)
+  PlainTree(std::size_t rings, Contains contains)
       : contains_(std::move(contains)), children_(rings + 1) {
     for (std::size_t ring = 1; ring <= rings; ++ring) insert(ring);
   }
@@ -144,20 +144,20 @@ std::vector<Rectangle> random_nest(std::mt19937_64& random, std::size_t count,
   return result;
 }
 
-TEST(Nesting, OneRing) { EXPECT_EQ(nest({{0, 0, 9, 9}}), "1"); }
+TEST(RingTree, OneRing) { EXPECT_EQ(nest({{0, 0, 9, 9}}), "1"); }
 
-TEST(Nesting, NoRing) { EXPECT_EQ(nest({}), ""); }
+TEST(RingTree, NoRing) { EXPECT_EQ(nest({}), ""); }
 
-TEST(Nesting, DisjointRingsStayInOrder) {
+TEST(RingTree, DisjointRingsStayInOrder) {
   EXPECT_EQ(nest({{5, 0, 6, 1}, {0, 0, 1, 1}, {3, 3, 4, 4}}), "1 2 3");
 }
 
-TEST(Nesting, HoleBehindOrBeforeItsBoundary) {
+TEST(RingTree, HoleBehindOrBeforeItsBoundary) {
   EXPECT_EQ(nest({{0, 0, 9, 9}, {3, 3, 6, 6}}), "1(2)");
   EXPECT_EQ(nest({{3, 3, 6, 6}, {0, 0, 9, 9}}), "2(1)");
 }
 
-TEST(Nesting, ThreeDeepInEveryOrder) {
+TEST(RingTree, ThreeDeepInEveryOrder) {
   const Rectangle a{0, 0, 9, 9}, b{1, 1, 8, 8}, c{2, 2, 7, 7};
   EXPECT_EQ(nest({a, b, c}), "1(2(3))");
   EXPECT_EQ(nest({a, c, b}), "1(3(2))");
@@ -167,11 +167,11 @@ TEST(Nesting, ThreeDeepInEveryOrder) {
   EXPECT_EQ(nest({c, b, a}), "3(2(1))");
 }
 
-TEST(Nesting, ARingThatTakesChildrenGoesBehindTheRest) {
+TEST(RingTree, ARingThatTakesChildrenGoesBehindTheRest) {
   EXPECT_EQ(nest({{3, 3, 4, 4}, {20, 0, 21, 1}, {0, 0, 9, 9}}), "2 3(1)");
 }
 
-TEST(Nesting, PassesOverTheChildBehindOneTaken) {
+TEST(RingTree, PassesOverTheChildBehindOneTaken) {
   const Rectangle outer{0, 0, 99, 9};
   const Rectangle a{1, 1, 2, 2}, b{3, 1, 4, 2}, c{5, 1, 6, 2}, d{7, 1, 8, 2}, e{9, 1, 10, 2};
   EXPECT_EQ(nest({a, b, outer}), "2 3(1)");
@@ -183,13 +183,13 @@ TEST(Nesting, PassesOverTheChildBehindOneTaken) {
   EXPECT_EQ(nest({a, b, outer, {-1, -1, 100, 10}}), "3(1) 4(2)");
 }
 
-TEST(Nesting, GoesDownIntoTheFirstThatHoldsIt) {
+TEST(RingTree, GoesDownIntoTheFirstThatHoldsIt) {
   // Two overlapping rings hold the third.
   EXPECT_EQ(nest({{0, 0, 9, 9}, {1, -1, 10, 8}, {2, 2, 3, 3}}), "1(3) 2");
   EXPECT_EQ(nest({{1, -1, 10, 8}, {0, 0, 9, 9}, {2, 2, 3, 3}}), "1(3) 2");
 }
 
-TEST(Nesting, ParentsBeforeChildrenGiveTheTrueTree) {
+TEST(RingTree, ParentsBeforeChildrenGiveTheTrueTree) {
   constexpr std::uint64_t kSeed = 63;
   std::mt19937_64 random(kSeed);
   for (int run = 0; run < 60; ++run) {
@@ -207,7 +207,7 @@ TEST(Nesting, ParentsBeforeChildrenGiveTheTrueTree) {
   }
 }
 
-TEST(Nesting, FollowsTheRuleInEveryOrder) {
+TEST(RingTree, FollowsTheRuleInEveryOrder) {
   constexpr std::uint64_t kSeed = 64;
   std::mt19937_64 random(kSeed);
   for (int run = 0; run < 200; ++run) {
@@ -215,7 +215,7 @@ TEST(Nesting, FollowsTheRuleInEveryOrder) {
     std::vector<std::size_t> parents;
     auto rectangles = random_nest(random, 1 + random() % 400, parents);
     std::ranges::shuffle(rectangles, random);
-    const PlainNesting expected(rectangles.size(), [&](std::size_t outer, std::size_t inner) {
+    const PlainTree expected(rectangles.size(), [&](std::size_t outer, std::size_t inner) {
       return rectangles[outer - 1].holds(rectangles[inner - 1]);
     });
     ASSERT_EQ(nest(rectangles), expected.text());
@@ -236,7 +236,7 @@ Points around_origin(std::mt19937_64& random, int shape, double radius) {
   return ring;
 }
 
-TEST(Nesting, FollowsTheRuleInDeepNests) {
+TEST(RingTree, FollowsTheRuleInDeepNests) {
   // One ring in another, now and then with a sibling, a touch, a crossing or a vertex a
   // few units in the last place from a side; outermost first, or in parts, or anyhow.
   constexpr std::uint64_t kSeed = 67;
@@ -284,14 +284,14 @@ TEST(Nesting, FollowsTheRuleInDeepNests) {
     for (const std::size_t ring : order) rings.add(made[ring]);
     Nodes nodes(rings);
     Nodes asked(rings);
-    const PlainNesting expected(made.size(), [&](std::size_t outer, std::size_t inner) {
+    const PlainTree expected(made.size(), [&](std::size_t outer, std::size_t inner) {
       return asked.nodes[outer].Contains(asked.nodes[inner]) == 1;
     });
-    ASSERT_EQ(text(Nesting(nodes.nodes)), expected.text());
+    ASSERT_EQ(text(RingTree(nodes.nodes)), expected.text());
   }
 }
 
-TEST(Nesting, AsksWhatTheNodesWouldAnswer) {
+TEST(RingTree, AsksWhatTheNodesWouldAnswer) {
   // Rings that cross, touch, are closed or open, level or nothing, and now and then no
   // numbers; small ones and ones of several stretches.
   constexpr std::uint64_t kSeed = 66;
@@ -315,10 +315,10 @@ TEST(Nesting, AsksWhatTheNodesWouldAnswer) {
     }
     Nodes nodes(rings);
     Nodes asked(rings);
-    const PlainNesting expected(rings.starts.size(), [&](std::size_t outer, std::size_t inner) {
+    const PlainTree expected(rings.starts.size(), [&](std::size_t outer, std::size_t inner) {
       return asked.nodes[outer].Contains(asked.nodes[inner]) == 1;
     });
-    ASSERT_EQ(text(Nesting(nodes.nodes)), expected.text());
+    ASSERT_EQ(text(RingTree(nodes.nodes)), expected.text());
   }
 }
 
