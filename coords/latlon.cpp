@@ -8,7 +8,7 @@
 #include <limits>
 #include <ostream>
 
-#include "platform/int32.h"
+#include "kzgis/types.h"
 
 using kzgis::truncate_to_int32;
 

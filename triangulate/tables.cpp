@@ -22,13 +22,6 @@ constexpr std::int64_t kTrapezoidsPerSegment = 6;
 // number of its own beside number 0.  Holes have three vertices, so that is below 2n.
 constexpr std::int64_t kPiecesPerSegment = 2;
 
-/// Truncates to 32 bits, as the processors of the interface's day did; what does not fit becomes
-/// the smallest number.
-kz_long truncate_to_int32(double value) {
-  if (value > -2147483649.0 && value < 2147483648.0) return static_cast<kz_long>(value);
-  return std::numeric_limits<kz_long>::min();
-}
-
 }  // namespace
 
 const char* Tables::allocate(kz_long size) {

@@ -2,6 +2,7 @@
 #define KZGIS_TYPES_H
 
 #include <cstdint>
+#include <limits>
 
 /// What the interfaces call `long` and `unsigned long`: 32 bits on every host.
 using kz_long = std::int32_t;
@@ -26,5 +27,16 @@ inline constexpr kz_ulong end_of_file = 11;  ///< the file ended during a read
 inline constexpr kz_ulong not_open = 13;
 inline constexpr kz_ulong out_of_memory = 14;  ///< an output array could not be allocated
 }  // namespace kzgis::status
+
+namespace kzgis {
+
+/// A double as a 32-bit integer: truncated towards zero; what does not fit, NaN included,
+/// becomes the smallest number.
+inline kz_long truncate_to_int32(double value) {
+  if (value > -2147483649.0 && value < 2147483648.0) return static_cast<kz_long>(value);
+  return std::numeric_limits<kz_long>::min();
+}
+
+}  // namespace kzgis
 
 #endif

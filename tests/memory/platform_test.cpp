@@ -92,7 +92,6 @@ std::vector<Operation> operations() {
          const char* const name = "$HOME/$NONE_OF_A_LONG_NAME<3>/a long name of a file";
          return long{FILEmap_variables(name, buffer) == buffer};
        }},
-      {"is_named_pipe", 1, {kThrew}, [] { return long{kzgis::is_named_pipe(kText)}; }},
       {"FILEfopen",
        2,
        {kThrew, 0},
