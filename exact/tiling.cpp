@@ -1,4 +1,7 @@
 // Orientation of every triangle, and the edges that no two of them share.
+//
+// Edges are brought together by a counting sort over their lower vertices and short sorts within
+// its runs: no comparison of vertices is needed, and the memory is two numbers an edge.
 
 #include "exact/tiling.h"
 
@@ -44,6 +47,8 @@ class Edges {
     bool up;
   };
 
+  /// The same for the edges of one lower vertex.  Sorted by the other vertex and direction, each
+  /// edge stands beside its opposite; a third one between the same vertices fits nowhere.
   static bool cancel(std::span<End> run) {
     std::sort(run.begin(), run.end(), [](const End& a, const End& b) {
       return a.high != b.high ? a.high < b.high : a.up < b.up;
@@ -59,6 +64,7 @@ class Edges {
   std::vector<std::size_t> first_;  // where each lower vertex's run begins
 };
 
+/// Whether every triangle has three vertices that can be judged, and runs the right way.
 bool counter_clockwise(std::span<const Point> vertices, std::span<const std::uint32_t> triangles,
                        Flat flat) {
   for (std::size_t i = 0; i < triangles.size(); i += 3) {

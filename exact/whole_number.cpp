@@ -14,12 +14,14 @@ namespace kzgis::exact {
 
 namespace {
 
+// A product of two digits and two carries fit 64 bits: (2^32 - 1)^2 + 2 (2^32 - 1) = 2^64 - 1.
 constexpr int kDigitBits = 32;
 constexpr int kMantissaBits = std::numeric_limits<double>::digits;
 
 }  // namespace
 
 int last_bit(double value) {
+  // A double is its mantissa, a whole number of 53 bits, times a power of two.
   int exponent = 0;
   std::frexp(value, &exponent);
   return exponent - kMantissaBits;
@@ -57,6 +59,7 @@ int WholeNumber::sign() const {
   return negative_ ? -1 : 1;
 }
 
+/// The order of two magnitudes: without digits in front that are zero the longer is larger.
 int WholeNumber::compare(const Digits& a, const Digits& b) {
   if (a.size() != b.size()) return a.size() < b.size() ? -1 : 1;
   for (std::size_t i = a.size(); i-- > 0;) {
@@ -65,6 +68,7 @@ int WholeNumber::compare(const Digits& a, const Digits& b) {
   return 0;
 }
 
+/// a + b, digit by digit from the least, with room for a last carry.
 WholeNumber::Digits WholeNumber::sum(const Digits& a, const Digits& b) {
   const Digits& longer = a.size() < b.size() ? b : a;
   const Digits& shorter = a.size() < b.size() ? a : b;
@@ -91,6 +95,8 @@ WholeNumber::Digits WholeNumber::difference(const Digits& a, const Digits& b) {
   return result;
 }
 
+// Numbers of one sign are added; of two signs the smaller magnitude is taken from the larger,
+// whose sign the result has.
 WholeNumber operator+(const WholeNumber& a, const WholeNumber& b) {
   if (a.negative_ == b.negative_) {
     return {a.negative_, WholeNumber::sum(a.digits_, b.digits_)};

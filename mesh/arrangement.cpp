@@ -109,6 +109,10 @@ class Sweep {
   }
 
   /// Moves the sweep line over a site.
+  ///
+  /// Before and after, the status is the order of the bundles just left and just right of the
+  /// site.  What each bundle knows of the plane above it (inside or outside, which edge bounds it,
+  /// which rings lie around it) is brought up to date from below.
   void pass(std::uint32_t site, SideNumbers beginning, SideNumbers ending) {
     const auto above = come_in(site);
     const bool has_lower = lower_ != kNone;
@@ -149,6 +153,7 @@ class Sweep {
     return next;
   }
 
+  /// Adds a side that begins here to a bundle, whose line it lies on.
   void put_in(std::uint32_t bundle, std::uint32_t side) {
     Bundle& b = bundles_[bundle];
     links_[side] = {bundle, b.first, kNone};
@@ -161,6 +166,8 @@ class Sweep {
     }
   }
 
+  /// Takes a side that ends here out of its bundle.  The farthest end of the bundle stays right:
+  /// the sides that reach it are the last to be taken out, all together.
   void take_out(std::uint32_t side) {
     const Link& link = links_[side];
     Bundle& b = bundles_[link.bundle];
@@ -169,6 +176,8 @@ class Sweep {
     b.odd = !b.odd;
   }
 
+  /// A bundle without sides that begins at a site, under a number that is free again if possible:
+  /// memory follows the sides that the line crosses, not all that there are.
   std::uint32_t new_bundle(std::uint32_t site) {
     if (free_.empty()) {
       free_.push_back(static_cast<std::uint32_t>(bundles_.size()));
@@ -343,6 +352,7 @@ class Sweep {
     return false;
   }
 
+  /// A polygon that cannot be taken, with a place to look at.
   static Flaw flaw(std::string message, std::uint32_t ring, std::uint32_t vertex) {
     Flaw result;
     result.kind = ErrorKind::bad_data;

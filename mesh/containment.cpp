@@ -57,6 +57,9 @@ Containment::Chain Containment::across(Chain from, std::span<const std::uint32_t
       touched_.push_back(group);
     }
   }
+  // On the way from the one point to the other, rings are left first and entered afterwards, as
+  // if the way led outwards as far as needed and then inwards: which rings lie around a point
+  // does not depend on the way to it.
   Chain chain = leave(from);
   if (!enter(chain)) {
     find_overlap(chain, crossed);

@@ -1,3 +1,15 @@
+// Contours of faces, followed from edge to edge, and put together into faces.
+//
+// Every edge is gone along once, in the direction that has the inside on its left.  Where a
+// contour comes to a site, it goes on along the next edge clockwise from the one it came on:
+// between the two lies a wedge of the inside that no other edge enters.  So a face that touches
+// itself in a site has one corner there for every such wedge, and a site in which two faces meet
+// gives a corner to each.
+//
+// Contours come out counter-clockwise round the outside of a face and clockwise round its holes.
+// Which face a hole lies in is read off the sweep: below the hole's first site runs an edge that
+// began farther to the left, and the inside between the two belongs to one face.
+
 #include "mesh/faces.h"
 
 #include <algorithm>
@@ -31,8 +43,10 @@ class Tracer {
     return a_.edges[e].left == site ? a_.edges[e].right : a_.edges[e].left;
   }
 
-  /// Finds for each edge the one to go on with: behind the corner that it makes with it,
-  /// no other edge enters the inside.
+  /// Finds for each edge the one to go on with, behind the wedge of the inside between them.
+  ///
+  /// Afterwards `next_` is a permutation of the edges: at every site as many come in as go out,
+  /// in turns, since inside and outside alternate round it.
   void link() {
     const std::size_t n = a_.edges.size();
     std::vector<std::uint32_t> first(a_.sites.size() + 1, 0);
@@ -71,6 +85,7 @@ class Tracer {
     Contour sites;
   };
 
+  /// Follows the permutation round its cycles: each is a contour.
   void trace() {
     cycle_of_.assign(a_.edges.size(), kNone);
     for (std::uint32_t start = 0; start < a_.edges.size(); ++start) {
@@ -95,6 +110,10 @@ class Tracer {
     }
   }
 
+  /// Puts holes behind the outer contours of their faces.
+  ///
+  /// Contours are taken by their smallest sites, so that the face of a hole is known before the
+  /// hole: the edge below the hole is part of a contour that begins farther to the left.
   std::vector<Face> assemble() {
     std::vector<std::uint32_t> order(cycles_.size());
     std::iota(order.begin(), order.end(), 0U);

@@ -20,6 +20,7 @@ namespace {
 using mesh::Arrangement;
 using mesh::kNone;
 
+/// What every operation here answers to an allocation that failed.
 Flaw no_memory() {
   Flaw flaw;
   flaw.kind = ErrorKind::out_of_memory;
@@ -27,6 +28,8 @@ Flaw no_memory() {
   return flaw;
 }
 
+/// Cuts a polygon into triangles, over sites until the last step: in sites, places are the same
+/// when their numbers are, which is what the proof counts by.
 Result<Mesh, Flaw> cut(const Rings& rings) {
   const Result<Arrangement, Flaw> arranged = mesh::arrange(rings);
   if (!arranged) return arranged.error();
@@ -44,6 +47,10 @@ Result<Mesh, Flaw> cut(const Rings& rings) {
   return result;
 }
 
+/// Parents and depths as the caller knows them.
+///
+/// Depths are counted along chains of parents, each ring once: rings may lie in each other a
+/// hundred thousand deep, in any order.
 Nesting nesting_of(const mesh::Containment& containment) {
   const std::vector<std::uint32_t> parents = containment.parents();
   Nesting nesting;

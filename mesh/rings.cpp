@@ -1,4 +1,7 @@
 // Checking rings, and taking their sides.
+//
+// The checks come before anything else is computed: behind them every index is sound, every
+// coordinate is one that exact arithmetic can hold, and all numbers fit 32 bits.
 
 #include "mesh/rings.h"
 
@@ -30,6 +33,8 @@ class Way {
 
   void add(std::uint32_t vertex) {
     vertices_.push_back(vertex);
+    // What is left out may bring two vertices together that make another spike, so that this goes
+    // on; each round takes a vertex away.
     while (vertices_.size() >= 2) {
       const std::size_t n = vertices_.size();
       if (site(n - 1) == site(n - 2)) {
@@ -64,7 +69,8 @@ class Way {
  private:
   std::uint32_t site(std::size_t i) const { return sites_.of(vertices_[i]); }
 
-  /// Whether the way a, b, c turns back on itself at b.
+  /// Whether the way a, b, c turns back on itself at b: both its legs point the same way.  Sites
+  /// are ordered along every line, so that two numbers say in which direction a leg points.
   bool folds(std::uint32_t a, std::uint32_t b, std::uint32_t c) const {
     return a == c || ((a < b) == (c < b) && sites_.turn(a, b, c) == 0);
   }

@@ -13,6 +13,8 @@ Sites::Sites(const Rings& rings) {
       rings.starts.empty() ? rings.x.size() : static_cast<std::size_t>(rings.starts[0]);
   std::vector<std::uint32_t> order(rings.x.size() - first);
   std::iota(order.begin(), order.end(), static_cast<std::uint32_t>(first));
+  // The caller's numbers break ties, so that the first vertex of each place comes first and the
+  // result does not depend on the sort.
   std::sort(order.begin(), order.end(), [&rings](std::uint32_t a, std::uint32_t b) {
     if (rings.x[a] != rings.x[b]) return rings.x[a] < rings.x[b];
     if (rings.y[a] != rings.y[b]) return rings.y[a] < rings.y[b];
