@@ -1,3 +1,5 @@
+// One face cut into triangles by a plane sweep, after Hertel and Mehlhorn (1983).
+//
 // A sweep line crosses the face in intervals, each between a side below it and a side above
 // it.  To the left of the line, from the left end of the one side to that of the other, an
 // interval ends in a chain of corners that never turns right on the way up: whatever could

@@ -8,8 +8,7 @@
 #include "kzgis/export.h"
 #include "kzgis/result.h"
 
-// Polygons as they come in real files, nested and triangulated.  Any number of threads may
-// call at once.
+// Polygons as they come in real files, nested and triangulated.
 
 namespace kzgis {
 
