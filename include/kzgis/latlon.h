@@ -1,3 +1,6 @@
+// The coordinate value: one point on the globe.  Every room that deals with positions stores
+// and exchanges them in this form.
+
 #ifndef KZGIS_LATLON_H
 #define KZGIS_LATLON_H
 
@@ -32,9 +35,6 @@ enum direction {
 /// Whole arc-seconds (1/3600 degree) may be passed as any integer type.  Triples are
 /// degrees, minutes, seconds; each component carries its own sign, so 45d 30m south
 /// is (-45, -30, 0).
-///
-/// Points share nothing: several threads may work on different ones at once.  None of their
-/// operations needs memory.
 class KZGIS_EXPORT LatLon {
  public:
   /// From whole arc-seconds: an argument of any integer type counts as arc-seconds.
