@@ -11,6 +11,8 @@
 #include "kzgis/export.h"
 
 /// Where another point lies, seen from this one; the result of `LatLon::whichWay`.
+///
+/// The four main directions have one angle exactly equal, the four between them none.
 enum direction {
   North = 0,
   NorthEast = 1,
@@ -73,6 +75,8 @@ class KZGIS_EXPORT LatLon {
   LatLon& operator=(const LatLon& other);
   ~LatLon() = default;
 
+  // A setter of one angle leaves the other one and the altitude as they are.
+
   /// Sets one angle from whole arc-seconds of any integer type, then normalises both.
   template <std::integral Arc>
   void setLat(Arc arcsec) {
@@ -127,6 +131,7 @@ class KZGIS_EXPORT LatLon {
   direction whichWay(const LatLon& other) const;
 
  private:
+  /// Any integer type on its way to one constructor or setter, told from decimal degrees.
   struct ArcSeconds {
     std::int64_t value;
   };
@@ -134,14 +139,16 @@ class KZGIS_EXPORT LatLon {
   void setLat(ArcSeconds lat);
   void setLon(ArcSeconds lon);
 
+  // Composition of triples, which does not normalise, their split, and the rule that
+  // normalises: 1 when the latitude was legal, 0 when it was clamped.
   void latFromDMS(double deg, double min, double sec);
   void lonFromDMS(double deg, double min, double sec);
   void latToDMS(double* deg, double* min, double* sec) const;
   void lonToDMS(double* deg, double* min, double* sec) const;
   static int checkValues(double* lat, double* lon);
 
-  double lat_;
-  double lon_;
+  double lat_;  // degrees, [-90, 90]
+  double lon_;  // degrees, [0, 360)
   double alt_ = 0.0;
 };
 
