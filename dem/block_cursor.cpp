@@ -97,8 +97,8 @@ std::string_view BlockCursor::take(int width) {
   return window_.substr(from - base_, size);
 }
 
-/// True when the end of the file, not that of a line, made a field short.  What a line lacks
-/// are blanks.
+/// True when the end of the file, not that of a line, made a field short.  What is missing at
+/// the end of a line were blanks.
 bool BlockCursor::is_cut(std::string_view field, int width) const {
   return field.size() < static_cast<std::size_t>(width) && in_last_block();
 }

@@ -11,7 +11,7 @@
 //   place          the grid's size is known and bounded by the file's, and each profile has a
 //                  column that no other has, and a row
 //   make_grid      the elevations are in their cells, and what has none is NaN
-// Refusals name the byte of the field that they speak of.
+// Refusals name the byte that they speak of.
 
 #include "kzgis/elevation.h"
 

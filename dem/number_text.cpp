@@ -25,7 +25,7 @@ struct Unsigned {
 };
 
 Unsigned without_sign(std::string_view text) {
-  // What isspace() takes in the locale "C".
+  // What isspace() accepts in the locale "C".
   text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
   if (text.empty() || (text.front() != '-' && text.front() != '+')) return {text, false};
   return {text.substr(1), text.front() == '-'};
