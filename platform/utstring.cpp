@@ -1,9 +1,9 @@
 // The string of the classic interfaces, a thin class over `std::string`.
 //
 // Fields of files keep a NUL of their own at their end.  What deals with text (`c_str()`, the
-// comparison with text, output) ends at the first NUL; what deals with the whole (`size()`,
-// `append` and the comparison of two strings) counts every character.  A null pointer is an
-// empty text wherever text is accepted.
+// comparison with text, output) ends at the first NUL; what deals with whole strings (`size()`,
+// appending one to another, the comparison of two) counts every character.  A null pointer is
+// an empty text wherever text is accepted.
 
 #include "kzgis/utstring.h"
 

@@ -84,7 +84,7 @@ kz_ulong KZ_GIS_ESRI_ShapeHeader_c::ReadHeader() {
 }
 
 // Stricter than the format: of its types only the five that the readers know pass, and a box
-// without width or height, as that of a single point or of a straight road, is refused.
+// without width or height, as that of a single point or of a line along an axis, is refused.
 kz_ulong KZ_GIS_ESRI_ShapeHeader_c::ValidateFileHeader() const {
   if (stream_ != nullptr && !stream_->is_open()) return status::not_open;
   if (file_code_ != kFileCode) return status::bad_file_code;
