@@ -1,5 +1,12 @@
-// The coordinate value.  Angles are kept in decimal degrees; 60 and 3600 are the only
-// conversion factors.
+// The coordinate value: a latitude, a longitude and an altitude.
+//
+// Both angles are kept in decimal degrees; 60 and 3600 are the only conversion factors.  One
+// rule, `checkValues`, keeps every stored angle in its range, and everything else in this
+// file goes through it: the constructors, the setters of an angle, `+=` and `-=`.  Copies and
+// the altitude need no rule.
+//
+// The class keeps a fixed interface bit for bit.  The order of the operations decides the last
+// bit of an angle, so each expression stands as that interface has it.
 
 #include "kzgis/latlon.h"
 
@@ -20,10 +27,19 @@ constexpr double kTurn_deg = 360.0;
 
 static_assert(std::numeric_limits<double>::is_iec559, "angles are IEEE 754 doubles");
 
+/// Decimal degrees from a triple.
+///
+/// The sign of the degrees is not spread to the other two components: each carries its own,
+/// so that (0, -30, 0) is half a degree south or west, and (-45, 30, 0) is -44.5.
 double degrees_from_dms(double deg, double min, double sec) {
   return deg + (min * kSecPerMin + sec) / kArcSecPerDegree;
 }
 
+/// The inverse of `degrees_from_dms`, but for the rounding of the seconds.
+///
+/// Both truncations go toward zero, not down, so that all three parts have the sign of the
+/// angle or are zero.  An angle that is NaN or infinite has no whole degrees: the smallest
+/// 32-bit integer stands in for them, so that the conversion is defined.
 void split_dms(double angle, double* deg, double* min, double* sec) {
   const double whole_deg = truncate_to_int32(angle);
   const double rest_sec = (angle - whole_deg) * kArcSecPerDegree;
@@ -45,7 +61,19 @@ constexpr double kLastArriving = 0x1p62;
 /// of every single step, but many at once.
 ///
 /// Between two powers of two all doubles lie equally far apart, so after the first step
-/// has settled any tie to even, every step that stays there is rounded to one length.
+/// has settled any tie to even, every step that stays there is rounded to one length:
+///
+///   lon from    spacing    length of a step of 360
+///   2^56         16        352, a tie: 22.5 spacings
+///   2^57         32        352
+///   2^58         64        384
+///   2^59        128        384
+///   2^60        256        256
+///   2^61        512        512
+///
+/// Each turn of the loop takes one real step first and then as many of that length as end at
+/// least 360 above the power of two below.  All these steps therefore round within the same
+/// spacing; the next ones, which may cross the power of two, are real steps again.
 double step_below_exact(double lon) {
   constexpr auto kTurn = static_cast<std::int64_t>(kTurn_deg);
   while (lon >= kExactSteps) {
@@ -54,7 +82,7 @@ double step_below_exact(double lon) {
     const auto here = static_cast<std::int64_t>(lon);
     const auto binade_floor = static_cast<std::int64_t>(std::ldexp(1.0, std::ilogb(lon)));
     const std::int64_t room = here - binade_floor;
-    if (room < kTurn) continue;
+    if (room < kTurn) continue;  // the next step may leave this spacing
     const std::int64_t length = here - static_cast<std::int64_t>(lon - kTurn_deg);
     const std::int64_t steps = (room - kTurn) / length;
     lon = static_cast<double>(here - steps * length);
@@ -64,6 +92,10 @@ double step_below_exact(double lon) {
 
 /// Wraps a longitude into [0, 360): the value that adding +-360 again and again ends at,
 /// to the last bit, without the millions of additions.
+///
+/// A remainder alone is not that value: `std::fmod` is exact, while an addition rounds once
+/// the neighbouring doubles lie farther apart than 8, and a step up from a negative value
+/// rounds when it passes zero.
 ///
 /// What those additions never bring into the range is not looped over: infinities and
 /// NaN stay as they are; a finite value beyond +-2^62 is wrapped by its remainder.
@@ -80,6 +112,7 @@ double wrap_longitude(double lon) {
     // Landing on zero gives +0; the last step may round up to 360 itself.
     lon = magnitude == 0.0 ? 0.0 : kTurn_deg - magnitude;
   }
+  // A negative longitude may have been rounded up to 360, which becomes 0 here.
   if (lon >= kTurn_deg) {
     if (lon >= kExactSteps && lon <= kLastArriving) lon = step_below_exact(lon);
     lon = std::fmod(lon, kTurn_deg);
@@ -89,6 +122,8 @@ double wrap_longitude(double lon) {
 
 }  // namespace
 
+// The public templates widen every integer type to this one, so that an `int`, a `long` and a
+// `long long` mean the same number of arc-seconds on every host.
 LatLon::LatLon(ArcSeconds lat, ArcSeconds lon)
     : LatLon(static_cast<double>(lat.value) / kArcSecPerDegree,
              static_cast<double>(lon.value) / kArcSecPerDegree) {}
@@ -117,13 +152,16 @@ LatLon::LatLon(const double* lat_dms, const double* lon_dms) : LatLon(lat_dms, l
 LatLon::LatLon(const double* lat_dms, const double* lon_dms, double altitude)
     : LatLon(lat_dms[0], lat_dms[1], lat_dms[2], lon_dms[0], lon_dms[1], lon_dms[2], altitude) {}
 
-// Assignment moves a position, not a height (LatLonAssign.KeepsTheTargetsAltitude).
+// Assignment moves a position, not a height (LatLonAssign.KeepsTheTargetsAltitude).  Both
+// angles are in range in the other point already, so nothing is normalised.
 LatLon& LatLon::operator=(const LatLon& other) {
   lat_ = other.lat_;
   lon_ = other.lon_;
   return *this;
 }
 
+// A setter of one angle normalises both.  The other angle is in its range already and stays
+// as it is.
 void LatLon::setLat(ArcSeconds lat) { setLat(static_cast<double>(lat.value) / kArcSecPerDegree); }
 void LatLon::setLon(ArcSeconds lon) { setLon(static_cast<double>(lon.value) / kArcSecPerDegree); }
 
@@ -175,12 +213,16 @@ LatLon& LatLon::operator-=(const LatLon& other) {
   return *this;
 }
 
+// A flat plane on purpose: the result serves to compare distances, and neither the cosine of
+// the latitude nor the way round across longitude 0 is part of the interface.
 double LatLon::distanceSQ(LatLon other) const {
   const double lon_arcsec = (other.lon_ - lon_) * kArcSecPerDegree;
   const double lat_arcsec = (other.lat_ - lat_) * kArcSecPerDegree;
   return lon_arcsec * lon_arcsec + lat_arcsec * lat_arcsec;
 }
 
+// Comparisons are exact and longitudes are compared as they are stored, in [0, 360).  With a
+// NaN all comparisons of that angle are false, so that no case below applies.
 direction LatLon::whichWay(const LatLon& other) const {
   const bool north = other.lat_ > lat_;
   const bool south = lat_ > other.lat_;
@@ -199,6 +241,8 @@ direction LatLon::whichWay(const LatLon& other) const {
   return SamePlace;
 }
 
+// The bodies of the public operations on triples.  The first two store the angle as it comes;
+// their callers normalise.
 void LatLon::latFromDMS(double deg, double min, double sec) {
   lat_ = degrees_from_dms(deg, min, sec);
 }
@@ -215,8 +259,14 @@ void LatLon::lonToDMS(double* deg, double* min, double* sec) const {
   split_dms(lon_, deg, min, sec);
 }
 
-/// Normalises the two angles; 1 when the latitude was legal, 0 when it was clamped.  A
-/// wrapped longitude does not count as a correction.
+/// Normalises the two angles in place.
+///
+/// Longitudes wrap and latitudes are clamped.  A latitude past a pole is not reflected, and
+/// the longitude is not turned by 180 degrees with it: the interface wants the nearest pole.
+/// Written so that a NaN latitude passes both comparisons and stays.
+///
+/// @return 1 when the latitude was legal, 0 when it was clamped.  A wrapped longitude does not
+///         count as a correction
 int LatLon::checkValues(double* lat, double* lon) {
   *lon = wrap_longitude(*lon);
   if (*lat < -90.0) {
@@ -230,6 +280,7 @@ int LatLon::checkValues(double* lat, double* lon) {
   return 1;
 }
 
+// With a NaN in either point the points differ: `==` answers 0 and `!=` answers 1.
 int operator==(LatLon a, LatLon b) {
   return a.fetchLat() == b.fetchLat() && a.fetchLon() == b.fetchLon() ? 1 : 0;
 }
@@ -238,6 +289,7 @@ int operator!=(LatLon a, LatLon b) {
   return a.fetchLat() != b.fetchLat() || a.fetchLon() != b.fetchLon() ? 1 : 0;
 }
 
+// The altitude goes out as it is; the blanks and the missing line end belong to the format.
 std::ostream& operator<<(std::ostream& os, const LatLon& point) {
   double deg = 0.0;
   double min = 0.0;

@@ -1,3 +1,15 @@
+// The blocks of a USGS DEM and the fields in them, for the reader of whole grids.
+//
+// "Standards for Digital Elevation Models" (USGS) has blocks of 1024 bytes and nothing between
+// them.  Files are met in which each block is a line of its own, and in which the blanks at the
+// end of such lines have been cut off.  The cursor finds out at every block which it is.
+//
+// What holds while a block is entered, all offsets counted from the start of the file:
+//   start_ <= end_ <= next_ <= known_end()   the block, the line end behind it, the next one
+//   base_ <= start_                          the window holds the whole block
+//   end_ == known_end()                      only where the file itself ends the block
+// Behind the first block at least `kBeforeBytes` bytes in front of the block are in the window.
+
 #include "dem/block_cursor.h"
 
 #include <algorithm>
@@ -9,12 +21,15 @@
 namespace kzgis::dem {
 namespace {
 
+/// Room for a block, its line end and what is kept in front of it, many times over.
 constexpr std::size_t kWindowBytes = std::size_t{1} << 16;
+/// Of the longest line end, CRLF.
 constexpr std::size_t kLineEndBytes = 2;
-/// Kept in front of the present block.
+/// Kept in front of the present block: `plain_elevation` looks at two bytes before its field.
 constexpr std::size_t kBeforeBytes = 8;
 
-/// The fields that every header has end here: no line end can stand before.
+/// The fields that every header has end here: no line end can stand before.  A NUL or a line
+/// end in the texts of a header is one of their characters.
 constexpr std::size_t kOldHeaderBytes = 864;
 
 }  // namespace
@@ -29,6 +44,11 @@ BlockCursor::BlockCursor(std::FILE* file) : file_(file), buffer_(kWindowBytes) {
 
 /// Moves the window so that it holds the block at `start` and what can follow it, or ends
 /// with the file.
+///
+/// What the window has already of that part of the file moves to the front of the buffer, and
+/// the file fills the rest.  Nothing is ever read twice, and nothing is sought.  A short read is
+/// the end of the file; an error of the host looks the same here, and `read_dem` asks the
+/// stream for it.
 void BlockCursor::load(std::size_t start) {
   const std::size_t from = start - std::min(start, kBeforeBytes);
   const std::size_t kept = known_end() - std::min(from, known_end());
@@ -41,6 +61,10 @@ void BlockCursor::load(std::size_t start) {
 }
 
 /// Enters the block at `start`; a line end may stand from its byte `from` on.
+///
+/// A line end among the block's 1024 bytes ends it early: its blanks were cut off.  Otherwise
+/// the block has all its bytes, or those up to the end of the file, and one line end behind
+/// them is passed over: LF, CRLF or a CR alone.
 void BlockCursor::enter(std::size_t start, std::size_t from) {
   if (file_ != nullptr && start + kBlockBytes + kLineEndBytes >= known_end()) load(start);
   start_ = std::min(start, known_end());
@@ -61,6 +85,10 @@ void BlockCursor::enter(std::size_t start, std::size_t from) {
 }
 
 /// The next `width` bytes, or those of them that the block has.
+///
+/// A field that would reach byte 1021 begins the next block, whatever its type.  The classic
+/// reader makes that move for integers alone.  No sound file shows the difference: only its
+/// elevations, which are integers, come near the end of a block.
 std::string_view BlockCursor::take(int width) {
   if (count_ + width >= kBlockLimit) next_block();
   const std::size_t from = std::min(offset(), end_);
@@ -69,10 +97,14 @@ std::string_view BlockCursor::take(int width) {
   return window_.substr(from - base_, size);
 }
 
-/// True when the end of the file, not that of a line, made a field short.
+/// True when the end of the file, not that of a line, made a field short.  What is missing at
+/// the end of a line were blanks.
 bool BlockCursor::is_cut(std::string_view field, int width) const {
   return field.size() < static_cast<std::size_t>(width) && in_last_block();
 }
+
+// A number of blanks only, missing ones included, is 0.  A field that holds anything but blanks
+// around one number has no value: the least int stands for it, or NaN.
 
 int BlockCursor::read(char* c) {
   const std::string_view field = take(1);
@@ -115,6 +147,8 @@ int BlockCursor::read(UtDate* d, int width) {
 
 int BlockCursor::skip(int bytes) { return is_cut(take(bytes), bytes) ? -1 : 1; }
 
+// The same fields as by single reads of six bytes, found at once: those that end before byte
+// 1021 and that the block holds in full.
 std::string_view BlockCursor::take_elevations(std::size_t most) {
   if (count_ + kElevationWidth >= kBlockLimit) next_block();
   const auto room = static_cast<std::size_t>(kBlockLimit - 1 - count_);

@@ -47,7 +47,7 @@ class BlockCursor {
   int read(char* c);
   int read(UtString* s, int width);
   int read(int* v, int width);
-  /// Takes exponents with D, the usual ones of Fortran, like those with E.
+  /// Reads exponents with D, the usual ones of Fortran, like those with E.
   int read(double* v, int width);
   int read(UtDate* d, int width);
   int skip(int bytes);

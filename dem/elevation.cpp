@@ -4,6 +4,14 @@
 // Placement follows chapter 2 of "Standards for Digital Elevation Models" (USGS): a profile's
 // base coordinates are those of its southernmost point.  A 7.5-minute quadrangle, cut along
 // meridians and parallels, is a tilted quadrilateral in UTM: its profiles differ in length.
+//
+// The steps, each of which can refuse the file:
+//   read_header    record A; plan and units of the grid are known
+//   read_profiles  every profile is in memory, its elevations final but for their places
+//   place          the grid's size is known and bounded by the file's, and each profile has a
+//                  column that no other has, and a row
+//   make_grid      the elevations are in their cells, and what has none is NaN
+// Refusals name the byte that they speak of.
 
 #include "kzgis/elevation.h"
 
@@ -31,16 +39,18 @@ using dem::ProfileHeader;
 using dem::RecordA;
 
 constexpr double kRadiansPerDegree = 0.017453292519943295;
+/// What a cell without an elevation holds.  Comparisons with it are false.
 constexpr float kNoElevation = std::numeric_limits<float>::quiet_NaN();
 
-/// Larger coordinates, steps and elevations are no numbers of the Earth; within it, nothing
-/// below overflows.
+/// The largest magnitude of a coordinate, step or datum that is believed.  No number of the
+/// Earth is larger, and sums and products of smaller ones stay far from overflow.
 constexpr double kLargest = 1e12;
 
 /// Rows and columns of a grid at most.
 constexpr double kMost = 1e8;
 
-/// Profiles are the grid's columns; as many are stored at a time as share a line of cache.
+/// Profiles are the grid's columns; as many are stored at a time as have their elevations of
+/// one row in a line of cache, 64 bytes on most hosts.
 constexpr std::size_t kTogether = 16;
 
 bool is_sane(double value) { return std::abs(value) <= kLargest; }  // false for NaN
@@ -52,19 +62,21 @@ std::string quoted(std::string_view text) {
   return out + '"';
 }
 
+/// A text without the blanks around it.
 std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(' ');
   if (first == std::string_view::npos) return {};
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+/// An empty grid with the reason for it.
 ElevationGrid refused(Error error) {
   ElevationGrid grid;
   grid.error = std::move(error);
   return grid;
 }
 
-/// A profile as it stands in the file.
+/// A profile: first as it stands in the file, then with its place in the grid.
 struct Profile {
   ProfileHeader header;
   std::size_t offset = 0;  ///< of its first byte
@@ -75,6 +87,10 @@ struct Profile {
 };
 
 /// The number in a field of six characters; the two before it must be readable.
+///
+/// Nearly all fields are blanks and digits, which are read at once; signs and whatever else
+/// is there are left to the general reader.
+///
 /// @return nothing when the field holds anything else than one integer
 std::optional<int> elevation_of(const char* field) {
   if (const int plain = dem::plain_elevation(field); plain >= 0) return plain;
@@ -85,6 +101,8 @@ std::optional<int> elevation_of(const char* field) {
 }
 
 /// Reads one file.  Each step answers whether it went well, and sets the error when not.
+///
+/// A refused file leaves no half-made grid: what the caller sees then is an empty one.
 class GridReader {
  public:
   /// @param source  what a BlockCursor reads from
@@ -97,10 +115,12 @@ class GridReader {
   }
 
  private:
+  /// Sets the error; false, so that a step can end with it.
   bool refuse(const std::string& why) {
     grid_.error = {ErrorKind::bad_data, std::string(name_) + ": " + why};
     return false;
   }
+  /// The same about a profile that is being read, so that its number is one past those stored.
   bool refuse_profile(const Profile& profile, const std::string& why) {
     return refuse("profile " + std::to_string(profiles_.size() + 1) + " at byte " +
                   std::to_string(profile.offset) + ": " + why);
@@ -120,7 +140,10 @@ class GridReader {
   ElevationGrid grid_;
 };
 
-/// Reads record A and takes from it all that does not depend on profiles.
+/// Reads record A and derives from it all that does not depend on profiles.
+///
+/// A file of any other kind is refused here: its bytes hardly make codes, sizes, steps and
+/// coordinates at all the places where they are asked for.
 bool GridReader::read_header() {
   RecordA& a = grid_.header;
   const auto missing = dem::read_record_a(
@@ -130,9 +153,11 @@ bool GridReader::read_header() {
     return refuse("not a USGS DEM: the file ends within its header, at byte " +
                   std::to_string(cursor_.block_end()));
   }
+  // The standard has 1 for a regular grid; files with a 4 are met, and GDAL reads them too.
   if (a.pattern != 1 && a.pattern != 4) {
     return refuse("not a USGS DEM of a regular grid: the pattern code at byte 150 is not 1");
   }
+  // The standard has the codes 0 to 20; files with -9999 are met, and GDAL reads them too.
   if (a.ground_plan != -9999 && (a.ground_plan < 0 || a.ground_plan > 20)) {
     return refuse("not a USGS DEM: byte 156 has no code of a ground plan");
   }
@@ -156,6 +181,7 @@ bool GridReader::read_header() {
         "the header has geographic coordinates at byte 156, but not their units at "
         "byte 528");
   }
+  // Accepted: what follows translates codes, and an unknown one leaves the grid's default.
   grid_.name = trimmed(a.quadrangle.str());
   grid_.zone = a.ground_zone;
   switch (a.ground_plan) {
@@ -181,7 +207,10 @@ bool GridReader::read_header() {
   return true;
 }
 
-/// Reads the profiles, as many as record A announces.
+/// Reads the profiles, as many as record A announces; whatever follows them is left alone.
+///
+/// The number is a claim, and is not trusted with memory: each profile must be there before
+/// the next one is looked for.  Every profile begins a block.
 bool GridReader::read_profiles() {
   const int announced = grid_.header.size[1];
   for (int i = 0; i < announced; ++i) {
@@ -215,6 +244,8 @@ bool GridReader::read_profiles() {
   return true;
 }
 
+/// Reads the elevations of a profile, as many as a block holds at a time, and makes them final:
+/// the field times the resolution in z, plus the local datum, or NaN for a void.
 bool GridReader::read_elevations(Profile& profile) {
   const double resolution = grid_.header.resolution[2];
   const double datum = profile.header.local_datum;
@@ -244,6 +275,8 @@ bool GridReader::read_elevations(Profile& profile) {
       }
       raw[i] = *elevation;
     }
+    // Apart from the loop above, which reads text: this one the compiler can turn into
+    // operations on several numbers at once.
     profile.values.resize(profile.values.size() + count);
     float* const values = profile.values.data() + profile.values.size() - count;
     for (std::size_t i = 0; i < count; ++i) {
@@ -258,13 +291,16 @@ bool GridReader::read_elevations(Profile& profile) {
 /// Lays out the grid and gives each profile its place.
 ///
 /// The quadrangle's corners tell how far the grid reaches from south to north, the base
-/// coordinates how far from west to east.
+/// coordinates how far from west to east.  Coordinates become rows and columns by rounding to
+/// the nearest step; until the units are divided out at the end, all are in the file's unit.
 bool GridReader::place() {
   const RecordA& a = grid_.header;
   const double step_x = a.resolution[0];
   const double step_y = a.resolution[1];
   double south = std::min(a.corners[0][1], a.corners[3][1]);
   double north = std::max(a.corners[1][1], a.corners[2][1]);
+  // The corners of a projected quadrangle lie anywhere, its elevations at whole multiples of
+  // the step; the rows must stand there.
   if (grid_.plan != GroundPlan::geographic) {
     south = std::floor(south / step_y) * step_y;
     north = std::ceil(north / step_y) * step_y;
@@ -275,8 +311,10 @@ bool GridReader::place() {
   const double west = first->header.base[0];
   const double columns = std::floor((last->header.base[0] - west) / step_x + 0.5) + 1.0;
   const double rows = std::floor((north - south) / step_y + 1.5);
-  // An elevation takes six bytes and a profile at least 144, while few cells of a quadrangle
-  // are outside of it.  Neither number is beyond an int then, and NaN is refused too.
+  // A sound file has more bytes than its grid has cells: an elevation takes six bytes and a
+  // profile at least 144, while few cells of a quadrangle are outside of it.  This bounds the
+  // grid's memory by four times the file's size.  Neither number is beyond an int then, and
+  // NaN is refused too.
   if (!(rows >= 1.0 && rows <= kMost && columns <= kMost &&
         columns * rows <= static_cast<double>(cursor_.offset()))) {
     return refuse(
@@ -288,9 +326,12 @@ bool GridReader::place() {
     const double row = std::floor((profile.header.base[1] - south) / step_y + 0.5);
     profile.column =
         static_cast<kz_long>(std::floor((profile.header.base[0] - west) / step_x + 0.5));
-    // Whatever lies beyond either end is as far as that.
+    // Whatever lies beyond either end is as far as that; adding a profile's length, which has
+    // six digits at most, still fits an int.
     profile.row = static_cast<kz_long>(std::clamp(row, -1e9, 1e9));
   }
+  // By column, so that twins are neighbours, and neighbours are stored together later.  By
+  // offset within a column, so that the message names the first of the two first.
   std::sort(profiles_.begin(), profiles_.end(), [](const Profile& p, const Profile& q) {
     return std::pair(p.column, p.offset) < std::pair(q.column, q.offset);
   });
@@ -302,6 +343,7 @@ bool GridReader::place() {
                   std::to_string(std::next(twin)->offset) + " stand in the same column");
   }
 
+  // Only now, so that rows and columns were found in the very numbers of the file.
   double units = 1.0;  // of the file in one of the grid
   if (grid_.plan == GroundPlan::geographic) {
     units = a.ground_units == 3 ? 3600.0 : kRadiansPerDegree;
@@ -318,12 +360,15 @@ bool GridReader::place() {
   return true;
 }
 
+/// Stores every elevation in its cell.  Profiles are in the order of their columns.
 bool GridReader::make_grid() {
   grid_.elevations.assign(
       static_cast<std::size_t>(grid_.columns) * static_cast<std::size_t>(grid_.rows), kNoElevation);
   for (std::size_t i = 0; i < profiles_.size(); i += kTogether) {
     fill_columns(std::span(profiles_).subspan(i, std::min(kTogether, profiles_.size() - i)));
   }
+  // A grid of nothing but NaN would say that the file has no elevations, while it is the
+  // corners that are wrong.
   std::size_t total = 0;
   for (const Profile& profile : profiles_) total += profile.count();
   if (total > 0 && grid_.left_out == total) {
@@ -333,7 +378,11 @@ bool GridReader::make_grid() {
   return true;
 }
 
-/// Stores the elevations of up to `kTogether` profiles, row by row.
+/// Stores the elevations of up to `kTogether` profiles, and counts those outside of the grid.
+///
+/// This turns columns into rows: a profile's elevations are neighbours in the file, while the
+/// grid has those of a row side by side.  Rows count from the south here and from the north in
+/// the grid, so that the order is turned round as well.
 void GridReader::fill_columns(std::span<const Profile> profiles) {
   // What the inner loop needs of a profile, and no more.
   struct Column {
@@ -348,6 +397,7 @@ void GridReader::fill_columns(std::span<const Profile> profiles) {
     const Profile& profile = profiles[i];
     columns[i] = {profile.values.data(), profile.row, profile.row + profile.header.size[0],
                   profile.column};
+    // Both ends within the grid: their difference is the part that lies inside, if any.
     const kz_long inside =
         std::clamp(columns[i].to, 0, grid_.rows) - std::clamp(columns[i].from, 0, grid_.rows);
     grid_.left_out += profile.count() - static_cast<std::size_t>(inside);
@@ -406,6 +456,9 @@ float ElevationGrid::at(kz_long row, kz_long column) const {
 double ElevationGrid::x(kz_long column) const { return west + column * step_x; }
 double ElevationGrid::y(kz_long row) const { return north - row * step_y; }
 
+// Both forms read by the same steps.  Containers of the standard library throw when memory runs
+// out; here that ends, and becomes an error like any other.
+
 ElevationGrid read_dem(std::span<const char> bytes, std::string_view name) {
   try {
     return GridReader(bytes, name).read();
@@ -426,6 +479,8 @@ ElevationGrid read_dem(const std::string& path) {
     if (!file) return refuse("cannot be opened");
     (void)std::setvbuf(file.get(), nullptr, _IONBF, 0);  // read in large pieces as it is
     ElevationGrid grid = GridReader(file.get(), path).read();
+    // A read that failed looked like the end of the file to the cursor, and the grid's own
+    // error, if it has one, says so; the host's failure is the better reason.
     return std::ferror(file.get()) == 0 ? std::move(grid) : refuse("cannot be read");
   } catch (const std::bad_alloc&) {
     return refused(no_memory(path));

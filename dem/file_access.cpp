@@ -1,5 +1,13 @@
 // The file side of USGS DEM reading: blocks of 1024 bytes, their byte counter, and the
-// readers of single fields.
+// readers of single fields.  The format is that of "Standards for Digital Elevation Models"
+// (USGS), as the classic classes understand it; dem/layout.h has the fields.
+//
+// The counter says how many bytes of the present block are used.  It is kept beside the stream
+// and not derived from its position: `skipFile` and the accounting of single bytes move the two
+// in ways of their own, and the classes keep a fixed interface bit for bit.  What holds between
+// operations is counter < 1021.  A byte that would bring the counter to 1021 belongs to the next
+// block: the stream moves on by 1024 less the counter, the counter becomes 0, and that byte is
+// not counted there.
 
 #include <algorithm>
 #include <iostream>
@@ -19,6 +27,7 @@ DEM_LRA::DEM_LRA(const UtString& name) {
   resetByteCount();
 }
 
+// The message shows the name as it was passed, `fetchFileName` the expanded one.
 int DEM_LRA::setFN(const UtString& name) {
   if (is_open()) close();
   char expanded[kzgis::kPathBytes];
@@ -39,6 +48,8 @@ int DEM_LRA::setFN(const UtString& name) {
   return 1;
 }
 
+// The flags are cleared even if the close has failed: this operation cannot.  The fields of the
+// last file stay readable.
 int DEM_LRA::closeFN() {
   if (is_open()) close();
   clear();
@@ -65,11 +76,13 @@ void DEM_LRA::move_forward(std::int64_t bytes) {
     return;
   }
   ignore(bytes);
-  // An `ignore` that ends at the last byte may look one further; a seek would not.
+  // An `ignore` that ends at the last byte may look one further and find the end of the file;
+  // a seek would not, and neither may the next reader fail for it.
   if (eof() && gcount() == bytes) clear(rdstate() & ~std::ios_base::eofbit);
 }
 
 int DEM_LRA::addByteCount(int n) {
+  // In 64 bits, and with a floor: a derived class may count any number, a negative one too.
   const std::int64_t sum = std::int64_t{byte_count_} + n;
   if (sum < kzgis::dem::kBlockLimit) {
     byte_count_ = static_cast<int>(
@@ -88,12 +101,17 @@ void DEM_LRA::moveToNextBlock() {
   byte_count_ = 0;
 }
 
+// The stream has moved already when the bytes are counted.  A skip that reaches the end of its
+// block therefore moves on once more, by what the block had left before it; the interface has
+// it so.
 int DEM_LRA::skipFile(int n) {
   move_forward(n);
   if (!good()) return -1;
   addByteCount(n);
   return 1;
 }
+
+// Every reader leaves its variable alone, but for texts, when the field is not there in full.
 
 int DEM_LRA::readFile(char* c) {
   incByteCount();
@@ -104,6 +122,10 @@ int DEM_LRA::readFile(char* c) {
 }
 
 /// Counts and reads bytes one after another, those of a block in one piece.
+///
+/// The counter and the stream end as by `incByteCount` and `get` for each byte.  The caller
+/// asks for no more than the block has left, or for one byte where it has none left: that one
+/// moves to the next block.
 /// @return how many of the `most` there were before the end of the file
 int DEM_LRA::read_in_block(char* bytes, int most) {
   incByteCount();
@@ -114,6 +136,8 @@ int DEM_LRA::read_in_block(char* bytes, int most) {
   return got;
 }
 
+// A text may begin in one block and end in the next.  Integers alone are kept in one piece, and
+// dates with them; the interface makes that difference.
 int DEM_LRA::readFile(UtString* s, int width) {
   *s = "";
   if (width < 0) return -1;
@@ -128,13 +152,15 @@ int DEM_LRA::readFile(UtString* s, int width) {
     text.append(piece, static_cast<std::size_t>(got));
     missing -= got;
   }
-  // The last characters of a field may be missing: they are no characters.
+  // A field that the end of the file cuts short has no NUL, and the caller its -1.
   const bool whole = text.size() == static_cast<std::size_t>(width);
   if (whole) text += '\0';
   *s = text;
   return whole ? 1 : -1;
 }
 
+// The room is bounded, since a width is the caller's and may be any number.  What stands behind
+// the digits of a field is not looked at: reading judges nothing.
 int DEM_LRA::readFile(int* v, int width) {
   field_buffer_.reserve(static_cast<std::size_t>(std::clamp(width, 0, kzgis::dem::kBlockBytes)));
   if (std::int64_t{byte_count_} + width >= kzgis::dem::kBlockLimit) moveToNextBlock();
@@ -143,6 +169,7 @@ int DEM_LRA::readFile(int* v, int width) {
   return 1;
 }
 
+// `real_of` knows exponents with E only, as `atof` does: 0.15D+03 is 0.15.
 int DEM_LRA::readFile(double* v, int width) {
   UtString text;
   if (readFile(&text, width) == -1) return -1;
@@ -157,9 +184,11 @@ int DEM_LRA::readFile(UtDate* d, int width) {
   return 1;
 }
 
+// As many single reads of six characters would do the same, one block at most.  What is left of
+// a field that the end of the file cuts short counts as read and is no elevation.
 int DEM_LRA::read_elevations(int* values, int most) {
   using kzgis::dem::kElevationWidth;
-  constexpr int kBefore = 2;  // that plain_elevation looks at
+  constexpr int kBefore = 2;  // bytes in front of a field that plain_elevation looks at
   char piece[kBefore + kzgis::dem::kBlockLimit] = {};
   if (std::int64_t{byte_count_} + kElevationWidth >= kzgis::dem::kBlockLimit) moveToNextBlock();
   if (!good()) return 0;

@@ -1,5 +1,12 @@
-// The layout of USGS DEM files, stated once for both readers: that of the classic classes,
-// which reads from a stream, and that of the grid, which reads from memory.
+// The layout of USGS DEM files, after "Standards for Digital Elevation Models" (USGS), stated
+// once for both readers: that of the classic classes, which reads from a stream, and that of
+// the grid, which reads through a `BlockCursor`.
+//
+// Files are text in blocks of 1024 bytes: one block for record A, the header, then for each
+// profile a record B, which begins a block and goes on in as many more as it needs.  Fields have
+// fixed widths and no separators.  The tables below have them as Fortran writes them: A40 is 40
+// characters, I6 an integer of six, D24.15 a real number of 24, with an exponent that begins
+// with D, E12.6 one of 12 with E; 3E12.6 are three in a row.
 
 #ifndef KZGIS_DEM_LAYOUT_H
 #define KZGIS_DEM_LAYOUT_H
@@ -14,6 +21,7 @@ namespace kzgis::dem {
 inline constexpr int kBlockBytes = 1024;
 /// A block is left as soon as a read would bring the count of its bytes to this many.
 inline constexpr int kBlockLimit = 1021;
+/// Characters of one elevation.
 inline constexpr int kElevationWidth = 6;
 
 /// What the format stores where there is no elevation.
@@ -35,8 +43,9 @@ inline std::ostream& operator<<(std::ostream& os, const MissingField& field) {
 
 /// The date that an integer field stands for.
 ///
-/// The second number is not the remainder by 100 but the difference to the quotient; callers
-/// know dates in this form (ReadDate.TakesTheDifferenceNotTheRemainder).
+/// The second number is not the remainder by 100 but the difference to the quotient: the
+/// classic classes keep a fixed interface bit for bit, and dates have this form there
+/// (ReadDate.TakesTheDifferenceNotTheRemainder).  The differences are those of 16-bit numbers.
 inline UtDate date_of(int n) {
   const auto quotient = static_cast<short>(n / 100);
   const auto rest = static_cast<short>(static_cast<short>(n) - quotient);
@@ -61,7 +70,8 @@ inline UtDate date_of(int n) {
 ///   546  4(2D24.15) corners
 ///
 /// `read(&field, width)`, or `read(&c)` for one character, and `skip(bytes)` answer -1 when
-/// the file ends first.
+/// the file ends first.  The order of the calls is the order of the file, and the texts are
+/// those of the classic messages, misspelt ones included.
 /// @return the field that could not be read; nothing when all were
 template <class Read, class Skip>
 std::optional<MissingField> read_record_a(RecordA& a, Read read, Skip skip) {

@@ -1,5 +1,8 @@
-// Numbers out of text fields.  `std::from_chars` knows no locale; what C's conversions take
-// beyond it (leading blanks, a plus sign, "0x", results out of range) is added here.
+// Numbers out of text fields.
+//
+// C's `atoi` and `atof` follow the locale of the process, in which a number may have a comma;
+// files do not.  `std::from_chars` knows no locale; what C's conversions accept beyond it
+// (leading blanks, a plus sign, "0x", results out of range) is added here.
 
 #include "dem/number_text.h"
 
@@ -22,7 +25,7 @@ struct Unsigned {
 };
 
 Unsigned without_sign(std::string_view text) {
-  // What isspace() takes in the locale "C".
+  // What isspace() accepts in the locale "C".
   text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
   if (text.empty() || (text.front() != '-' && text.front() != '+')) return {text, false};
   return {text.substr(1), text.front() == '-'};
@@ -69,6 +72,7 @@ NumberText<int> integer_of(std::string_view text) {
   constexpr long long kMax = std::numeric_limits<int>::max();
   long long value = 0;
   std::size_t i = 0;
+  // The sum stops one above the largest int, which is the magnitude of the least one.
   for (; i < digits.size() && is_digit(digits[i]); ++i) {
     value = std::min(value * 10 + (digits[i] - '0'), kMax + 1);
   }
@@ -79,13 +83,15 @@ NumberText<int> integer_of(std::string_view text) {
 
 NumberText<double> real_of(std::string_view text) {
   auto [digits, negative] = without_sign(text);
-  // from_chars would take a second sign.
+  // from_chars would accept a second sign.
   if (digits.empty() || digits.front() == '-') return {};
 
   const bool hexadecimal = digits.size() > 2 && digits[0] == '0' &&
                            (digits[1] == 'x' || digits[1] == 'X') &&
                            (is_hex_digit(digits[2]) ||
                             (digits.size() > 3 && digits[2] == '.' && is_hex_digit(digits[3])));
+  // from_chars reads hexadecimal digits, but no "0x" in front of them.  A "0x" without a digit
+  // behind it is a 0 and some other text.
   if (hexadecimal) digits.remove_prefix(2);
 
   double value = 0.0;
@@ -93,6 +99,7 @@ NumberText<double> real_of(std::string_view text) {
   const auto [stop, error] = std::from_chars(
       digits.data(), end, value, hexadecimal ? std::chars_format::hex : std::chars_format::general);
   if (error == std::errc::invalid_argument) return {};
+  // from_chars does not tell too large from too small, and stores nothing.
   if (error == std::errc::result_out_of_range) {
     const auto length = static_cast<std::size_t>(stop - digits.data());
     value = is_too_large(digits.substr(0, length), hexadecimal)

@@ -1,4 +1,4 @@
-// Numbers out of text fields, as C's `atoi` and `atof` take them in the locale "C".
+// Numbers out of text fields, as C's `atoi` and `atof` read them in the locale "C".
 
 #ifndef KZGIS_DEM_NUMBER_TEXT_H
 #define KZGIS_DEM_NUMBER_TEXT_H
@@ -11,7 +11,7 @@
 
 namespace kzgis::dem {
 
-/// A number that a text begins with, and how much of the text it takes.
+/// A number that a text begins with, and how much of the text it occupies.
 template <class T>
 struct NumberText {
   T value = 0;             ///< 0 when there is none
@@ -41,7 +41,9 @@ inline int plain_elevation(const char* field) {
     std::uint64_t bytes = 0;
     std::memcpy(&bytes, field - 2, sizeof bytes);
     bytes >>= 16;  // the first character lowest
-    // A blank is 0x20 and becomes '0', 0x30; digits are 0x30 to 0x39 and stay.
+    // A blank is 0x20 and becomes '0', 0x30; digits are 0x30 to 0x39 and stay.  `zeroed` has
+    // their values, and `digits` is true when each is 0 to 9 and every byte without bit 4 was a
+    // blank, not another of that sort such as '!'.
     constexpr std::uint64_t kBit4 = 0x101010101010;
     const std::uint64_t blanks = ~bytes & kBit4;
     const int leading = std::countr_zero(bytes & kBit4) & ~7;
@@ -50,6 +52,7 @@ inline int plain_elevation(const char* field) {
                         (zeroed & (blanks >> 4) * 0xF) == 0;
     // Blanks nowhere but in front, and not everywhere.
     if (digits && leading < 48 && blanks == (kBit4 & ((std::uint64_t{1} << leading) - 1))) {
+      // Neighbours are joined three times: digits to pairs, pairs to fours, fours to the number.
       std::uint64_t v = zeroed << 16;  // two zeros in front make eight
       v = v * 10 + (v >> 8);
       v = ((v & 0x000000FF000000FF) * 0x000F424000000064 +

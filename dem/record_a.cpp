@@ -1,4 +1,8 @@
 // Logical record A of a USGS DEM: the header, and its report.
+//
+// The fields and their order are those of dem/layout.h; this file has what the classic class
+// makes of them.  Messages and report are part of a fixed interface, bit for bit: their words,
+// tabs, misspellings and line ends stay.  Messages of reading go to standard output.
 
 #include <bit>
 #include <cstdint>
@@ -8,6 +12,9 @@
 #include "kzgis/dem.h"
 
 namespace {
+
+// The codes of the format by name, as the report has them.  Codes that the format does not have
+// show as such and are no error: reading judges nothing.
 
 const char* process_name(int code) {
   switch (code) {
@@ -66,6 +73,10 @@ const char* ground_units_name(int code) {
 }
 
 /// Two codes as the halves of one double, on every host the same.
+///
+/// The report has this number in the place of the 15th projection parameter.  It is what the
+/// eight bytes that hold the two codes make when they are read as a double on a little-endian
+/// host, the lower half first, and it is part of the interface.
 double both_units(int ground, int elevation) {
   const std::uint64_t low = static_cast<std::uint32_t>(ground);
   const std::uint64_t high = static_cast<std::uint32_t>(elevation);
@@ -74,6 +85,10 @@ double both_units(int ground, int elevation) {
 
 }  // namespace
 
+/// Reads record A once per open file, and leaves the stream at the first profile.
+///
+/// Fields in front of the one that is missing keep their new values, those behind it their
+/// old ones.
 int DEM_LRA::ingest() {
   if (ingested_ == 1) return 1;
   ingested_ = 0;
@@ -88,6 +103,8 @@ int DEM_LRA::ingest() {
   ingested_ = 1;
   return 1;
 }
+
+// Plain readings of the fields; the arrays are handed out as they are, the object's own.
 
 UtString DEM_LRA::fetchQuadrangle() const { return a_.quadrangle; }
 UtString DEM_LRA::fetchInfo() const { return a_.info; }
@@ -118,6 +135,7 @@ UtDate DEM_LRA::fetchRevisionDate(char* flag) const {
 std::ostream& operator<<(std::ostream& os, const DEM_LRA& record) {
   const kzgis::dem::RecordA& a = record.a_;
   os << "---- Contents of Logical Record A in DEM file:" << std::endl;
+  // Texts show up to the NUL that ends each of them, blanks included.
   os << "\tPhysical filename: " << record.file_name_ << std::endl;
   os << "\tDEM Quadrangle: " << a.quadrangle << std::endl;
   os << "\tAddition Information: " << a.info << std::endl;
@@ -133,11 +151,12 @@ std::ostream& operator<<(std::ostream& os, const DEM_LRA& record) {
   os << "\tGround Zone: " << a.ground_zone << std::endl;
   os << "\tMap Parameters: " << std::endl;
   os << "\t\t(";
+  // Fourteen of the fifteen parameters: see both_units.
   for (int i = 0; i < 14; ++i) os << a.projection[i] << ",";
   os << both_units(a.ground_units, a.elevation_units) << ")" << std::endl;
   os << "\tMin Elev: " << a.min_max[0] << " Max Elev: " << a.min_max[1]
      << " Units: " << a.elevation_units << " (";
-  // Any other code leaves the line open.
+  // Any other code leaves the line open, so that the next one goes on in it.
   if (a.elevation_units == 0) os << "unspecified)" << std::endl;
   if (a.elevation_units == 1) os << "feet)" << std::endl;
   if (a.elevation_units == 2) os << "meters)" << std::endl;

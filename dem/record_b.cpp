@@ -1,4 +1,11 @@
 // Logical record B of a USGS DEM: one profile of elevations, and its report.
+//
+// A profile is a header of 144 bytes (dem/layout.h) and its elevations, and it ends with its last
+// block: the next profile begins a block of its own.  Elevations are kept as they stand in the
+// file; resolution and local datum are the caller's to apply.
+//
+// Messages and report are part of a fixed interface, bit for bit.  `readRecord` has two
+// prefixes, one of them with a single colon.
 
 #include <algorithm>
 #include <cstdint>
@@ -13,6 +20,8 @@ DEM_LogicalRecord::DEM_LogicalRecord() = default;
 
 DEM_LogicalRecord::DEM_LogicalRecord(const UtString& name) { setFN(name); }
 
+// A file that cannot be opened fails at record A too, and the messages about that follow the one
+// about the file.
 int DEM_LogicalRecord::setFN(const UtString& name) {
   DEM_LRA::setFN(name);
   if (ingest() == -1) {
@@ -26,6 +35,11 @@ int DEM_LogicalRecord::setFN(const UtString& name) {
   return 1;
 }
 
+/// Reads the next profile over the one before.
+///
+/// Nothing in a profile says that it is the last.  By the interface it is the one whose row and
+/// column are record A's numbers of rows and columns; a caller that goes on all the same
+/// meets whatever the file holds behind it.
 int DEM_LogicalRecord::readRecord() {
   if (fetchLRAIngest() == 0) {
     ingest();
@@ -46,6 +60,10 @@ int DEM_LogicalRecord::readRecord() {
 }
 
 /// Reads as many elevations as the profile claims, or as many as there are.
+///
+/// They come in pieces of a block at most, and the array grows piece by piece: a claim of more
+/// than the file holds costs no memory.  The former array is released first, so that no more
+/// than one profile is ever held.
 /// @return 1; -1, with one line on standard output and those read kept
 int DEM_LogicalRecord::read_all_elevations() {
   std::vector<int>().swap(elevations_);
@@ -55,7 +73,7 @@ int DEM_LogicalRecord::read_all_elevations() {
     return -1;
   };
   // One negative number makes a size that no memory can hold; two make a profile without
-  // elevations, as 0 does.
+  // elevations, as 0 does.  In 64 bits, so that no product is undefined.
   if (std::int64_t{b_.size[0]} * b_.size[1] < 0) return refuse();
   if (b_.size[0] <= 0 || b_.size[1] <= 0) return 1;
   const auto columns = static_cast<std::size_t>(b_.size[1]);
@@ -80,6 +98,8 @@ int DEM_LogicalRecord::read_all_elevations() {
   return 1;
 }
 
+// Plain readings of the profile read last.
+
 int DEM_LogicalRecord::fetchRowID() const { return b_.id[0]; }
 int DEM_LogicalRecord::fetchColID() const { return b_.id[1]; }
 int DEM_LogicalRecord::fetchElevRows() const { return b_.size[0]; }
@@ -102,6 +122,8 @@ const int* DEM_LogicalRecord::fetchElevations() const {
 
 std::size_t DEM_LogicalRecord::fetchElevationCount() const { return elevations_.size(); }
 
+// Two tests: the place must lie within the profile's own size, and the elevation there must
+// have been read.
 int DEM_LogicalRecord::fetchElevation(int r, int c) const {
   if (r < 0 || c < 0 || r >= b_.size[0] || c >= b_.size[1]) return kzgis::dem::kVoidElevation;
   const auto index =
@@ -119,7 +141,7 @@ std::ostream& operator<<(std::ostream& os, const DEM_LogicalRecord& record) {
   os << "\tLocal datum: " << b.local_datum << " "
      << "with min elev = " << b.min_max[0] << " and "
      << "max elev = " << b.min_max[1] << " ";
-  // A known unit brings an empty line with it.
+  // A known unit ends the line by itself, so that the last line end makes an empty one.
   if (record.fetchElvUnits() == 0) os << "(unspecified)" << std::endl;
   if (record.fetchElvUnits() == 1) os << "(feet)" << std::endl;
   if (record.fetchElvUnits() == 2) os << "(meters)" << std::endl;

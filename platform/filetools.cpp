@@ -1,4 +1,13 @@
-// Path variables and file opening.  The environment is the only configuration.
+// Path variables and file opening.
+//
+// A path may hold variables of the environment, which is the only configuration there is:
+//
+//   $NAME       the value of NAME
+//   $NAME<n>    entry n, counted from 0, of the value of NAME read as a list
+//
+// Everything else is ordinary text, a '$' without a name behind it included.  So is a variable
+// that has no value: it stays as it is written, since the message of a failed open then shows
+// what was missing.
 
 #include "kzgis/filetools.h"
 
@@ -22,11 +31,13 @@ constexpr char kListSeparator = ':';
 constexpr bool kBackslashSeparates = false;
 #endif
 
+// ASCII only, whatever the locale: a path means the same in every process.
 bool begins_name(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
 
 bool continues_name(char c) { return begins_name(c) || (c >= '0' && c <= '9'); }
 
-/// The n-th entry of a separated list; nothing when the list is shorter.
+/// The n-th entry of a separated list; nothing when the list is shorter.  Entries may be empty
+/// and count all the same: entry 1 of "a::b" is an empty text.
 std::optional<std::string_view> list_entry(std::string_view list, std::size_t n) {
   for (; n > 0; --n) {
     const std::size_t separator = list.find(kListSeparator);
@@ -53,7 +64,7 @@ Variable read_variable(std::string_view text) {
   const char* const value = std::getenv(name.c_str());
 
   // An index needs its digits and its closing bracket; anything else behind the name
-  // is ordinary text.
+  // is ordinary text.  Digits that no number can hold are past the end of any list.
   if (end < text.size() && text[end] == '<') {
     const char* const digits = text.data() + end + 1;
     const char* const text_end = text.data() + text.size();
@@ -73,6 +84,10 @@ Variable read_variable(std::string_view text) {
 }
 
 /// Expands every variable; stops early once the result cannot fit a path buffer.
+///
+/// What a variable stands for goes to the result and is not looked at again, so that no value
+/// can expand for ever.  A text that was cut off here is too long in any case, and the caller
+/// refuses it by its length.
 std::string expand(std::string_view text) {
   std::string out;
   while (!text.empty() && out.size() < kzgis::kPathBytes) {
@@ -92,7 +107,7 @@ std::string expand(std::string_view text) {
 }  // namespace
 
 char* FILEmap_variables(const char* name, char* buffer) {
-  // `name` may be the buffer itself: nothing is written before it has been read.
+  // `name` may be the buffer itself: nothing is written before all of it has been read.
   const std::string expanded = expand(name == nullptr ? "" : name);
   if (name == nullptr || expanded.size() >= kzgis::kPathBytes) {
     buffer[0] = '\0';
@@ -105,6 +120,7 @@ char* FILEmap_variables(const char* name, char* buffer) {
 std::FILE* FILEfopen(const char* path, const char* mode) {
   char expanded[kzgis::kPathBytes];
   if (FILEmap_variables(path, expanded) == nullptr) return nullptr;
+  // After the expansion, so that paths written for Windows may stand in the environment too.
   if (!kBackslashSeparates) {
     std::replace(expanded, expanded + std::strlen(expanded), '\\', '/');
   }

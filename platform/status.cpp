@@ -1,3 +1,8 @@
+// Progress reports of work that can take long, through one handler of the whole process.
+//
+// Handler and context are plain variables without a lock: a program installs them before its
+// threads begin to work, and a report costs nothing while nobody listens.
+
 #include "kzgis/status.h"
 
 namespace {
@@ -14,6 +19,7 @@ OMstatus_handler OMstatus_set_handler(OMstatus_handler handler, void* context) {
   return former;
 }
 
+// The interface has a result, which is always 0: a handler returns nothing to pass on.
 int OMstatus_check(int percent, const char* label, int /*reserved*/) {
   if (installed_handler != nullptr) installed_handler(percent, label, installed_context);
   return 0;

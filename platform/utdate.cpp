@@ -1,3 +1,6 @@
+// Dates as three numbers.  The reader of elevation models stores what its files say, which need
+// not be a date of any calendar, so that nothing is tested here.
+
 #include "kzgis/utdate.h"
 
 #include <ostream>

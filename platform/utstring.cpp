@@ -1,3 +1,10 @@
+// The string of the classic interfaces, a thin class over `std::string`.
+//
+// Fields of files keep a NUL of their own at their end.  What deals with text (`c_str()`, the
+// comparison with text, output) ends at the first NUL; what deals with whole strings (`size()`,
+// appending one to another, the comparison of two) counts every character.  A null pointer is
+// an empty text wherever text is accepted.
+
 #include "kzgis/utstring.h"
 
 #include <ostream>
@@ -40,6 +47,7 @@ void UtString::reserve(std::size_t capacity) { text_.reserve(capacity); }
 std::size_t UtString::size() const { return text_.size(); }
 bool UtString::empty() const { return text_.empty(); }
 
+// Not `std::tolower`: in some locales that changes other bytes, or the letter I differently.
 UtString& UtString::lower() {
   for (char& c : text_) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
@@ -54,6 +62,7 @@ UtString operator+(UtString a, const UtString& b) { return a.append(b); }
 UtString operator+(UtString a, const char* b) { return a.append(b); }
 UtString operator+(const char* a, const UtString& b) { return UtString(a).append(b); }
 
+// The left side is text too here, up to its first NUL.
 bool operator==(const UtString& a, const char* b) { return a.c_str() == text_or_empty(b); }
 bool operator==(const UtString& a, const UtString& b) { return a.str() == b.str(); }
 

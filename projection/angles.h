@@ -1,4 +1,7 @@
 // The angle constants and conversions that every projection shares.
+//
+// A projection turns its degrees into radians at its top, through the helpers of `Projection`
+// that stand on these, and an inverse turns its radians back at its end.
 
 #ifndef KZGIS_PROJECTION_ANGLES_H
 #define KZGIS_PROJECTION_ANGLES_H
@@ -15,8 +18,10 @@ namespace kzgis::projection {
 // and tests of the sign bit tell -0.0 from 0.0.
 static_assert(std::numeric_limits<double>::is_iec559);
 
-// Short of the true pi by 1e-9 (a 2 is where a 3 belongs in the ninth decimal).
-// Coordinates in the field were computed with it, so it must never be put right.
+// Short of the true pi by 1e-9 (a 2 is where a 3 belongs in the ninth decimal).  The classic
+// `Projection` keeps a fixed interface bit for bit, and every coordinate depends on this
+// constant, so it must never be put right.  A half and a quarter of it have the same bits
+// under smaller exponents: sums such as pi/4 - phi/2 cancel exactly at a pole.
 inline constexpr double kPi = 3.141592652589793;
 inline constexpr double kHalfPi = 1.5707963262948965;
 inline constexpr double kQuarterPi = 0.7853981631474483;
@@ -40,7 +45,8 @@ inline double clamp(double lat_deg) {
   return scratch.fetchLat();
 }
 
-// The division comes first in both: the order decides the last bit.
+// The division comes first in both: the order decides the last bit.  Going there and back
+// need not end at the same double.
 inline double radians(double angle_deg) { return angle_deg / 180.0 * kPi; }
 inline double degrees(double angle_rad) { return angle_rad / kPi * 180.0; }
 

@@ -2,8 +2,22 @@
 // Projections: A Working Manual", USGS Professional Paper 1395 (1987).  Angles are
 // radians unless a name says degrees.
 //
+// All five send a point, c radians of arc away from the base, in its true direction from the
+// base; they differ in the factor k alone (Snyder, chapters 20 to 25):
+//
+//   x = R k cos(phi) sin(dlambda)
+//   y = R k (cos(phi0) sin(phi) - sin(phi0) cos(phi) cos(dlambda))
+//
+//   Gnomonic          1 / cos(c)          straight lines are great circles
+//   Stereo            2 / (1 + cos(c))    conformal
+//   Orthographic      1                   the view from afar
+//   Postel            c / sin(c)          distances from the base are true
+//   LambertAzimuthal  sqrt(2 / (1 + cos(c)))  equal areas
+//
 // The order of the operations decides the last bits, which are promised: keep every
-// expression as it stands.  No point is refused, however far from the base it lies.
+// expression as it stands.  No point is refused, however far from the base it lies: where k
+// has no value the coordinates are infinities or NaN, except that Postel's projection has a
+// rule for the base itself.
 
 #include <algorithm>
 #include <cmath>
@@ -87,6 +101,7 @@ int Projection::Postel() {
   const double c = std::acos(std::clamp(cos_c, -1.0, 1.0));
   const double east = s.sin_dlambda * s.cos_phi;
   const double north = s.north();
+  // sin(c), from the components, so that they become a direction of length 1.
   double length = std::sqrt(east * east + north * north);
   // The base point and its opposite have no direction; any length but 0 will do.
   if (length == 0.0) length = 1.0;
@@ -99,7 +114,9 @@ int Projection::LambertAzimuthal() {
   type_ = LambertAzimuthalProj;
   const double phi = pointLatRad();
   const Aspect s(baseLatRad(), phi, pointLonRad() - baseLonRad());
-  // The aspect goes by the stored degrees, not by the short radians.
+  // Bases at a pole have formulas of their own, in half the distance from the north pole,
+  // which place the opposite pole too.  The aspect goes by the stored degrees, not by the
+  // short radians, whose cosine is 5e-10 at a pole and not 0.
   const double base_lat_deg = base_.fetchLat();
   double x = 0.0;
   double y = 0.0;

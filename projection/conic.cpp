@@ -2,6 +2,19 @@
 // Projections: A Working Manual", USGS Professional Paper 1395 (1987).  Angles are
 // radians unless a name says degrees.
 //
+// Parallels become arcs of circles about one centre, each with a radius rho, and a point lies
+// on its arc at the angle theta (E for the pseudo-conics) from the base meridian:
+//
+//   x = rho sin(theta)      y = rho0 - rho cos(theta)
+//
+// A true conic has theta = n dlambda with one cone constant n, so that meridians are straight
+// (Snyder, chapters 14 and 15).  In the pseudo-conics theta makes distances along each
+// parallel true: E = dlambda cos(phi) / rho (chapter 19).
+//
+// The true conics refuse parallels of 0, and no other projection refuses to work.  They switch
+// the object to their type and drop the former world coordinates before they look at the
+// parallels.
+//
 // The order of the operations decides the last bits, which are promised: keep every
 // expression as it stands.  Differences of longitudes are not brought into +-pi.
 
@@ -33,15 +46,20 @@ int Projection::LambertConical() {
   double rho0 = 0.0;
   if (fetchFirstPar() == fetchSecondPar()) {
     n = std::sin(phi1);
-    // Snyder takes the cotangent of the parallel; we take the base latitude's, and
-    // callers' coordinates depend on it (ConicTest.OneParallelUsesBaseLatitude).
+    // Snyder has the cotangent of the parallel here.  This class keeps a fixed interface bit
+    // for bit, and that has the cotangent of the base latitude
+    // (ConicTest.OneParallelUsesBaseLatitude).
     const double f = std::cos(phi0) / std::sin(phi0) * radius_;
     const double t = std::tan(kQuarterPi - phi * 0.5) / std::tan(kQuarterPi - phi1 * 0.5);
+    // No latitude within its range makes t negative; the interface states the rule all the
+    // same, here and below.
     rho = t < 0.0 ? 0.0 : std::pow(t, n) * f;
     // The point's own radius is its origin, where Snyder has the base latitude's
     // (ConicTest.OneParallelPutsTheBaseMeridianOnTheXAxis).
     rho0 = rho;
   } else {
+    // Snyder's formulas with tan(pi/4 - phi/2) for 1 / tan(pi/4 + phi/2), and the constant F
+    // spread over g and the quotient t.
     const double t1 = std::tan(kQuarterPi - phi1 * 0.5);
     n = (std::log(std::cos(phi1)) - std::log(std::cos(phi2))) /
         (std::log(t1) - std::log(std::tan(kQuarterPi - phi2 * 0.5)));
@@ -82,21 +100,25 @@ int Projection::Albers() {
     const double offset = k - cone_radius(phi0);
     const double rho = cone_radius(phi);
     const double theta = dlambda * s * 0.5;
-    // Here alone z is 0 and not the altitude.
+    // Of all flat projections this case alone has z = 0 in the place of the altitude; the
+    // interface has it so.
     storeWorld(std::sin(theta) * rho, k - std::cos(theta) * rho - offset, 0.0);
   } else {
-    const double s1 = std::sin(phi1);
+    const double s1 = std::sin(phi1);  // the cone constant
     const double r = std::sqrt(s1 * s1 + 1.0 - std::sin(phi) * 2.0 * s1);
     const double theta = dlambda * s1;
     const double x = std::sin(theta) * (r * radius_) / s1;
     // Snyder subtracts r * cos(theta) from the base latitude's radius; here the cosine
-    // takes the whole difference (ConicTest.AlbersWithOneParallelBendsAllOfY).
+    // multiplies the whole difference, and the radius is that of the parallel
+    // (ConicTest.AlbersWithOneParallelBendsAllOfY).
     const double y = (std::cos(phi1) - r) * radius_ * std::cos(theta) / s1;
     storeWorld(x, y, altitude_);
   }
   return 1;
 }
 
+// The base latitude is the standard parallel: its radius is the cotangent, so that the cone
+// touches the globe there.  At base latitude 0 the radius is infinite; nothing tests for it.
 int Projection::Bonne() {
   ensureWorld();
   type_ = BonneProj;
@@ -109,6 +131,8 @@ int Projection::Bonne() {
   return 1;
 }
 
+// Bonne's projection with the standard parallel at a pole, so that the radius is the distance
+// from that pole.  The base latitude chooses the pole and the origin on the base meridian.
 int Projection::Werner() {
   ensureWorld();
   type_ = WernerProj;
@@ -117,8 +141,8 @@ int Projection::Werner() {
   const double rho = kHalfPi - phi * sigma;
   const double e = (pointLonRad() - baseLonRad()) * std::cos(phi) / rho;
   const double x = std::sin(e) * (rho * radius_);
-  // About the south pole sigma * pi/2 - phi is minus rho: x takes the length and y the
-  // signed distance, so that the heart stands on its point.
+  // About the south pole sigma * pi/2 - phi is minus rho: x is made from the length and y
+  // from the signed distance, so that the heart stands on its point.
   const double y = std::cos(e) * ((sigma * kHalfPi - phi) * -radius_) -
                    (sigma * kHalfPi - baseLatRad()) * -radius_;
   storeWorld(x, y, altitude_);

@@ -2,6 +2,16 @@
 // after J. P. Snyder, "Map Projections: A Working Manual", USGS Professional Paper 1395
 // (1987).  Angles are radians unless a name says degrees.
 //
+// With R the radius, (phi0, lambda0) the base point and dlambda = lambda - lambda0, all on the
+// sphere; the number of Snyder's chapter in brackets:
+//
+//   Cartesian            [12]  x = R dlambda                y = R (phi - phi0)
+//   Mercator              [7]  x = R dlambda cos(phi1)      y = R ln tan(pi/4 + phi/2) cos(phi1)
+//   LambertCylindric     [10]  x = R dlambda                y = R (sin(phi) - sin(phi0))
+//   SansonFlamsteed      [30]  x = R dlambda cos(phi)       y = R (phi - phi0)
+//   CassiniSoldner       [13]  a series, see there
+//   Globe                      the point in space, from the centre of the sphere
+//
 // The order of the operations decides the last bits, which are promised: keep every
 // expression as it stands.  Differences of longitudes are not brought into +-pi
 // (CylindricalTest.LongitudeDifferencesAreNotBroughtIntoHalfATurn).
@@ -49,6 +59,8 @@ int Projection::LambertCylindric() {
 }
 
 int Projection::SansonFlamsteed() {
+  // This projection, Cassini-Soldner, Bonne and Werner write into the coordinates that are
+  // there; the others replace them.  The interface makes that difference.
   ensureWorld();
   type_ = SansonFlamsteedProj;
   const double phi = pointLatRad();
@@ -63,7 +75,9 @@ int Projection::CassiniSoldner() {
   type_ = CassiniSoldnerProj;
   const double phi = pointLatRad();
   // Snyder's series for the ellipsoid, with its eccentricity taken as zero; the closed
-  // form for the sphere differs far from the base meridian.
+  // form for the sphere differs far from the base meridian.  `a` is the distance from that
+  // meridian along the parallel, in radians of the globe.  Powers are repeated products, which
+  // those of `std::pow` need not equal in the last bit.
   const double a = std::cos(phi) * (pointLonRad() - baseLonRad());
   const double t = std::tan(phi);
   const double t2 = t * t;
@@ -78,6 +92,8 @@ int Projection::CassiniSoldner() {
   return 1;
 }
 
+// The base point does not count, and z is a place and not the altitude: the altitude has
+// lifted the point off the sphere.
 int Projection::Globe() {
   renewWorld();
   type_ = GlobeProj;

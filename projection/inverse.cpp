@@ -1,6 +1,11 @@
 // The inverse projections, after J. P. Snyder, "Map Projections: A Working Manual", USGS
 // Professional Paper 1395 (1987).  Angles are radians unless a name says degrees.
 //
+// Each operation reads the world coordinates (zeros where there are none), stores its own
+// type, and stores latitude, longitude and altitude in the object's geographic point.  The
+// object's own altitude stays as the last `setLLCoordinates` left it.  Nine projections have
+// an inverse; the other six are forward only, by the interface.
+//
 // The order of the operations decides the last bits, which are promised: keep every
 // expression as it stands.  Where Snyder finds a longitude with a two-argument arc
 // tangent, these use the one-argument form: half the circle folds onto the other half
@@ -28,8 +33,8 @@ double sign(double v) { return std::signbit(v) ? -1.0 : 1.0; }
 int Projection::inverseCartesian() {
   const WorldPoint w = world();
   type_ = CartesianProj;
-  // The base comes in after normalising, which makes this the one inverse that wraps
-  // and clamps twice.
+  // The base is added after the differences have been normalised, in degrees, and the
+  // setters normalise the sum: this is the one inverse where both steps can change a value.
   const double d_lon_deg = wrap(w.x / radius_ / kPi * 180.0 - reference_.fetchLon());
   const double d_lat_deg = clamp(w.y / radius_ / kPi * 180.0);
   point_.setLon(d_lon_deg + base_.fetchLon());
@@ -38,6 +43,8 @@ int Projection::inverseCartesian() {
   return 1;
 }
 
+// The latitude comes from y alone: the base latitude does not count, as in the forward
+// direction.
 int Projection::inverseMercator() {
   const WorldPoint w = world();
   type_ = MercatorProj;
@@ -47,6 +54,7 @@ int Projection::inverseMercator() {
   return storePoint(phi, lambda, w.z);
 }
 
+// Beyond the top and bottom of the map the arc sine, and with it the latitude, is NaN.
 int Projection::inverseLambertCylindric() {
   const WorldPoint w = world();
   type_ = LambertCylindricalProj;
@@ -59,7 +67,11 @@ int Projection::inverseLambertCylindric() {
 ///
 /// `rho` is the distance from the centre of the map, `c` the angular distance on the
 /// globe that it stands for, and `north_sign` the sign of y in the longitude when the
-/// base is the north pole; the south pole takes the opposite.
+/// base is the north pole; a base at the south pole has the opposite one.
+///
+///   Stereo            c = 2 atan(rho / 2R)
+///   Orthographic      c = asin(rho / R), the near side; NaN beyond the globe's outline
+///   LambertAzimuthal  c = 2 asin(rho / 2R); NaN beyond the map's edge
 int Projection::inverseAzimuthal(double rho, double c, double north_sign) {
   const WorldPoint w = world();
   const double phi0 = baseLatRad();
@@ -74,6 +86,7 @@ int Projection::inverseAzimuthal(double rho, double c, double north_sign) {
   const double phi = std::asin(sin_c * w.y * cos_phi0 / rho + cos_c * sin_phi0);
   const double base_lat_deg = base_.fetchLat();
   double tangent = 0.0;
+  // As in the forward direction the aspect goes by the stored degrees.
   if (std::fabs(base_lat_deg) != 90.0) {
     tangent = sin_c * w.x / (cos_phi0 * rho * cos_c - sin_phi0 * w.y * sin_c);
   } else {
@@ -87,8 +100,8 @@ int Projection::inverseStereo() {
   type_ = StereographicProj;
   const double rho = std::sqrt(w.x * w.x + w.y * w.y);
   // The sign at the poles is the opposite of the other two: longitudes come back
-  // mirrored about the base meridian, and callers' coordinates depend on it
-  // (InverseTest.StereoMirrorsLongitudesAtThePoles).
+  // mirrored about the base meridian.  This class keeps a fixed interface bit for bit, this
+  // oddity included (InverseTest.StereoMirrorsLongitudesAtThePoles).
   return inverseAzimuthal(rho, std::atan(rho / (radius_ * 2.0)) * 2.0, 1.0);
 }
 
@@ -106,6 +119,8 @@ int Projection::inverseLambertAzimuthal() {
   return inverseAzimuthal(rho, std::asin(rho / (radius_ * 2.0)) * 2.0, -1.0);
 }
 
+// The formulas for two different parallels, with no test of them.  Signs are split off before
+// the powers, as a cone on parallels south of the equator needs it; the setters accept none.
 int Projection::inverseLambertConical() {
   const WorldPoint w = world();
   type_ = LambertConicProj;
@@ -125,6 +140,8 @@ int Projection::inverseLambertConical() {
   return storePoint(phi, lambda, w.z);
 }
 
+// The formulas for two different parallels, with no test of them.  Equal ones give values that
+// do not undo the forward projection's separate case; two parallels of 0 give NaN.
 int Projection::inverseAlbers() {
   const WorldPoint w = world();
   type_ = AlbersProj;
@@ -141,6 +158,8 @@ int Projection::inverseAlbers() {
   return storePoint(phi, lambda, w.z);
 }
 
+// The altitude is the height above the sphere.  The longitude comes from an arc sine, which
+// the sign of x carries over to the far half; on the axis rho is 0, and the longitude NaN.
 int Projection::inverseGlobe() {
   const WorldPoint w = world();
   type_ = GlobeProj;
@@ -154,6 +173,8 @@ int Projection::inverseGlobe() {
   const double lambda = std::signbit(w.x) ? kPi - b : b;
   return storePoint(phi, lambda, r - radius_);
 }
+
+// Forward only.  These store not even their type, and `FromTo` reports the 0 as a failure.
 
 int Projection::inverseGnomonic() { return 0; }
 

@@ -1,4 +1,12 @@
 // The projection object: settings, the point in its two forms, names.
+//
+// An object holds one point twice, as a geographic point with an altitude and as world
+// coordinates.  The forward projections (cylindrical.cpp, azimuthal.cpp, conic.cpp) read the
+// first and write the second, the inverses (inverse.cpp) the other way round, and `FromTo`
+// (conversion.cpp) wraps both.  Degrees are kept everywhere in the object; the `...Rad`
+// helpers at the end of this file normalise and convert them for the formulas.
+//
+// The class keeps a fixed interface bit for bit: results, messages and oddities alike.
 
 #include "kzgis/projection.h"
 
@@ -17,6 +25,7 @@ namespace {
 
 constexpr double kEarthRadiusMetres = 6378000.0;
 
+/// The two names of a projection; `accepted` is in lower case, as `setProjection` compares it.
 struct Names {
   const char* accepted;
   const char* display;
@@ -45,6 +54,9 @@ bool is_legal(projType type) { return type >= CartesianProj && type <= GlobeProj
 
 /// Stores a standard parallel into the longitude field of `parallel`; `speaker` is the
 /// operation that a refusal names.
+///
+/// The projections read a parallel from that field and clamp it like a latitude.  Values
+/// from 0 to 90 pass both rules unchanged, which is why no others are accepted.
 int set_parallel(LatLon& parallel, double parallel_deg, const char* speaker) {
   // Written so that NaN is refused too.
   if (!(parallel_deg >= 0.0 && parallel_deg <= 90.0)) {
@@ -58,6 +70,8 @@ int set_parallel(LatLon& parallel, double parallel_deg, const char* speaker) {
 
 }  // namespace
 
+// Constructors judge neither the type nor the radius: `setProjection` and `setGlobeRadius` do.
+// The conversions bear whatever is stored here.
 Projection::Projection() : Projection(CartesianProj) {}
 
 Projection::Projection(projType type) : Projection(type, 0.0, 0.0) {}
@@ -74,6 +88,8 @@ Projection::Projection(projType type, double radius, double base_lat_deg, double
       second_par_(0.0, 0.0),
       reference_(0.0, 0.0) {}
 
+// A copy is deep: it has world coordinates of its own.  The copy constructor of `LatLon`
+// brings the altitude of the geographic point with it, unlike its assignment.
 Projection::Projection(const Projection& other)
     : world_count_(other.world_count_),
       point_(other.point_),
@@ -115,6 +131,7 @@ Projection& Projection::operator=(const Projection& other) {
 Projection::~Projection() = default;
 
 void Projection::setLLCoordinates(double lat_deg, double lon_deg, double altitude) {
+  // The array first: without memory for it the object stays as it was.
   renewWorld();
   world_count_ = 3;
   point_.setLat(lat_deg);
@@ -145,6 +162,8 @@ const LatLon* Projection::fetchLLCoordinates(double* altitude) const {
   return &point_;
 }
 
+// The count of world coordinates stays: after `removeCoords` it is 0 although there are three
+// again, until the next `setLLCoordinates`.  The interface has it so.
 void Projection::setWorldCoordinates(double x, double y, double z) { storeWorld(x, y, z); }
 
 void Projection::setWorldCoordinates(const double* xyz) { storeWorld(xyz[0], xyz[1], xyz[2]); }
@@ -161,7 +180,7 @@ int Projection::fetchWorldCoordinates(double* x, double* y, double* z) const {
 
 int Projection::fetchWorldCoordinates(double** xyz) const {
   delete[] * xyz;
-  *xyz = nullptr;
+  *xyz = nullptr;  // what the caller holds should the allocation below fail
   if (!world_) return 0;
   const auto count = static_cast<std::size_t>(world_count_);
   *xyz = new double[count];
@@ -195,7 +214,8 @@ int Projection::setProjection(UtString name) {
   for (std::size_t i = 0; i < kNames.size(); ++i) {
     if (name == kNames[i].accepted) return setProjection(static_cast<projType>(i));
   }
-  // A misspelt name is not an error here: callers rely on getting a map all the same.
+  // A misspelt name is not an error here: the interface falls back to the plainest map, in
+  // silence, and calls that a success.
   return setProjection(CartesianProj);
 }
 
@@ -205,6 +225,7 @@ UtString Projection::fetchProjectionName() const {
   return is_legal(type_) ? kNames[static_cast<std::size_t>(type_)].display : "Unknown";
 }
 
+// Zero and NaN are not below 0 and are stored.
 int Projection::setGlobeRadius(double radius) {
   if (radius < 0.0) {
     std::cerr << "Projection::setGlobeRadius: " << radius << " is illegal. No negative radii"
@@ -233,6 +254,9 @@ double Projection::fetchFirstPar() const { return first_par_.fetchLon(); }
 
 double Projection::fetchSecondPar() const { return second_par_.fetchLon(); }
 
+// The two kinds of angle differ on purpose.  A latitude is clamped and knows no reference; a
+// longitude is wrapped, and the longitude reference is added on the way to radians and
+// subtracted on the way back.
 double Projection::LatToDeg(double lat_rad) const { return clamp(degrees(lat_rad)); }
 
 double Projection::LatToRad(double lat_deg) const { return radians(clamp(lat_deg)); }
@@ -245,6 +269,8 @@ double Projection::LonToRad(double lon_deg) const {
   return radians(wrap(lon_deg + reference_.fetchLon()));
 }
 
+// What the formulas work on.  Every angle is normalised by itself before it becomes radians;
+// a difference of two of them is the formula's own affair and is not normalised again.
 double Projection::pointLatRad() const { return LatToRad(point_.fetchLat()); }
 
 double Projection::pointLonRad() const { return LonToRad(point_.fetchLon()); }
@@ -268,6 +294,7 @@ void Projection::ensureWorld() {
   if (!world_) renewWorld();
 }
 
+/// Writes the world coordinates, and makes room for them where there is none.
 void Projection::storeWorld(double x, double y, double z) {
   ensureWorld();
   world_[0] = x;
@@ -282,7 +309,8 @@ WorldPoint Projection::world() const {
 
 /// Stores what an inverse found and returns the inverse's result, 1.
 ///
-/// The altitude goes into the point; the object's own altitude stays.
+/// The altitude goes into the point; the object's own altitude stays.  Both setters of an
+/// angle wrap and clamp once more, which changes nothing in values that are in range.
 int Projection::storePoint(double lat_rad, double lon_rad, double altitude) {
   point_.setLon(LonToDeg(lon_rad));
   point_.setLat(LatToDeg(lat_rad));

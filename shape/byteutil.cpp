@@ -1,4 +1,7 @@
 // Byte order of the host, and reversal of runs of 2-, 4- or 8-byte values.
+//
+// Shapefiles mix both byte orders.  Their readers ask an object of this class for the host's
+// order and decide by the answer which fields to reverse (shape/fields.h).
 
 #include "kzgis/byteutil.h"
 
@@ -7,6 +10,9 @@
 
 namespace {
 
+/// Reverses each group of `group` bytes; `count` is the number of bytes of all groups.
+/// @return `buffer`; null, with nothing changed, when `count` is no multiple of `group` or
+///         `buffer` is null
 void* reverse_groups(kz_ulong count, void* buffer, kz_ulong group) {
   if (count % group != 0 || buffer == nullptr) return nullptr;
   auto* bytes = static_cast<unsigned char*>(buffer);

@@ -1,4 +1,8 @@
-// How this folder takes fields from a file: reading with a status, and decoding.
+// How this folder reads fields from a file: bytes with a status, and their decoding.
+//
+// The format mixes byte orders: what manages the file (file code, lengths, offsets, record
+// numbers) is big-endian, what describes shapes is little-endian.  Integers are 32 bits wide
+// and signed, doubles are IEEE 754.  After "ESRI Shapefile Technical Description" (1998).
 
 #ifndef KZGIS_SHAPE_FIELDS_H
 #define KZGIS_SHAPE_FIELDS_H
@@ -11,6 +15,7 @@
 
 namespace kzgis::shape_fields {
 
+/// Bytes of one record of the index: an offset and a length.
 inline constexpr kz_ulong kIndexRecordSize = 8;
 
 /// Reads `count` bytes; every read of this folder gets its status here.
@@ -27,6 +32,9 @@ inline kz_ulong read_bytes(std::istream& stream, void* bytes, std::streamsize co
 // host and never 2, so big-endian fields are reversed on every host.
 inline bool swaps_big_endian(const GIS_ByteUtil_c& bytes) { return bytes.ByteOrder() != 2; }
 inline bool swaps_little_endian(const GIS_ByteUtil_c& bytes) { return bytes.ByteOrder() != 1; }
+
+// Decoding copies the field first: it may lie at any address, and a pointer of the wanted type
+// to it would be undefined.
 
 inline kz_long big_endian_long(const GIS_ByteUtil_c& bytes, const char* field) {
   kz_long value = 0;

@@ -1,5 +1,9 @@
 // The main header of an ESRI shapefile and of its index, after "ESRI Shapefile
 // Technical Description" (1998).
+//
+// Reading and judging are apart: `ReadHeader` decodes whatever 100 bytes it meets, and
+// `ValidateFileHeader` tells, when a caller asks, what is wrong with them.  The class keeps a
+// fixed interface bit for bit, the order of the tests and the labels of the report included.
 
 #include <ostream>
 #include <string>
@@ -20,6 +24,8 @@ constinit const GIS_ByteUtil_c byte_util;
 
 }  // namespace
 
+// Of the format's fourteen types these five have readers.  Those with Z or M values and the
+// multipatch have no name here, as unknown numbers have none.
 const char* kzgis::shape_type::name_of(kz_long type) {
   switch (type) {
     case null_shape:
@@ -49,6 +55,8 @@ const char* KZ_GIS_ESRI_ShapeHeader_c::FileName(const char* name) {
   return name;
 }
 
+// The stream must stand at the header; no seek is made.  Nothing is stored before all 100 bytes
+// are there, so that a failed read leaves the numbers of before.
 kz_ulong KZ_GIS_ESRI_ShapeHeader_c::ReadHeader() {
   if (stream_ == nullptr || !stream_->is_open()) return status::not_open;
 
@@ -75,6 +83,8 @@ kz_ulong KZ_GIS_ESRI_ShapeHeader_c::ReadHeader() {
   return status::success;
 }
 
+// Stricter than the format: of its types only the five that the readers know pass, and a box
+// without width or height, as that of a single point or of a line along an axis, is refused.
 kz_ulong KZ_GIS_ESRI_ShapeHeader_c::ValidateFileHeader() const {
   if (stream_ != nullptr && !stream_->is_open()) return status::not_open;
   if (file_code_ != kFileCode) return status::bad_file_code;

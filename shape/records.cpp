@@ -11,6 +11,13 @@
 //
 // A box is Xmin, Ymin, Xmax, Ymax; a point is X, Y.  The type inside a record is not
 // looked at: the caller has chosen the reader.
+//
+// The readers of arcs, polygons and multi-points go through the same steps: the record header,
+// which has the number and the content length; the fixed part, which ends with the last count;
+// room for as many elements as the counts claim and the file can hold; the elements.  Outputs
+// are stored as they are decoded, so that a failure leaves those before it with new values and
+// the others with old ones.  The content length serves to tell a null record from a shape, and
+// is not compared with the counts.
 
 #include <algorithm>
 #include <cstdint>
@@ -25,6 +32,7 @@ using namespace kzgis::shape_fields;
 namespace {
 
 constexpr kz_long kRecordHeaderSize = 8;
+// Sizes of the fixed parts, then offsets into a content, as in the table above.
 constexpr kz_long kArcFixedSize = 44;
 constexpr kz_long kMultiPointFixedSize = 40;
 constexpr kz_long kBox = 4;
@@ -42,6 +50,7 @@ constexpr kz_long kPointsPerBlock = 1024;
 
 constinit const GIS_ByteUtil_c byte_util;
 
+/// Decodes the box, which stands at one place in every kind of record that has one.
 void decode_box(const char* record, double* x_min, double* y_min, double* x_max, double* y_max) {
   *x_min = little_endian_double(byte_util, record + kBox);
   *y_min = little_endian_double(byte_util, record + kBox + 8);
@@ -127,6 +136,7 @@ kz_ulong grow_points(std::ifstream& stream, std::int64_t bytes_before, kz_long n
   return status::success;
 }
 
+/// Reads the part array into the caller's, which has room for it, and decodes it there.
 kz_ulong read_parts(std::ifstream& stream, kz_long num_parts, kz_long* parts) {
   const kz_ulong result = read_bytes(stream, parts, num_parts * kBytesPerPart);
   if (result != status::success) return result;
@@ -206,10 +216,13 @@ kz_ulong KZ_GIS_ESRI_Shape_c::PassNullRecord(kz_long recordNumber, kz_long lengt
   return shape_stream_.fail() ? status::seek_failed : status::wrong_kind;
 }
 
+// Reads nothing, by the interface: whoever has met a null record seeks to the next one.
 kz_ulong KZ_GIS_ESRI_Shape_c::ReadNullShape() const {
   return shape_file_open_ ? status::success : status::not_open;
 }
 
+// The one reader that judges a record by its length, and the one that does not pass null
+// records: their 4 bytes are neither of the two lengths it accepts.
 kz_ulong KZ_GIS_ESRI_Shape_c::ReadPointShape(kz_long* recordNumber, double* x, double* y) {
   kz_long length = 0;
   kz_ulong result = ReadShapeRecordHeader(recordNumber, &length);
@@ -252,6 +265,8 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadArcShape(kz_long* recordNumber, double* xMin, 
 
   result = grow_parts(shape_stream_, *numParts, partsCapacity, parts);
   if (result != status::success) return result;
+  // The points begin behind the part array.  Both arrays have their room before either is
+  // read: the interface reports a lack of memory before a part array that cannot be read.
   result = grow_points(shape_stream_, *numParts * kBytesPerPart, *numPoints, pointsCapacity, x, y);
   if (result != status::success) return result;
   result = read_parts(shape_stream_, *numParts, *parts);
@@ -259,6 +274,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadArcShape(kz_long* recordNumber, double* xMin, 
   return read_points(shape_stream_, *numPoints, usable(*pointsCapacity, *x, *y), *x, *y);
 }
 
+// Arcs and polygons have one layout: what tells them apart is the meaning of their parts.
 kz_ulong KZ_GIS_ESRI_Shape_c::ReadPolygonShape(kz_long* recordNumber, double* xMin, double* yMin,
                                                double* xMax, double* yMax, kz_long* numParts,
                                                kz_long* partsCapacity, kz_long** parts,
@@ -268,6 +284,8 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadPolygonShape(kz_long* recordNumber, double* xM
                       numPoints, pointsCapacity, x, y);
 }
 
+// The counts alone.  The stream is left behind the fixed part and not put back: a caller who
+// then wants the shape seeks to its record again.
 kz_ulong KZ_GIS_ESRI_Shape_c::GetArcShapeInfo(kz_long* recordNumber, kz_long* numParts,
                                               kz_long* numPoints) {
   char record[kArcFixedSize];
@@ -291,6 +309,9 @@ kz_ulong KZ_GIS_ESRI_Shape_c::GetMultiPointShapeInfo(kz_long* recordNumber, kz_l
   return status::success;
 }
 
+// Totals of the whole file.  The kind of shape that the header claims decides what is counted:
+// records without parts of their own count as one part each, null and point records as one
+// point each.  The shape stream is put back, even where the count has failed.
 kz_ulong KZ_GIS_ESRI_Shape_c::NumberOfParts(kz_ulong* count) {
   if (!shape_file_open_) return status::not_open;
   const std::streampos position = shape_stream_.tellg();
@@ -355,6 +376,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::SumOverRecords(kz_long fixedSize, kz_long fieldOff
     if (result != status::success) return result;
     if (length <= fixedSize) continue;
 
+    // 32 bits that wrap, like all offsets of this folder: a negative place is a seek that fails.
     const kz_ulong place =
         static_cast<kz_ulong>(offset) + static_cast<kz_ulong>(kRecordHeaderSize + fieldOffset);
     shape_stream_.seekg(static_cast<kz_long>(place));

@@ -8,6 +8,14 @@
 //   0  int32  record number
 //   4  int32  content length, in 16-bit words
 // Words become bytes as they are decoded: whatever is handed out is in bytes.
+//
+// A file is open to this class while its flag is set: the stream is open, and its header was
+// read.  Each of the two files has a stream, a flag, a name and a header of its own, and may be
+// open without the other; `FileName` alone opens both or neither.  The third file of the format,
+// with the attributes (".dbf"), is known as an ending only and never opened.
+//
+// A read or a seek that has failed leaves its fail flag on the stream, and nothing here clears
+// it until the file is opened anew: what fails once goes on failing, by the interface.
 
 #include "kzgis/shape.h"
 
@@ -30,6 +38,8 @@ constexpr std::size_t kExtensionLength = 4;
 
 constinit const GIS_ByteUtil_c byte_util;
 
+/// A name without the ending of one of the format's three files, in lower case only.  A name
+/// shorter than an ending has none.
 std::string_view without_extension(std::string_view name) {
   for (const std::string_view extension : {".shp", ".shx", ".dbf"}) {
     if (name.ends_with(extension)) return name.substr(0, name.size() - kExtensionLength);
@@ -37,6 +47,7 @@ std::string_view without_extension(std::string_view name) {
   return name;
 }
 
+/// Opens a stream for binary reading; its fail flag tells whether that went wrong.
 void open_stream(std::ifstream& stream, const char* name) {
   try {
     if (is_named_pipe(name)) {
@@ -57,6 +68,8 @@ KZ_GIS_ESRI_Shape_c::KZ_GIS_ESRI_Shape_c(const char* name) {
   if (name != nullptr) FileName(name);
 }
 
+// A copy shares nothing with the other object: it opens the same files by their base name, and
+// stands at the first record wherever the other stands.
 KZ_GIS_ESRI_Shape_c::KZ_GIS_ESRI_Shape_c(const KZ_GIS_ESRI_Shape_c& other) {
   FileName(other.base_name_);
 }
@@ -84,6 +97,7 @@ const char* KZ_GIS_ESRI_Shape_c::FileName(const char* name) {
     const char* const full_name = FILEmap_variables(name, expanded);
     if (full_name != nullptr) {
       const std::string base(without_extension(full_name));
+      // The names of both files fit their members, which are a little longer than this limit.
       if (base.size() + kExtensionLength <= kLongestName) {
         std::memcpy(base_name_, base.c_str(), base.size() + 1);
         if (ShapeFileName((base + ".shp").c_str()) != nullptr &&
@@ -107,6 +121,12 @@ const char* KZ_GIS_ESRI_Shape_c::IndexFileName(const char* name) {
   return OpenFile(name, index_stream_, index_file_open_, index_file_name_, index_header_);
 }
 
+/// Closes the file that is open and opens another, then reads its header.
+///
+/// The header is read and not judged: whatever its 100 bytes say, the file is open then.
+///
+/// @return the open file's name, kept in `open_name`; null, with the file closed and that name
+///         empty, when anything failed
 const char* KZ_GIS_ESRI_Shape_c::OpenFile(const char* name, std::ifstream& stream, bool& open,
                                           char (&open_name)[kNameSize],
                                           KZ_GIS_ESRI_ShapeHeader_c& header) {
@@ -129,6 +149,7 @@ const char* KZ_GIS_ESRI_Shape_c::OpenFile(const char* name, std::ifstream& strea
     open_name[0] = '\0';
     return nullptr;
   }
+  // The flag first: should the header be missing, `CloseFile` has something to close.
   open = true;
   std::memcpy(open_name, wanted, length + 1);
   header.FileName(open_name);
@@ -171,8 +192,9 @@ const KZ_GIS_ESRI_ShapeHeader_c& KZ_GIS_ESRI_Shape_c::ShapeHeader() const { retu
 
 const KZ_GIS_ESRI_ShapeHeader_c& KZ_GIS_ESRI_Shape_c::IndexHeader() const { return index_header_; }
 
-// The shape file's flag guards a number that comes from the index header: a caller that
-// opened the two files one by one relies on either.
+// The shape file's flag guards a number that comes from the index header.  The interface has it
+// so: with the index alone open there is no count, and with the shape file alone the count is
+// that of the index opened last.
 kz_ulong KZ_GIS_ESRI_Shape_c::NumberOfDataRecords(kz_ulong* count) const {
   if (!shape_file_open_) return status::not_open;
   const auto header_length = static_cast<kz_ulong>(index_header_.HeaderLength());

@@ -1,3 +1,5 @@
+// The byte order of the host, for readers of files that have one of their own.
+
 #ifndef KZGIS_BYTEUTIL_H
 #define KZGIS_BYTEUTIL_H
 
@@ -8,8 +10,7 @@
 ///
 /// Every count is a number of bytes, not of values: one 32-bit integer is
 /// `SwapBytes4(4, &value)`, one double `SwapBytes8(8, &value)`.  The operations only
-/// read the object, so one object may serve several threads whose buffers differ, and need
-/// no memory.
+/// read the object, so one object may serve several threads at once whose buffers differ.
 class KZGIS_EXPORT GIS_ByteUtil_c {
  public:
   /// The first byte in memory of a 32-bit 1: 1 on a little-endian host, 0 on a

@@ -1,3 +1,6 @@
+// The classic reader of USGS Digital Elevation Models: the header of a file, then its profiles,
+// one at a time.
+
 #ifndef KZGIS_DEM_H
 #define KZGIS_DEM_H
 
@@ -16,17 +19,13 @@
 // Technical Instructions.  Block one is logical record A, the header; each profile of
 // elevations, a logical record B, begins a block of its own.
 //
-// The classes of this header take numbers as C's `atof` does, which stops at the letter D:
+// The classes of this header read numbers as C's `atof` does, which stops at the letter D:
 // the usual "0.150000000000000D+03" is 0.15 to them.  They count on blocks that follow each
 // other without line ends.  `kzgis::read_dem` of kzgis/elevation.h has neither limit.
 //
-// An object serves one thread at a time; different ones serve different threads at once.
-// Their messages may mix.
-//
-// Without memory, opening answers as for a file that cannot be opened, or throws
-// `std::bad_alloc`; what reads a field other than a character, or hands out a text, throws; and
-// elevations that find no room are a failure of `readRecord`.  Nothing else needs memory.  The
-// object can open a file again after each of these.
+// Elevations that find no memory are a failure of `readRecord`, with a message of its own, and a
+// file may answer like one that cannot be opened.  After every lack of memory the object can
+// open a file again.
 
 namespace kzgis::dem {
 
@@ -211,7 +210,7 @@ class KZGIS_EXPORT DEM_LRA : public std::ifstream {
 
 /// Writes a report of record A, 18 lines, the numbers in the stream's own format.
 ///
-/// Two oddities stand for the sake of programs that read the report.  The 15th projection
+/// The report is part of a fixed interface, with two oddities.  The 15th projection
 /// parameter is not printed: in its place stand the codes of the ground units (low 32 bits)
 /// and of the elevation units (high 32 bits), read as one double.  And when the elevation
 /// units are none of 0, 1 and 2, their line has no end.

@@ -1,3 +1,5 @@
+// A USGS DEM as one grid of elevations, the numbers read as they are meant.
+
 #ifndef KZGIS_ELEVATION_H
 #define KZGIS_ELEVATION_H
 
@@ -13,10 +15,9 @@
 #include "kzgis/result.h"
 #include "kzgis/types.h"
 
-// A USGS DEM as one grid of elevations, the numbers taken as they are meant.  Nothing here is
-// shared: any number of threads may call at once.  Without memory the error is of kind
+// Reading does not throw.  Without memory the error of a grid is of kind
 // `ErrorKind::out_of_memory`, or `cannot_read` where the host could not make a stream for the
-// file; reading does not throw, and asking a grid needs no memory.
+// file.
 
 namespace kzgis {
 

@@ -1,3 +1,5 @@
+// What a shared library shows of itself, and under which symbols.
+
 #ifndef KZGIS_EXPORT_H
 #define KZGIS_EXPORT_H
 

@@ -1,3 +1,5 @@
+// Paths with variables of the environment in them, and opening files by such paths.
+
 #ifndef KZGIS_FILETOOLS_H
 #define KZGIS_FILETOOLS_H
 
@@ -20,7 +22,7 @@ inline constexpr std::size_t kPathBytes = 1024;
 /// its whole value.  A variable that is unset, or an n past the list's end, stays in
 /// the text as it stands, so that the message of a failed open shows what was missing.
 /// NAME is made of ASCII letters, digits and '_', and does not begin with a digit.
-/// What was expanded is not expanded again.  Throws `std::bad_alloc` without memory.
+/// What was expanded is not expanded again.
 ///
 /// Any number of threads may expand at once, as long as none changes the environment
 /// meanwhile.  The same holds wherever a name with path variables opens a file.
@@ -37,8 +39,6 @@ KZGIS_EXPORT char* FILEmap_variables(const char* name, char* buffer)
 /// Where the host separates directories by '/', every backslash of the expanded path
 /// is then turned into one.  A named pipe is refused as a file that
 /// cannot be opened: opening one could wait for ever for somebody at its other end.
-///
-/// Without memory it throws `std::bad_alloc`, or cannot open the file.
 ///
 /// @return a stream that the caller closes with `std::fclose`; null when the path does
 ///         not fit 1024 bytes or the file cannot be opened

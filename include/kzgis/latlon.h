@@ -1,3 +1,6 @@
+// The coordinate value: one point on the globe.  Every room that deals with positions stores
+// and exchanges them in this form.
+
 #ifndef KZGIS_LATLON_H
 #define KZGIS_LATLON_H
 
@@ -8,6 +11,8 @@
 #include "kzgis/export.h"
 
 /// Where another point lies, seen from this one; the result of `LatLon::whichWay`.
+///
+/// The four main directions have one angle exactly equal, the four between them none.
 enum direction {
   North = 0,
   NorthEast = 1,
@@ -32,9 +37,6 @@ enum direction {
 /// Whole arc-seconds (1/3600 degree) may be passed as any integer type.  Triples are
 /// degrees, minutes, seconds; each component carries its own sign, so 45d 30m south
 /// is (-45, -30, 0).
-///
-/// Points share nothing: several threads may work on different ones at once.  None of their
-/// operations needs memory.
 class KZGIS_EXPORT LatLon {
  public:
   /// From whole arc-seconds: an argument of any integer type counts as arc-seconds.
@@ -72,6 +74,8 @@ class KZGIS_EXPORT LatLon {
   /// Copies the position only: this point keeps its own altitude.
   LatLon& operator=(const LatLon& other);
   ~LatLon() = default;
+
+  // A setter of one angle leaves the other one and the altitude as they are.
 
   /// Sets one angle from whole arc-seconds of any integer type, then normalises both.
   template <std::integral Arc>
@@ -127,6 +131,7 @@ class KZGIS_EXPORT LatLon {
   direction whichWay(const LatLon& other) const;
 
  private:
+  /// Any integer type on its way to one constructor or setter, told from decimal degrees.
   struct ArcSeconds {
     std::int64_t value;
   };
@@ -134,14 +139,16 @@ class KZGIS_EXPORT LatLon {
   void setLat(ArcSeconds lat);
   void setLon(ArcSeconds lon);
 
+  // Composition of triples, which does not normalise, their split, and the rule that
+  // normalises: 1 when the latitude was legal, 0 when it was clamped.
   void latFromDMS(double deg, double min, double sec);
   void lonFromDMS(double deg, double min, double sec);
   void latToDMS(double* deg, double* min, double* sec) const;
   void lonToDMS(double* deg, double* min, double* sec) const;
   static int checkValues(double* lat, double* lon);
 
-  double lat_;
-  double lon_;
+  double lat_;  // degrees, [-90, 90]
+  double lon_;  // degrees, [0, 360)
   double alt_ = 0.0;
 };
 

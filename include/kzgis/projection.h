@@ -1,3 +1,5 @@
+// Map projections of the sphere, one point at a time: fifteen of them forward, nine back.
+
 #ifndef KZGIS_PROJECTION_H
 #define KZGIS_PROJECTION_H
 
@@ -55,7 +57,7 @@ struct ProjectionTestAccess;
 ///    Only `Cartesian` wraps the difference itself.
 ///  - Degrees become radians with 3.141592652589793, which is short of pi by 1e-9.
 ///    The poles therefore lie 5e-10 radians short of their place, about 3 mm on the
-///    Earth, and callers' coordinates depend on it.
+///    Earth.  The class keeps a fixed interface bit for bit, this constant included.
 ///  - Where a formula has no value the result is an infinity or NaN; only the two true
 ///    conics refuse, and then only a parallel of 0.
 ///
@@ -67,14 +69,8 @@ struct ProjectionTestAccess;
 /// forward projections read; the inverses store theirs in the geographic point
 /// (`fetchLLCoordinates()->fetchAltitude()`) and leave the object's alone.
 ///
-/// World coordinates take memory, and so do names: without it `std::bad_alloc` is thrown by
-/// copies, by whatever stores world coordinates where there are none yet or hands them out as
-/// an array, by `setLLCoordinates` and all forms of `FromTo`, and by the operations that take
-/// or give a name.  The object stays usable; a pointer to an array that was passed in is null
-/// or as it was.  Everything else, each inverse called by itself included, needs no memory.
-///
-/// One thread at a time; different objects serve different threads at once.  Refusals go to
-/// `std::cerr`, where lines of several threads may mix.
+/// Where memory runs out, a pointer to an array that was passed in is null afterwards or as it
+/// was, and the object stays usable.  An inverse called by itself needs no memory.
 class KZGIS_EXPORT Projection {
  public:
   /// Cartesian, radius 6378000.0 (the Earth's, in metres), base point (0, 0), both
@@ -246,7 +242,7 @@ class KZGIS_EXPORT Projection {
   /// The same from a point.
   LatLon* FromTo(WorldPoint point);
 
-  // The projections.  Each takes the geographic point, the altitude and the settings
+  // The projections.  Each reads the geographic point, the altitude and the settings
   // that the object holds, stores its own number as the type, and stores the world
   // coordinates.  `FromTo` is the comfortable way to call them.
 
@@ -306,7 +302,7 @@ class KZGIS_EXPORT Projection {
   /// The base point does not count.  Returns 1.
   int Globe();
 
-  // The inverses.  Each takes the world coordinates that the object holds (zeros
+  // The inverses.  Each reads the world coordinates that the object holds (zeros
   // without any), stores its own number as the type, stores the geographic point with
   // z, or the height above the globe, as its altitude, and returns 1.  Input that no
   // point maps to gives angles that are not numbers.
@@ -329,10 +325,10 @@ class KZGIS_EXPORT Projection {
   int inverseOrthographic();
   /// Inverse of `LambertAzimuthal`; quadrant and centre as for `inverseStereo`.
   int inverseLambertAzimuthal();
-  /// Inverse of `LambertConical` with two different parallels; equal ones or a parallel
-  /// of 0 give NaN.
+  /// Inverse of `LambertConical` with two different parallels; equal ones give NaN.
   int inverseLambertConical();
-  /// Inverse of `Albers` with two different parallels.
+  /// Inverse of `Albers` with two different parallels; with equal ones it does not undo the
+  /// forward projection, and two parallels of 0 give NaN.
   int inverseAlbers();
   /// Inverse of `Globe`; on the axis the longitude is NaN.
   int inverseGlobe();

@@ -1,3 +1,6 @@
+// The reader of ESRI shapefiles, after "ESRI Shapefile Technical Description" (1998): the header
+// of a file, and its records by way of the index.
+
 #ifndef KZGIS_SHAPE_H
 #define KZGIS_SHAPE_H
 
@@ -22,9 +25,9 @@ KZGIS_EXPORT const char* name_of(kz_long type);
 /// The 100-byte header that opens both files of an ESRI shapefile (".shp", ".shx").
 ///
 /// It borrows the stream that it reads from and the name that it prints; both must
-/// outlive their use, and copies share them.  Its numbers are 0 until they are read.
-/// Headers with streams of their own serve different threads at once.  Nothing here needs
-/// memory.
+/// outlive their use.  Copies share both, so that only one of them may be used at a time.
+/// Its numbers are 0 until they are read.
+///
 /// The results are the statuses of kzgis/types.h.
 class KZGIS_EXPORT KZ_GIS_ESRI_ShapeHeader_c {
  public:
@@ -58,7 +61,7 @@ class KZGIS_EXPORT KZ_GIS_ESRI_ShapeHeader_c {
   /// Writes a report of nine lines, the doubles in the stream's own format.
   ///
   /// The labels of Ymin and Ymax stand exchanged, "YMax Type" before the value of Ymin
-  /// and "YMin Type" before that of Ymax, for the sake of programs that read the report.
+  /// and "YMin Type" before that of Ymax: the report is part of a fixed interface.
   ///
   /// @return 1; 13, with nothing written, when the attached stream is not open
   kz_ulong PrintFileHeader(std::ostream& os) const;
@@ -87,10 +90,12 @@ class KZGIS_EXPORT KZ_GIS_ESRI_ShapeHeader_c {
 ///
 /// `FileName` opens the pair of files.  A caller then positions the shape stream, with
 /// `SeekToFirstDataRecord` or `SeekToDataRecord`, and calls the reader that fits
-/// `ShapeHeader().ShapeType()`; each reader takes one record and leaves the stream
+/// `ShapeHeader().ShapeType()`; each reader reads one record and leaves the stream
 /// behind what it read.  Offsets and lengths are bytes; record numbers count from 1.
 ///
-/// A named pipe in the place of either file cannot be opened (see kzgis::is_named_pipe).
+/// A named pipe in the place of either file cannot be opened: the open would wait, for ever if
+/// need be, for somebody at the other end.
+///
 /// Every operation that needs a file answers 13 while that file is closed.  A read or
 /// seek that failed leaves its flags on the stream, so that later operations on the
 /// file fail too (10, 11 or 4) until it is opened again.  A null record, met where a
@@ -110,10 +115,7 @@ class KZGIS_EXPORT KZ_GIS_ESRI_ShapeHeader_c {
 /// 11 the capacity may be less than the count.
 ///
 /// Nothing here throws.  Without memory a file cannot be opened, by whatever operation, and an
-/// output array gives 14; nothing else needs memory.
-///
-/// One thread at a time; different objects, of the same files too, serve different threads
-/// at once.
+/// output array gives 14.  Objects of the same files share nothing.
 class KZGIS_EXPORT KZ_GIS_ESRI_Shape_c {
  public:
   /// Opens the pair of files named `name`, as `FileName` does; null opens nothing.

@@ -1,9 +1,9 @@
+// Progress of long work, such as loading a data bank, reported to one handler of the program.
+
 #ifndef KZGIS_STATUS_H
 #define KZGIS_STATUS_H
 
 #include "kzgis/export.h"
-
-// Neither installing a handler nor reporting to it needs memory.
 
 /// Receives progress reports.
 ///

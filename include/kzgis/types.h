@@ -1,3 +1,5 @@
+// Integers of one size on every host, and the statuses of the classic operations by name.
+
 #ifndef KZGIS_TYPES_H
 #define KZGIS_TYPES_H
 

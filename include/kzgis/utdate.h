@@ -1,3 +1,5 @@
+// The date of the classic interfaces.
+
 #ifndef KZGIS_UTDATE_H
 #define KZGIS_UTDATE_H
 
@@ -5,14 +7,17 @@
 
 #include "kzgis/export.h"
 
-/// A date as three numbers, kept as given: nothing is tested or normalised.  Any number of
-/// threads may read one, and nothing of it needs memory.
+/// A date as three numbers, kept as given: nothing is tested or normalised.
 class KZGIS_EXPORT UtDate {
  public:
+  /// From three numbers of any kind; they need not be a date of the calendar.
   UtDate(short year, short month, short day);
 
+  /// The first number, as given.
   short year() const;
+  /// The second number, as given.
   short month() const;
+  /// The third number, as given.
   short day() const;
 
  private:

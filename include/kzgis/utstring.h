@@ -1,3 +1,5 @@
+// The string of the classic interfaces.
+
 #ifndef KZGIS_UTSTRING_H
 #define KZGIS_UTSTRING_H
 
@@ -11,13 +13,14 @@
 ///
 /// It may hold NUL characters, as fields read from files do; `c_str()`, stream output
 /// and comparison with text end at the first one, while `size()` counts them all.
-/// What needs memory throws `std::bad_alloc` without it, and leaves the string as it was.
-/// Strings share nothing: several threads may work on different ones at once.
+/// An operation that finds no memory leaves the string as it was.
 class KZGIS_EXPORT UtString {
  public:
+  /// An empty string.
   UtString() = default;
   /// Copies NUL-terminated text; null counts as empty.
   UtString(const char* text);
+  /// Copies all characters, NUL characters included.
   UtString(const std::string& text);
 
   /// Replaces the contents; null counts as empty.
@@ -29,6 +32,7 @@ class KZGIS_EXPORT UtString {
   UtString& append(const char* text);
   /// Appends all of the other string, its NUL characters included.
   UtString& append(const UtString& other);
+  // The same three as operators.
   UtString& operator+=(char c);
   UtString& operator+=(const char* text);
   UtString& operator+=(const UtString& other);
@@ -37,6 +41,7 @@ class KZGIS_EXPORT UtString {
   void reserve(std::size_t capacity);
   /// Number of characters, NUL characters included.
   std::size_t size() const;
+  /// True when there is not one character.
   bool empty() const;
 
   /// Turns A to Z into a to z in place, and nothing else, whatever the locale.
@@ -51,6 +56,7 @@ class KZGIS_EXPORT UtString {
   std::string text_;
 };
 
+/// The characters of the left side, then those of the right one, as `append` has them.
 KZGIS_EXPORT UtString operator+(UtString a, const UtString& b);
 KZGIS_EXPORT UtString operator+(UtString a, const char* b);
 KZGIS_EXPORT UtString operator+(const char* a, const UtString& b);

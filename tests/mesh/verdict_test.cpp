@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "mesh/judge.h"
@@ -97,6 +98,15 @@ TEST(Verdict, ARingTracedTwiceHasNoInside) {
             std::vector<std::int32_t>{0});
   // And in a ring traced once it takes nothing away.
   EXPECT_EQ(kind({{{0, 0}, {4, 0}, {0, 4}}, {{1, 1}, {2, 1}, {1, 2}, {1, 1}, {2, 1}, {1, 2}}}),
+            Verdict::polygon);
+}
+
+// A line drawn there and back cancels; what lies above it still lies in the face around both.
+TEST(Verdict, AHoleAboveTheWayToAnother) {
+  const Ring with_a_way{{0, 0},   {20, 0},  {20, 20}, {0, 20}, {0, 10}, {8, 10},
+                        {10, 12}, {12, 10}, {10, 8},  {8, 10}, {0, 10}};
+  EXPECT_EQ(kind({with_a_way, {{3, 11}, {5, 11}, {4, 13}}}), Verdict::polygon);
+  EXPECT_EQ(kind({with_a_way, {{3, 10}, {5, 11}, {4, 13}}, {{9, 10}, {11, 10}, {10, 11}}}),
             Verdict::polygon);
 }
 
@@ -197,6 +207,54 @@ TEST(VerdictProperty, OfSliversThatShareASide) {
         verdict.kind == Verdict::polygon && verdict.parent != std::vector<std::int32_t>{-1, -1};
   }
   EXPECT_GT(nested, 500);
+}
+
+// On a decimal grid hardly a coordinate is what it was meant to be: a vertex that lies on a side by
+// the decimals is an ulp beside it, on either hand.  No judge in whole numbers here; but mirroring
+// and turning change no double, and so nothing may change but the order of triangles.
+TEST(VerdictProperty, OfDecimalsIsTheSameInAllSymmetries) {
+  constexpr std::uint64_t kSeed = 1991;
+  std::mt19937_64 random(kSeed);
+  int taken = 0;
+  int refused = 0;
+  for (int round = 0; round < 6000; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << " round " << round);
+    const auto n = 4 + random() % 4;
+    const double step = std::array{0.1, 0.01, 1e-9, 0.3, 1.0 / 3.0, 1e7 / 7.0}[random() % 6];
+    const double offset = step * static_cast<double>(random() % 5) * 0.7;
+    std::vector<double> x, y;
+    std::vector<std::int32_t> starts;
+    const auto add = [&](std::uint64_t i, std::uint64_t j) {
+      x.push_back(offset + static_cast<double>(i) * step);
+      y.push_back(static_cast<double>(j) * step - offset);
+    };
+    for (auto rings = 1 + random() % 4; rings > 0; --rings) {
+      starts.push_back(static_cast<std::int32_t>(x.size()));
+      if (starts.size() == 1) {
+        for (const auto& [i, j] : {std::pair{0UL, 0UL}, {n, 0UL}, {n, n}, {0UL, n}}) add(i, j);
+      } else {
+        for (int corner = 0; corner < 3; ++corner) add(random() % (n + 1), random() % (n + 1));
+      }
+    }
+    const auto first = kzgis::triangulate({x, y, starts});
+    ++(first ? taken : refused);
+    for (int symmetry = 1; symmetry < 8; ++symmetry) {
+      std::vector<double> u = x, v = y;
+      for (double& c : u) c = (symmetry & 1) != 0 ? -c : c;
+      for (double& c : v) c = (symmetry & 2) != 0 ? -c : c;
+      if ((symmetry & 4) != 0) std::swap(u, v);
+      const auto other = kzgis::triangulate({u, v, starts});
+      ASSERT_EQ(other.has_value(), first.has_value()) << "symmetry " << symmetry;
+      if (!first) {
+        ASSERT_EQ(other.error().kind, kzgis::ErrorKind::bad_data);
+        ASSERT_EQ(kind_of(other.error().message), kind_of(first.error().message));
+      } else {
+        ASSERT_EQ(other->triangles.size(), first->triangles.size());
+      }
+    }
+  }
+  EXPECT_GT(taken, 500);
+  EXPECT_GT(refused, 500);
 }
 
 }  // namespace
