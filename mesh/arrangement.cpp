@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <limits>
 #include <numeric>
 #include <optional>
 #include <set>
@@ -69,7 +70,7 @@ class Sweep {
     Span line;               // from where it began to the farthest end of its sides
     std::uint32_t first;     // of its sides; kNone when all have ended
     std::uint32_t farthest;  // the side that ends there
-    bool odd;                // an odd number of sides: they do not cancel
+    std::uint32_t count;     // of its sides; where it is odd, they do not cancel
     bool inside_above;
     std::uint32_t edge;  // since the last site, if odd; else kNone
     // An edge that has the same piece of plane above it as the bundle has.
@@ -159,7 +160,7 @@ class Sweep {
     links_[side] = {bundle, b.first, kNone};
     if (b.first != kNone) links_[b.first].previous = side;
     b.first = side;
-    b.odd = !b.odd;
+    ++b.count;
     if (b.farthest == kNone || sides_[side].right > b.line.right) {
       b.farthest = side;
       b.line.right = sides_[side].right;
@@ -173,7 +174,7 @@ class Sweep {
     Bundle& b = bundles_[link.bundle];
     (link.previous != kNone ? links_[link.previous].next : b.first) = link.next;
     if (link.next != kNone) links_[link.next].previous = link.previous;
-    b.odd = !b.odd;
+    --b.count;
   }
 
   /// A bundle without sides that begins at a site, under a number that is free again if possible:
@@ -185,7 +186,7 @@ class Sweep {
     }
     const std::uint32_t bundle = free_.back();
     free_.pop_back();
-    bundles_[bundle] = {{site, site}, kNone, kNone, false, false, kNone, kNone, kNone, kNone};
+    bundles_[bundle] = {{site, site}, kNone, kNone, 0, false, kNone, kNone, kNone, kNone};
     return bundle;
   }
 
@@ -199,6 +200,7 @@ class Sweep {
     });
     going_out_.clear();
     through_ = 0;
+    largest_ = kNone;
     joined_ = 0;
     auto side = beginning_.begin();
     const auto turn_to = [this, site](std::uint32_t far, std::uint32_t s) {
@@ -216,7 +218,10 @@ class Sweep {
       while (side != beginning_.end() && turn_to(far, *side) < 0) begin_bundle();
       for (; side != beginning_.end() && turn_to(far, *side) == 0; ++side) put_in(*b, *side);
       ++through_;
-      joined_ = static_cast<std::size_t>(side - beginning_.begin());
+      if (largest_ == kNone || bundles_[*b].count > bundles_[largest_].count) {
+        largest_ = *b;
+        joined_ = static_cast<std::size_t>(side - beginning_.begin());
+      }
       going_out_.push_back(*b);
     }
     while (side != beginning_.end()) begin_bundle();
@@ -239,28 +244,50 @@ class Sweep {
 
   /// Finds the chain of rings around the points above each bundle that goes out.
   ///
-  /// Of a new bundle, its own sides lie between the points above it and those below.  A bundle
-  /// that alone goes on through the site has known the points above it on the left of the site;
-  /// from there to the right, below all of the bundle's own sides, lead only those that ended or
-  /// began in it or below.  Where several go through they cross, and all their sides count.
+  /// Between these points and those below the bundle lie its own sides.  But the largest bundle
+  /// that goes through the site, which may have thousands, is not looked into: the points above
+  /// it on the left of the site are known, and the way from there to the right leads below the
+  /// site across all that comes in or goes out at it or lower down.
   void settle_chains(SideNumbers ending) {
     Containment::Chain under = lower_ != kNone ? bundles_[lower_].chain : kNone;
     for (const std::uint32_t number : going_out_) {
       Bundle& bundle = bundles_[number];
       crossed_.clear();
       Containment::Chain from = under;
-      if (bundle.rank != kNone && through_ == 1) {
+      if (number == largest_) {
         from = bundle.chain;
-        for (const std::uint32_t side : ending) {
-          if (bundles_[links_[side].bundle].rank <= bundle.rank) add(side);
-        }
-        for (const std::uint32_t side : std::span(beginning_).first(joined_)) add(side);
+        add_way_below(bundle, ending);
       } else {
-        for (std::uint32_t s = bundle.first; s != kNone; s = links_[s].next) add(s);
+        add_sides(bundle);
       }
       const auto rings = odd_rings();
       bundle.chain = rings.empty() ? from : containment_.across(from, rings);
       under = bundle.chain;
+    }
+  }
+
+  void add_sides(const Bundle& bundle) {
+    for (std::uint32_t s = bundle.first; s != kNone; s = links_[s].next) add(s);
+  }
+
+  /// Adds the sides that the way below the site crosses, from above the largest bundle on the
+  /// left to above it on the right.
+  void add_way_below(const Bundle& largest, SideNumbers ending) {
+    const auto goes_through = [this](std::uint32_t bundle) {
+      return bundle != largest_ && bundles_[bundle].rank != kNone && bundles_[bundle].count > 0;
+    };
+    for (const std::uint32_t side : ending) {
+      if (bundles_[links_[side].bundle].rank <= largest.rank) add(side);
+    }
+    for (const std::uint32_t side : std::span(beginning_).first(joined_)) add(side);
+    // Any other bundle that goes through lies below the largest either on the left or on the
+    // right, and is crossed once: with the sides that end in it and without those that begin, or
+    // the other way round.  Above, those that begin were left out or taken just wrongly.
+    for (const std::uint32_t bundle : going_out_) {
+      if (goes_through(bundle)) add_sides(bundles_[bundle]);
+    }
+    for (const std::uint32_t side : beginning_) {
+      if (goes_through(links_[side].bundle)) add(side);
     }
   }
 
@@ -271,7 +298,7 @@ class Sweep {
     for (const std::uint32_t number : going_out_) {
       Bundle& bundle = bundles_[number];
       bundle.edge = kNone;
-      if (bundle.odd) {
+      if (bundle.count % 2 != 0) {
         inside = !inside;
         kept = bundle.edge = static_cast<std::uint32_t>(edges_.size());
         edges_.push_back({site, kNone, inside});
@@ -340,12 +367,19 @@ class Sweep {
     const exact::Line one{sites_[p.left], sites_[p.right]};
     const exact::Line other{sites_[q.left], sites_[q.right]};
     const Span& upright_last = one.a.x != one.b.x ? p : q;
+    double crossing_x = std::numeric_limits<double>::quiet_NaN();  // once it is known
     std::uint32_t first = site + 1;
     std::uint32_t last = std::min(p.right, q.right);
     while (first < last) {
       const std::uint32_t middle = first + (last - first) / 2;
-      int order = exact::compare_with_crossing(sites_[middle].x, one, other);
-      if (order == 0) order = side_of(sites_, upright_last, middle);
+      // Sites above each other share their x, and the answer about it.
+      int order = sites_[middle].x == crossing_x
+                      ? 0
+                      : exact::compare_with_crossing(sites_[middle].x, one, other);
+      if (order == 0) {
+        crossing_x = sites_[middle].x;
+        order = side_of(sites_, upright_last, middle);
+      }
       if (order == 0) return true;
       (order < 0 ? first : last) = order < 0 ? middle + 1 : middle;
     }
@@ -354,12 +388,7 @@ class Sweep {
 
   /// A polygon that cannot be taken, with a place to look at.
   static Flaw flaw(std::string message, std::uint32_t ring, std::uint32_t vertex) {
-    Flaw result;
-    result.kind = ErrorKind::bad_data;
-    result.message = std::move(message);
-    result.ring = static_cast<std::int32_t>(ring);
-    result.vertex = static_cast<std::int32_t>(vertex);
-    return result;
+    return make_flaw(ErrorKind::bad_data, std::move(message), ring, vertex);
   }
 
   Flaw overlap() const {
@@ -388,7 +417,8 @@ class Sweep {
   std::uint32_t lower_ = kNone, upper_ = kNone;       // their neighbours
   std::vector<std::uint32_t> beginning_;              // sides, by direction from below
   std::size_t through_ = 0;                           // how many came in and go on
-  std::size_t joined_ = 0;  // how many of beginning_ lie below the last of those, or in it
+  std::uint32_t largest_ = kNone;                     // of those, that with the most sides
+  std::size_t joined_ = 0;              // how many of beginning_ lie below that, or in it
   std::vector<std::uint32_t> crossed_;  // rings
   std::vector<std::uint32_t> times_;    // of each ring
 };

@@ -138,7 +138,7 @@ class FaceSweep {
     for (std::uint32_t l = intervals_[i].bottom; links_[l].above != kNone; l = links_[l].above) {
       add_triangle(corner, links_[links_[l].above].corner, links_[l].corner);
     }
-    status_.erase(places_[i]);
+    end(i);
   }
 
   /// The corner comes into the middle of an interval from the right.
@@ -176,7 +176,13 @@ class FaceSweep {
       intervals_[below].top = intervals_[above].top;
     }
     set_upper(below, intervals_[above].upper);
-    status_.erase(places_[above]);
+    end(above);
+  }
+
+  /// Takes an interval off the line; nothing refers to its place from then on.
+  void end(std::uint32_t interval) {
+    status_.erase(places_[interval]);
+    places_[interval] = status_.end();
   }
 
   /// Cuts off what the corner sees of the chain from the lower end on, and puts it there.

@@ -12,6 +12,7 @@
 #include "mesh/face_sweep.h"
 #include "mesh/faces.h"
 #include "mesh/proof.h"
+#include "mesh/rings.h"
 
 namespace kzgis {
 
@@ -20,13 +21,9 @@ namespace {
 using mesh::Arrangement;
 using mesh::kNone;
 
-/// What every operation here answers to an allocation that failed.
-Flaw no_memory() {
-  Flaw flaw;
-  flaw.kind = ErrorKind::out_of_memory;
-  flaw.message = "out of memory";  // short enough for a string to keep inside itself
-  return flaw;
-}
+/// What every operation here answers to an allocation that failed, in words that are short enough
+/// for a string to keep inside itself.
+Flaw no_memory() { return mesh::make_flaw(ErrorKind::out_of_memory, "out of memory"); }
 
 /// Cuts a polygon into triangles, over sites until the last step: in sites, places are the same
 /// when their numbers are, which is what the proof counts by.
@@ -38,10 +35,8 @@ Result<Mesh, Flaw> cut(const Rings& rings) {
     mesh::sweep_face(arranged->sites, face, result.triangles);
   }
   if (!mesh::proved(*arranged, result.triangles)) {
-    Flaw flaw;
-    flaw.kind = ErrorKind::unproved;
-    flaw.message = "the triangles found do not tile the polygon: an error of this library";
-    return flaw;
+    return mesh::make_flaw(ErrorKind::unproved,
+                           "the triangles found do not tile the polygon: an error of this library");
   }
   for (std::uint32_t& corner : result.triangles) corner = arranged->sites.vertex(corner);
   return result;

@@ -14,15 +14,6 @@ namespace kzgis::mesh {
 
 namespace {
 
-Flaw flaw(ErrorKind kind, std::string message, std::int64_t ring, std::int64_t vertex) {
-  Flaw result;
-  result.kind = kind;
-  result.message = std::move(message);
-  result.ring = static_cast<std::int32_t>(ring);
-  result.vertex = static_cast<std::int32_t>(vertex);
-  return result;
-}
-
 /// Takes vertices one after the other and leaves out those that repeat one or tip a spike.
 ///
 /// Between two vertices, the way so far has neither: any three of its vertices that follow
@@ -81,35 +72,46 @@ class Way {
 
 }  // namespace
 
+Flaw make_flaw(ErrorKind kind, std::string message, std::int64_t ring, std::int64_t vertex) {
+  Flaw result;
+  result.kind = kind;
+  result.message = std::move(message);
+  result.ring = static_cast<std::int32_t>(ring);
+  result.vertex = static_cast<std::int32_t>(vertex);
+  return result;
+}
+
 std::size_t end_of_ring(const Rings& rings, std::size_t ring) {
   return ring + 1 < rings.starts.size() ? static_cast<std::size_t>(rings.starts[ring + 1])
                                         : rings.x.size();
 }
 
 std::optional<Flaw> check_rings(const Rings& rings) {
-  // So that sites and sides can be numbered in 32 bits.
-  constexpr std::size_t kMost = 0x40000000;
+  // So that all that a polygon is cut into can be numbered in 32 bits: sides are cut into three
+  // edges a vertex at most, since edges meet in vertices only, and each has two ends.
+  constexpr std::size_t kMost = 0x10000000;
   if (rings.x.size() != rings.y.size() || rings.x.size() >= kMost) {
-    return flaw(ErrorKind::bad_argument, "x and y differ in length, or hold a billion values", -1,
-                -1);
+    return make_flaw(ErrorKind::bad_argument,
+                     "x and y differ in length, or hold more than 2^28 values");
   }
   for (std::size_t ring = 0; ring < rings.starts.size(); ++ring) {
     const std::int64_t start = rings.starts[ring];
     if (start < 0 || start > static_cast<std::int64_t>(rings.x.size()) ||
         (ring > 0 && start < rings.starts[ring - 1])) {
-      return flaw(ErrorKind::bad_argument,
-                  "ring " + std::to_string(ring) + " starts at vertex " + std::to_string(start) +
-                      ", before the ring in front of it or outside the coordinates",
-                  static_cast<std::int64_t>(ring), -1);
+      return make_flaw(ErrorKind::bad_argument,
+                       "ring " + std::to_string(ring) + " starts at vertex " +
+                           std::to_string(start) +
+                           ", before the ring in front of it or outside the coordinates",
+                       static_cast<std::int64_t>(ring), -1);
     }
   }
   for (std::size_t ring = 0; ring < rings.starts.size(); ++ring) {
     for (auto i = static_cast<std::size_t>(rings.starts[ring]); i < end_of_ring(rings, ring); ++i) {
       if (exact::in_range(rings.x[i]) && exact::in_range(rings.y[i])) continue;
-      return flaw(ErrorKind::bad_data,
-                  "ring " + std::to_string(ring) + ", vertex " + std::to_string(i) +
-                      ": a coordinate is no number or out of range",
-                  static_cast<std::int64_t>(ring), static_cast<std::int64_t>(i));
+      return make_flaw(ErrorKind::bad_data,
+                       "ring " + std::to_string(ring) + ", vertex " + std::to_string(i) +
+                           ": a coordinate is no number or out of range",
+                       static_cast<std::int64_t>(ring), static_cast<std::int64_t>(i));
     }
   }
   return std::nullopt;

@@ -6,12 +6,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "kzgis/mesh.h"
 #include "mesh/sites.h"
 
 namespace kzgis::mesh {
+
+/// A reason why rings are refused, and where: numbers of a ring and a vertex, or -1.
+Flaw make_flaw(ErrorKind kind, std::string message, std::int64_t ring = -1,
+               std::int64_t vertex = -1);
 
 /// One past the last vertex of a ring.
 std::size_t end_of_ring(const Rings& rings, std::size_t ring);

@@ -2,8 +2,8 @@
 // believed, and the sweep of kzgis/mesh.h, which takes rings that touch.
 //
 // The classic one is random, works with a tolerance and checks nothing, so that it can fail
-// where a polygon is sound.  It goes first all the same: where it succeeds, callers get the
-// triangles that they have always got.  The sweep knows no such failures, but needs fewer
+// where a polygon is sound.  It goes first all the same: where it succeeds, the triangles
+// are those that the interface describes.  The sweep knows no such failures, but needs fewer
 // triangles than were announced where rings touch, and takes the inside of a polygon by the
 // odd-even rule, whatever way its rings run: that they run as the interface asks is decided here.
 

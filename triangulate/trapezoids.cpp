@@ -383,7 +383,7 @@ bool create_initial_structure(Tables& t, kz_long s) {
   const Point& high = upward ? segment.end : segment.start;
   const Point& low = upward ? segment.start : segment.end;
 
-  // Callers rely on the numbers that these come to have: the root is node 1.
+  // The interface fixes the numbers that these come to have: the root is node 1.
   const kz_long root = newnode(t);
   const kz_long top_sink = newnode(t);
   const kz_long low_node = newnode(t);

@@ -29,9 +29,9 @@
 /// linker lets the first symbol of a name serve everybody.  Linked statically, it would not even
 /// link.  Where libraries are not ELF files the macro is empty.
 #if defined(__ELF__) && defined(__GNUC__)
-#define KZGIS_SYMBOL(name) __asm__("kzgis_" #name)
+#define KZGIS_SYMBOL(name) __asm__("kzgis_" #name)  // NOLINT(cppcoreguidelines-macro-usage)
 #else
-#define KZGIS_SYMBOL(name)
+#define KZGIS_SYMBOL(name)  // NOLINT(cppcoreguidelines-macro-usage)
 #endif
 
 #endif

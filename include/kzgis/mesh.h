@@ -42,7 +42,8 @@ struct Mesh {
 /// Which ring lies in which.
 struct Nesting {
   std::vector<std::int32_t> parent;  ///< of each ring the smallest one around it; -1 outermost
-  std::vector<std::int32_t> depth;   ///< 1 outermost, 2 a hole in one of those, 3 an island in it
+  /// 1 outermost, 2 a hole in one of those, 3 an island in it; 0 for a ring without an inside.
+  std::vector<std::int32_t> depth;
 };
 
 /// Cuts a polygon into triangles, without adding vertices.
@@ -50,15 +51,15 @@ struct Nesting {
 /// Rings may touch themselves and each other, in a vertex or along edges, cross in a place
 /// where the polygon has a vertex, and have repeated vertices, spikes without area and runs of
 /// vertices on one line.  Refused, with `ErrorKind::bad_data`, are two sides that cross where
-/// no vertex is, and two rings that overlap or repeat one another; nothing else is, however
-/// close to each other vertices and sides lie.  `docs/polygons.md` says what these words mean
-/// and what is proved of the triangles before they are handed out.
+/// no vertex is, two rings that overlap or repeat one another, and a coordinate out of range;
+/// with `bad_argument`, arrays that do not fit each other or hold more than 2^28 values.
+/// Nothing else is, however close to each other vertices and sides lie.  `docs/polygons.md` says
+/// what these words mean and what is proved of the triangles before they are handed out.
 ///
-/// The same input gives the same triangles.  Time grows as (n + k) log n for n vertices and k
-/// places where a vertex lies on a side of others; where bundles of many sides on top of each
-/// other cross one another in vertices, each crossing counts as many times as the bundles have
-/// sides.  At its peak a call takes no more than 300 bytes per vertex of a polygon of a
-/// million, and no deep stack.
+/// The same input gives the same triangles.  Time grows as n log n for n vertices, however many
+/// sides lie on top of each other; but where bundles of many sides cross one another in a
+/// vertex, the crossing counts as often as all of them but the largest have sides.  At its peak a
+/// call takes no more than 300 bytes per vertex of a polygon of a million, and no deep stack.
 ///
 /// The plane sweep is that of M. I. Shamos and D. Hoey, "Geometric intersection problems"
 /// (1976), in exact arithmetic; the triangles are those of S. Hertel and K. Mehlhorn, "Fast

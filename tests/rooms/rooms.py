@@ -96,6 +96,9 @@ def main():
         return (root / header).is_file()
 
     complaints, files = [], 0
+    for folder in sorted({file.relative_to(root).parts[0] for file in root.glob("*/*.cpp")}):
+        if folder not in BELOW and folder not in ON_TOP:
+            complaints.append(f"{folder}/ is no room of the house")
     for room in ["include", *BELOW, *sorted(ON_TOP)]:
         for file in sorted((root / room).rglob("*")):
             if file.suffix not in (".cpp", ".h"):
@@ -103,6 +106,8 @@ def main():
             files += 1
             path = file.relative_to(root)
             for number, line in enumerate(file.read_text(encoding="utf-8").splitlines(), 1):
+                if room not in ON_TOP and re.match(r"\s*#\s*include\s*<kzgis/", line):
+                    complaints.append(f"{path}:{number}: the library's own headers stand in quotes")
                 if found := re.match(r'\s*#\s*include\s*"([^"]+)"', line):
                     if why := complaint(path, found[1], exists):
                         complaints.append(f"{path}:{number}: {found[1]}: {why}")
