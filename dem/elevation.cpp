@@ -58,12 +58,6 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-ElevationGrid refused(Error error) {
-  ElevationGrid grid;
-  grid.error = std::move(error);
-  return grid;
-}
-
 /// A profile as it stands in the file.
 struct Profile {
   ProfileHeader header;
@@ -91,14 +85,14 @@ class GridReader {
   template <class Source>
   GridReader(Source source, std::string_view name) : name_(name), cursor_(source) {}
 
-  ElevationGrid read() {
+  Result<ElevationGrid> read() {
     if (read_header() && read_profiles() && place() && make_grid()) return std::move(grid_);
-    return refused(std::move(grid_.error));
+    return std::move(error_);
   }
 
  private:
   bool refuse(const std::string& why) {
-    grid_.error = {ErrorKind::bad_data, std::string(name_) + ": " + why};
+    error_ = {ErrorKind::bad_data, std::string(name_) + ": " + why};
     return false;
   }
   bool refuse_profile(const Profile& profile, const std::string& why) {
@@ -118,6 +112,7 @@ class GridReader {
   BlockCursor cursor_;
   std::vector<Profile> profiles_;
   ElevationGrid grid_;
+  Error error_;  ///< why the file is refused
 };
 
 /// Reads record A and takes from it all that does not depend on profiles.
@@ -406,17 +401,17 @@ float ElevationGrid::at(kz_long row, kz_long column) const {
 double ElevationGrid::x(kz_long column) const { return west + column * step_x; }
 double ElevationGrid::y(kz_long row) const { return north - row * step_y; }
 
-ElevationGrid read_dem(std::span<const char> bytes, std::string_view name) {
+Result<ElevationGrid> read_dem(std::span<const char> bytes, std::string_view name) {
   try {
     return GridReader(bytes, name).read();
   } catch (const std::bad_alloc&) {
-    return refused(no_memory(name));
+    return no_memory(name);
   }
 }
 
-ElevationGrid read_dem(const std::string& path) {
+Result<ElevationGrid> read_dem(const std::string& path) {
   const auto refuse = [&path](const char* why) {
-    return refused({ErrorKind::cannot_read, path + ": " + why});
+    return Error{ErrorKind::cannot_read, path + ": " + why};
   };
   struct Close {
     void operator()(std::FILE* file) const { (void)std::fclose(file); }
@@ -425,10 +420,11 @@ ElevationGrid read_dem(const std::string& path) {
     const std::unique_ptr<std::FILE, Close> file(FILEfopen(path.c_str(), "rb"));
     if (!file) return refuse("cannot be opened");
     (void)std::setvbuf(file.get(), nullptr, _IONBF, 0);  // read in large pieces as it is
-    ElevationGrid grid = GridReader(file.get(), path).read();
-    return std::ferror(file.get()) == 0 ? std::move(grid) : refuse("cannot be read");
+    Result<ElevationGrid> grid = GridReader(file.get(), path).read();
+    if (std::ferror(file.get()) != 0) return refuse("cannot be read");
+    return grid;
   } catch (const std::bad_alloc&) {
-    return refused(no_memory(path));
+    return no_memory(path);
   }
 }
 

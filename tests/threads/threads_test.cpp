@@ -126,8 +126,9 @@ std::string read_profiles() {
 
 std::string read_grid() {
   std::ostringstream os;
-  const kzgis::ElevationGrid grid = kzgis::read_dem(kElevations);
-  os << grid.error.message << grid.rows << ' ' << grid.columns << ' ' << grid.lowest;
+  const kzgis::ElevationGrid grid = kzgis::read_dem(kElevations).value();
+  os << kzgis::read_dem("/nowhere/none").error().message;
+  os << grid.rows << ' ' << grid.columns << ' ' << grid.lowest;
   put(os, grid.elevations);
   return os.str();
 }
