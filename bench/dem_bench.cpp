@@ -132,8 +132,8 @@ void bare_loop(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * kElevations);
 }
 
-void check(benchmark::State& state, const kzgis::ElevationGrid& grid) {
-  if (grid.error || grid.rows != kSide || grid.at(0, 5) != static_cast<float>(elevation(1200, 5))) {
+void check(benchmark::State& state, const kzgis::Result<kzgis::ElevationGrid>& grid) {
+  if (!grid || grid->rows != kSide || grid->at(0, 5) != static_cast<float>(elevation(1200, 5))) {
     state.SkipWithError("the grid is wrong");
   }
 }

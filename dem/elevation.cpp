@@ -69,13 +69,6 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-/// An empty grid with the reason for it.
-ElevationGrid refused(Error error) {
-  ElevationGrid grid;
-  grid.error = std::move(error);
-  return grid;
-}
-
 /// A profile: first as it stands in the file, then with its place in the grid.
 struct Profile {
   ProfileHeader header;
@@ -109,15 +102,15 @@ class GridReader {
   template <class Source>
   GridReader(Source source, std::string_view name) : name_(name), cursor_(source) {}
 
-  ElevationGrid read() {
+  Result<ElevationGrid> read() {
     if (read_header() && read_profiles() && place() && make_grid()) return std::move(grid_);
-    return refused(std::move(grid_.error));
+    return std::move(error_);
   }
 
  private:
   /// Sets the error; false, so that a step can end with it.
   bool refuse(const std::string& why) {
-    grid_.error = {ErrorKind::bad_data, std::string(name_) + ": " + why};
+    error_ = {ErrorKind::bad_data, std::string(name_) + ": " + why};
     return false;
   }
   /// The same about a profile that is being read, so that its number is one past those stored.
@@ -138,6 +131,7 @@ class GridReader {
   BlockCursor cursor_;
   std::vector<Profile> profiles_;
   ElevationGrid grid_;
+  Error error_;  ///< why the file is refused
 };
 
 /// Reads record A and derives from it all that does not depend on profiles.
@@ -459,17 +453,17 @@ double ElevationGrid::y(kz_long row) const { return north - row * step_y; }
 // Both forms read by the same steps.  Containers of the standard library throw when memory runs
 // out; here that ends, and becomes an error like any other.
 
-ElevationGrid read_dem(std::span<const char> bytes, std::string_view name) {
+Result<ElevationGrid> read_dem(std::span<const char> bytes, std::string_view name) {
   try {
     return GridReader(bytes, name).read();
   } catch (const std::bad_alloc&) {
-    return refused(no_memory(name));
+    return no_memory(name);
   }
 }
 
-ElevationGrid read_dem(const std::string& path) {
+Result<ElevationGrid> read_dem(const std::string& path) {
   const auto refuse = [&path](const char* why) {
-    return refused({ErrorKind::cannot_read, path + ": " + why});
+    return Error{ErrorKind::cannot_read, path + ": " + why};
   };
   struct Close {
     void operator()(std::FILE* file) const { (void)std::fclose(file); }
@@ -478,12 +472,13 @@ ElevationGrid read_dem(const std::string& path) {
     const std::unique_ptr<std::FILE, Close> file(FILEfopen(path.c_str(), "rb"));
     if (!file) return refuse("cannot be opened");
     (void)std::setvbuf(file.get(), nullptr, _IONBF, 0);  // read in large pieces as it is
-    ElevationGrid grid = GridReader(file.get(), path).read();
+    Result<ElevationGrid> grid = GridReader(file.get(), path).read();
     // A read that failed looked like the end of the file to the cursor, and the grid's own
-    // error, if it has one, says so; the host's failure is the better reason.
-    return std::ferror(file.get()) == 0 ? std::move(grid) : refuse("cannot be read");
+    // error, if there is one, says so; the host's failure is the better reason.
+    if (std::ferror(file.get()) != 0) return refuse("cannot be read");
+    return grid;
   } catch (const std::bad_alloc&) {
-    return refused(no_memory(path));
+    return no_memory(path);
   }
 }
 

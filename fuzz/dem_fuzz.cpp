@@ -42,10 +42,14 @@ void read_classic(const std::string& path, std::size_t size) {
 
 bool same(float a, float b) { return a == b || (std::isnan(a) && std::isnan(b)); }
 
-void check(const kzgis::ElevationGrid& grid, std::size_t size) {
-  require(static_cast<bool>(grid.error) == grid.elevations.empty());
-  require(static_cast<bool>(grid.error) != grid.error.message.empty());
-  require(grid.error.message.find('\n') == std::string::npos);
+void check(const kzgis::Result<kzgis::ElevationGrid>& result, std::size_t size) {
+  if (!result) {
+    require(static_cast<bool>(result.error()) && !result.error().message.empty());
+    require(result.error().message.find('\n') == std::string::npos);
+    return;
+  }
+  const kzgis::ElevationGrid& grid = *result;
+  require(!grid.elevations.empty());
   const auto cells =
       static_cast<std::uint64_t>(grid.rows) * static_cast<std::uint64_t>(grid.columns);
   require(grid.elevations.size() == cells && cells <= size);
@@ -67,12 +71,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string path = scratch.path() + "/quadrangle.dem";
   read_classic(path, size);
 
-  const kzgis::ElevationGrid from_memory =
-      kzgis::read_dem({reinterpret_cast<const char*>(data), size}, path);
+  const auto from_memory = kzgis::read_dem({reinterpret_cast<const char*>(data), size}, path);
   check(from_memory, size);
-  const kzgis::ElevationGrid from_file = kzgis::read_dem(path);
-  require(from_file.error.message == from_memory.error.message);
-  require(std::equal(from_file.elevations.begin(), from_file.elevations.end(),
-                     from_memory.elevations.begin(), from_memory.elevations.end(), same));
+  const auto from_file = kzgis::read_dem(path);
+  require(from_file.has_value() == from_memory.has_value());
+  if (!from_file) {
+    require(from_file.error().message == from_memory.error().message);
+    return 0;
+  }
+  check(from_file, size);
+  require(std::equal(from_file->elevations.begin(), from_file->elevations.end(),
+                     from_memory->elevations.begin(), from_memory->elevations.end(), same));
   return 0;
 }

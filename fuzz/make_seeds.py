@@ -58,6 +58,11 @@ HOLE = [(2, 2), (5, 2), (5, 5), (2, 5), (2, 2)]
 POLYGONS = shapefile(5, [rings(5, [SQUARE, HOLE]), struct.pack("<i", 0), rings(5, [SQUARE])])
 LINES = shapefile(3, [rings(3, [[(0, 0), (3, 4)], [(5, 5), (6, 6), (7, 5)]])])
 POINTS = shapefile(1, [struct.pack("<i2d", 1, 3, 4), struct.pack("<i2d", 1, -3, 5)])
+MEASURES = struct.pack("<10d", 0, 9, *range(8))  # a range and eight numbers
+MEASURED = shapefile(15, [
+    rings(15, [SQUARE, HOLE[:3]]) + MEASURES + MEASURES,
+    struct.pack("<i4d", 11, 1, 2, 3, 4), struct.pack("<i2d", 21, 1, 2),
+    struct.pack("<i4di4d2d2d", 28, 0, 0, 9, 9, 2, 1, 2, 3, 4, 0, 9, 5, -2e38)])
 MULTI = shapefile(8, [struct.pack("<i4di4d", 8, 0, 0, 9, 9, 2, 1, 2, 3, 4)])
 
 
@@ -181,7 +186,7 @@ def main():
     write_banks()
     write_elevations()
     for name, (shp, shx) in {"polygons": POLYGONS, "lines": LINES, "points": POINTS,
-                             "multi": MULTI, "empty": shapefile(5, [])}.items():
+                             "multi": MULTI, "measured": MEASURED, "empty": shapefile(5, [])}.items():
         write(f"corpus/shapefile/{name}", struct.pack("<H", len(shp)) + shp + shx)
     for name in ("ne_110m_lakes", "ne_110m_places"):
         shp, shx = ((DATA / f"ne/{name}{suffix}").read_bytes() for suffix in (".shp", ".shx"))

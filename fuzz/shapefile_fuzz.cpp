@@ -1,5 +1,6 @@
-// Fuzzes the shapefile reader with a pair of files: every record operation in file order, then
-// by the index as clients that ask for sizes first do, then a random run of operations.
+// Fuzzes both shapefile readers with a pair of files: every record operation in file order, then
+// by the index as clients that ask for sizes first do, then a random run of operations; records
+// as spans with the index and without, in their order and at random.
 //
 // Input: 2 bytes, little-endian, length of the ".shp" (of what follows, modulo its size
 // plus one); the ".shp"; the rest is the ".shx", whose bytes also choose the operations.
@@ -7,12 +8,16 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <span>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "fuzz/harness.h"
 #include "fuzz/scratch.h"
 #include "kzgis/shape.h"
+#include "kzgis/shapefile.h"
 
 namespace {
 
@@ -127,6 +132,62 @@ void read_by_index(const std::string& base, std::size_t shp_size, std::size_t sh
   }
 }
 
+/// The sum of all bytes of some numbers, NaN told from NaN; has the sanitizer see each.
+template <class T>
+std::uint64_t sum_of(std::span<const T> numbers) {
+  std::uint64_t sum = numbers.size();
+  for (const T& number : numbers) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &number, sizeof number);
+    sum = sum * 31 + bits;
+  }
+  return sum;
+}
+
+/// What stands for a record or its error, once the promises about it were seen to hold.
+std::uint64_t checked(const kzgis::Result<kzgis::ShapeRecord>& record, std::size_t file_size) {
+  if (!record) {
+    require(record.error().kind == kzgis::ErrorKind::bad_data);
+    require(record.error().message.starts_with("record "));
+    return sum_of(std::span(record.error().message.data(), record.error().message.size()));
+  }
+  const std::size_t points = record->x.size();
+  require(record->y.size() == points);
+  require(record->z.empty() || record->z.size() == points);
+  require(record->m.empty() || record->m.size() == points);
+  require(record->parts.size_bytes() + 16 * points + record->z.size_bytes() +
+              record->m.size_bytes() <=
+          file_size);
+  std::int64_t before = 0;
+  for (const std::int32_t start : record->parts) {
+    require(before <= start && static_cast<std::size_t>(start) <= points);
+    before = start;
+  }
+  return record->number + sum_of(record->parts) + 3 * sum_of(record->x) + 5 * sum_of(record->y) +
+         7 * sum_of(record->z) + 11 * sum_of(record->m);
+}
+
+/// Reads every record in its order, then some at random between those: each is the same.
+void read_records(const std::string& path, std::size_t most_records, std::size_t shp_size,
+                  const std::uint8_t* script, std::size_t script_size) {
+  auto file = kzgis::Shapefile::open(path);
+  if (!file) {
+    require(file.error().kind == kzgis::ErrorKind::bad_data);
+    return;
+  }
+  require(file->size() <= most_records);
+  std::vector<std::uint64_t> records;
+  for (const auto& record : *file) records.push_back(checked(record, shp_size));
+  require(records.size() == file->size());
+  if (records.empty()) return;
+  std::size_t index = 0;
+  for (std::size_t i = 0; i < script_size && i < 256; ++i) {
+    index = (index * 256 + script[i]) % records.size();
+    const auto record = file->read(static_cast<std::uint32_t>(index));
+    require(checked(record, shp_size) == records[index]);
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -154,6 +215,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
 
   read_by_index(base, shp_size, shx_size);
+
+  scratch.write("alone.shp", data + 2, shp_size);
+  read_records(base, std::max(shp_size, shx_size) / 8, shp_size, shx, shx_size);
+  read_records(scratch.path() + "/alone", shp_size / 8, shp_size, shx, shx_size);
 
   // At random: the ".shx", from its end backwards, is the script.
   KZ_GIS_ESRI_Shape_c shape(base.c_str());

@@ -20,6 +20,7 @@
 #include <string_view>
 
 #include "platform/named_pipe.h"
+#include "platform/open_file.h"
 
 namespace {
 
@@ -120,9 +121,11 @@ char* FILEmap_variables(const char* name, char* buffer) {
 std::FILE* FILEfopen(const char* path, const char* mode) {
   char expanded[kzgis::kPathBytes];
   if (FILEmap_variables(path, expanded) == nullptr) return nullptr;
+  return kzgis::open_expanded(expanded, mode);
+}
+
+std::FILE* kzgis::open_expanded(char* path, const char* mode) {
   // After the expansion, so that paths written for Windows may stand in the environment too.
-  if (!kBackslashSeparates) {
-    std::replace(expanded, expanded + std::strlen(expanded), '\\', '/');
-  }
-  return kzgis::is_named_pipe(expanded) ? nullptr : std::fopen(expanded, mode);
+  if (!kBackslashSeparates) std::replace(path, path + std::strlen(path), '\\', '/');
+  return is_named_pipe(path) ? nullptr : std::fopen(path, mode);
 }

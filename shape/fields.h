@@ -12,6 +12,7 @@
 
 #include "kzgis/byteutil.h"
 #include "kzgis/types.h"
+#include "shape/byte_order.h"
 
 namespace kzgis::shape_fields {
 
@@ -28,8 +29,9 @@ inline kz_ulong read_bytes(std::istream& stream, void* bytes, std::streamsize co
   return stream.gcount() < count ? status::short_read : status::success;
 }
 
-// Byte orders are asked for as "swap unless ...": `ByteOrder()` is 1 on a little-endian
-// host and never 2, so big-endian fields are reversed on every host.
+// The classic classes ask for byte orders as "swap unless ...": `ByteOrder()` is 1 on a
+// little-endian host and never 2, so that their big-endian fields are reversed on every host,
+// which those of byte_order.h are not.
 inline bool swaps_big_endian(const GIS_ByteUtil_c& bytes) { return bytes.ByteOrder() != 2; }
 inline bool swaps_little_endian(const GIS_ByteUtil_c& bytes) { return bytes.ByteOrder() != 1; }
 
@@ -40,20 +42,6 @@ inline kz_long big_endian_long(const GIS_ByteUtil_c& bytes, const char* field) {
   kz_long value = 0;
   std::memcpy(&value, field, sizeof value);
   if (swaps_big_endian(bytes)) bytes.SwapBytes4(sizeof value, &value);
-  return value;
-}
-
-inline kz_long little_endian_long(const GIS_ByteUtil_c& bytes, const char* field) {
-  kz_long value = 0;
-  std::memcpy(&value, field, sizeof value);
-  if (swaps_little_endian(bytes)) bytes.SwapBytes4(sizeof value, &value);
-  return value;
-}
-
-inline double little_endian_double(const GIS_ByteUtil_c& bytes, const char* field) {
-  double value = 0.0;
-  std::memcpy(&value, field, sizeof value);
-  if (swaps_little_endian(bytes)) bytes.SwapBytes8(sizeof value, &value);
   return value;
 }
 

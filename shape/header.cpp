@@ -74,12 +74,12 @@ kz_ulong KZ_GIS_ESRI_ShapeHeader_c::ReadHeader() {
   //   68  32 bytes               Zmin, Zmax, Mmin, Mmax: not kept
   file_code_ = big_endian_long(byte_util, header);
   file_length_ = words_to_bytes(big_endian_long(byte_util, header + 24));
-  version_ = little_endian_long(byte_util, header + 28);
-  shape_type_ = little_endian_long(byte_util, header + 32);
-  x_min_ = little_endian_double(byte_util, header + 36);
-  y_min_ = little_endian_double(byte_util, header + 44);
-  x_max_ = little_endian_double(byte_util, header + 52);
-  y_max_ = little_endian_double(byte_util, header + 60);
+  version_ = little_endian<kz_long>(header + 28);
+  shape_type_ = little_endian<kz_long>(header + 32);
+  x_min_ = little_endian<double>(header + 36);
+  y_min_ = little_endian<double>(header + 44);
+  x_max_ = little_endian<double>(header + 52);
+  y_max_ = little_endian<double>(header + 60);
   return status::success;
 }
 

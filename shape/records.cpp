@@ -52,10 +52,10 @@ constinit const GIS_ByteUtil_c byte_util;
 
 /// Decodes the box, which stands at one place in every kind of record that has one.
 void decode_box(const char* record, double* x_min, double* y_min, double* x_max, double* y_max) {
-  *x_min = little_endian_double(byte_util, record + kBox);
-  *y_min = little_endian_double(byte_util, record + kBox + 8);
-  *x_max = little_endian_double(byte_util, record + kBox + 16);
-  *y_max = little_endian_double(byte_util, record + kBox + 24);
+  *x_min = little_endian<double>(record + kBox);
+  *y_min = little_endian<double>(record + kBox + 8);
+  *x_max = little_endian<double>(record + kBox + 16);
+  *y_max = little_endian<double>(record + kBox + 24);
 }
 
 /// Grows `*array` to `count` elements with the C heap.
@@ -232,8 +232,8 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadPointShape(kz_long* recordNumber, double* x, d
   char record[kLongPointSize];
   result = read_bytes(shape_stream_, record, length);
   if (result != status::success) return result;
-  *x = little_endian_double(byte_util, record + kPointX);
-  *y = little_endian_double(byte_util, record + kPointY);
+  *x = little_endian<double>(record + kPointX);
+  *y = little_endian<double>(record + kPointY);
   return status::success;
 }
 
@@ -244,7 +244,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadMultiPointShape(kz_long* recordNumber, double*
   kz_ulong result = ReadFixedPart(recordNumber, record, kMultiPointFixedSize);
   if (result != status::success) return result;
   decode_box(record, xMin, yMin, xMax, yMax);
-  *numPoints = little_endian_long(byte_util, record + kMultiPointPointCount);
+  *numPoints = little_endian<kz_long>(record + kMultiPointPointCount);
 
   result = grow_points(shape_stream_, 0, *numPoints, pointsCapacity, x, y);
   if (result != status::success) return result;
@@ -260,8 +260,8 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadArcShape(kz_long* recordNumber, double* xMin, 
   kz_ulong result = ReadFixedPart(recordNumber, record, kArcFixedSize);
   if (result != status::success) return result;
   decode_box(record, xMin, yMin, xMax, yMax);
-  *numParts = little_endian_long(byte_util, record + kArcPartCount);
-  *numPoints = little_endian_long(byte_util, record + kArcPointCount);
+  *numParts = little_endian<kz_long>(record + kArcPartCount);
+  *numPoints = little_endian<kz_long>(record + kArcPointCount);
 
   result = grow_parts(shape_stream_, *numParts, partsCapacity, parts);
   if (result != status::success) return result;
@@ -291,8 +291,8 @@ kz_ulong KZ_GIS_ESRI_Shape_c::GetArcShapeInfo(kz_long* recordNumber, kz_long* nu
   char record[kArcFixedSize];
   const kz_ulong result = ReadFixedPart(recordNumber, record, kArcFixedSize);
   if (result != status::success) return result;
-  *numParts = little_endian_long(byte_util, record + kArcPartCount);
-  *numPoints = little_endian_long(byte_util, record + kArcPointCount);
+  *numParts = little_endian<kz_long>(record + kArcPartCount);
+  *numPoints = little_endian<kz_long>(record + kArcPointCount);
   return status::success;
 }
 
@@ -305,7 +305,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::GetMultiPointShapeInfo(kz_long* recordNumber, kz_l
   char record[kMultiPointFixedSize];
   const kz_ulong result = ReadFixedPart(recordNumber, record, kMultiPointFixedSize);
   if (result != status::success) return result;
-  *numPoints = little_endian_long(byte_util, record + kMultiPointPointCount);
+  *numPoints = little_endian<kz_long>(record + kMultiPointPointCount);
   return status::success;
 }
 
@@ -384,7 +384,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::SumOverRecords(kz_long fixedSize, kz_long fieldOff
     char field[4];
     result = read_bytes(shape_stream_, field, sizeof field);
     if (result != status::success) return result;
-    *sum += static_cast<kz_ulong>(little_endian_long(byte_util, field));
+    *sum += static_cast<kz_ulong>(little_endian<kz_long>(field));
   }
   return status::success;
 }

@@ -22,11 +22,11 @@
 #include <cstring>
 #include <new>
 #include <string>
-#include <string_view>
 
 #include "kzgis/filetools.h"
 #include "platform/named_pipe.h"
 #include "shape/fields.h"
+#include "shape/file_names.h"
 
 using namespace kzgis;
 using namespace kzgis::shape_fields;
@@ -34,18 +34,8 @@ using namespace kzgis::shape_fields;
 namespace {
 
 constexpr std::size_t kLongestName = 255;  // of a file, extension included
-constexpr std::size_t kExtensionLength = 4;
 
 constinit const GIS_ByteUtil_c byte_util;
-
-/// A name without the ending of one of the format's three files, in lower case only.  A name
-/// shorter than an ending has none.
-std::string_view without_extension(std::string_view name) {
-  for (const std::string_view extension : {".shp", ".shx", ".dbf"}) {
-    if (name.ends_with(extension)) return name.substr(0, name.size() - kExtensionLength);
-  }
-  return name;
-}
 
 /// Opens a stream for binary reading; its fail flag tells whether that went wrong.
 void open_stream(std::ifstream& stream, const char* name) {
@@ -96,7 +86,7 @@ const char* KZ_GIS_ESRI_Shape_c::FileName(const char* name) {
     char expanded[kzgis::kPathBytes];
     const char* const full_name = FILEmap_variables(name, expanded);
     if (full_name != nullptr) {
-      const std::string base(without_extension(full_name));
+      const std::string base(without_extension(full_name, Case::lower));
       // The names of both files fit their members, which are a little longer than this limit.
       if (base.size() + kExtensionLength <= kLongestName) {
         std::memcpy(base_name_, base.c_str(), base.size() + 1);

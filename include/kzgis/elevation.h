@@ -15,9 +15,8 @@
 #include "kzgis/result.h"
 #include "kzgis/types.h"
 
-// Reading does not throw.  Without memory the error of a grid is of kind
-// `ErrorKind::out_of_memory`, or `cannot_read` where the host could not make a stream for the
-// file.
+// Reading does not throw.  Without memory the error is of kind `ErrorKind::out_of_memory`, or
+// `cannot_read` where the host could not make a stream for the file.
 
 namespace kzgis {
 
@@ -41,7 +40,7 @@ struct GroundPoint {
   double y = 0.0;  ///< northwards
 };
 
-/// The elevations of a quadrangle, or the reason why there are none.
+/// The elevations of a quadrangle.
 ///
 /// Elevations are values at points, those of the file; each point is the centre of a cell that
 /// reaches half a step each way.  Formats that place the corner of the first cell, such as
@@ -82,9 +81,6 @@ struct KZGIS_EXPORT ElevationGrid {
   /// least int; texts have no NUL behind them.
   dem::RecordA header;
 
-  /// Set when the file was refused: it says where and why, and the grid is empty.
-  Error error;
-
   /// The elevation at `row` from the north and `column` from the west, both from 0; NaN
   /// outside of the grid.
   float at(kz_long row, kz_long column) const;
@@ -106,12 +102,14 @@ struct KZGIS_EXPORT ElevationGrid {
 /// as the file can fill: memory stays within a small multiple of the file's size.
 ///
 /// @param path  may hold path variables (see FILEmap_variables); a named pipe is refused
-KZGIS_EXPORT ElevationGrid read_dem(const std::string& path);
+/// @return `bad_data`, with the place in the file, when it is refused; `cannot_read`, also where
+///         the host has no memory for a stream; `out_of_memory`
+KZGIS_EXPORT Result<ElevationGrid> read_dem(const std::string& path);
 
 /// The same for a file that is in memory already, uncompressed for instance.
 ///
 /// @param name  begins the message of an error
-KZGIS_EXPORT ElevationGrid read_dem(std::span<const char> bytes, std::string_view name);
+KZGIS_EXPORT Result<ElevationGrid> read_dem(std::span<const char> bytes, std::string_view name);
 
 }  // namespace kzgis
 

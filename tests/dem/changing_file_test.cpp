@@ -42,7 +42,9 @@ extern "C" std::size_t fread(void* bytes, std::size_t size, std::size_t count, s
 namespace {
 
 using kzgis::ElevationGrid;
+using kzgis::Error;
 using kzgis::read_dem;
+using kzgis::Result;
 
 class ReadDemOfAFile : public DemTest {
  protected:
@@ -73,24 +75,28 @@ class ReadDemOfAFile : public DemTest {
 
   /// Compares what was read with what the same bytes in memory give.
   void expect_like(const std::string& bytes) const {
-    const ElevationGrid expected = read_dem(bytes, path_);
-    EXPECT_EQ(grid_.error.kind, expected.error.kind);
-    EXPECT_EQ(grid_.error.message, expected.error.message);
-    EXPECT_EQ(grid_.columns, expected.columns);
-    EXPECT_EQ(grid_.elevations, expected.elevations);
+    const auto expected = read_dem(bytes, path_);
+    ASSERT_EQ(grid_.has_value(), expected.has_value());
+    if (!grid_) {
+      EXPECT_EQ(grid_.error().kind, expected.error().kind);
+      EXPECT_EQ(grid_.error().message, expected.error().message);
+      return;
+    }
+    EXPECT_EQ(grid_->columns, expected->columns);
+    EXPECT_EQ(grid_->elevations, expected->elevations);
   }
 
   const std::string path_ = directory() + "/test.dem";
   std::string whole_;
-  ElevationGrid grid_;
+  Result<ElevationGrid> grid_ = Error{};
 };
 
 TEST_F(ReadDemOfAFile, ThatStaysAsItIsGivesAllOfIt) {
   EXPECT_FALSE(read(1000, [] {}));
-  ASSERT_FALSE(grid_.error) << grid_.error.message;
-  EXPECT_EQ(grid_.columns, kProfiles);
-  EXPECT_EQ(grid_.rows, 4);
-  EXPECT_EQ(grid_.at(0, 299), 302.0F);
+  ASSERT_TRUE(grid_) << grid_.error().message;
+  EXPECT_EQ(grid_->columns, kProfiles);
+  EXPECT_EQ(grid_->rows, 4);
+  EXPECT_EQ(grid_->at(0, 299), 302.0F);
 }
 
 TEST_F(ReadDemOfAFile, ThatGetsShorterEndsThereOrWhereItWasReadTo) {
@@ -100,7 +106,7 @@ TEST_F(ReadDemOfAFile, ThatGetsShorterEndsThereOrWhereItWasReadTo) {
       SCOPED_TRACE("read " + std::to_string(n) + ", " + std::to_string(length) + " bytes");
       ASSERT_TRUE(read(n, [&] { std::filesystem::resize_file(path_, length); }));
       expect_like(whole_.substr(0, std::max(length, interruption.bytes_before)));
-      EXPECT_TRUE(grid_.error);
+      EXPECT_FALSE(grid_);
     }
   }
 }
@@ -110,7 +116,7 @@ TEST_F(ReadDemOfAFile, ThatGetsLongerGivesWhatItHad) {
     SCOPED_TRACE(n);
     ASSERT_TRUE(read(n, [&] { std::filesystem::resize_file(path_, 10 * whole_.size()); }));
     expect_like(whole_);
-    EXPECT_FALSE(grid_.error) << grid_.error.message;
+    EXPECT_TRUE(grid_) << grid_.error().message;
   }
 }
 
@@ -124,7 +130,7 @@ TEST_F(ReadDemOfAFile, WhoseBytesBecomeOtherOnesIsRefused) {
       const std::size_t seen = interruption.bytes_before;
       ASSERT_LT(seen, whole_.size());
       expect_like(whole_.substr(0, seen) + others.substr(seen));
-      EXPECT_TRUE(grid_.error);
+      EXPECT_FALSE(grid_);
     }
   }
 }

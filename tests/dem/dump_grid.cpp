@@ -10,11 +10,12 @@
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;
-  kzgis::ElevationGrid grid = kzgis::read_dem(std::string(argv[1]));
-  if (grid.error) {
-    std::cerr << grid.error.message << '\n';
+  auto result = kzgis::read_dem(std::string(argv[1]));
+  if (!result) {
+    std::cerr << result.error().message << '\n';
     return 1;
   }
+  kzgis::ElevationGrid& grid = *result;
   std::printf(
       "{\"size\": [%d, %d], \"west\": %.17g, \"north\": %.17g, \"step\": [%.17g, %.17g], "
       "\"feet\": %s, \"empty\": %zu, \"left_out\": %zu, \"lowest\": %.17g, \"highest\": %.17g}\n",

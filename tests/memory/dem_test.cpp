@@ -179,9 +179,9 @@ std::vector<Operation> profiles() {
   };
 }
 
-long kind_of(const kzgis::ElevationGrid& grid) {
-  if (grid.error) return static_cast<long>(grid.error.kind);
-  return 100 + static_cast<long>(grid.elevations.size());
+long kind_of(const kzgis::Result<kzgis::ElevationGrid>& grid) {
+  if (!grid) return static_cast<long>(grid.error().kind);
+  return 100 + static_cast<long>(grid->elevations.size());
 }
 
 std::vector<Operation> grids() {
@@ -192,7 +192,7 @@ std::vector<Operation> grids() {
     std::ifstream file(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), {});
   }();
-  static const kzgis::ElevationGrid whole = kzgis::read_dem(path);
+  static const kzgis::ElevationGrid whole = kzgis::read_dem(path).value();
   const long no_memory = static_cast<long>(ErrorKind::out_of_memory);
   const long cannot_read = static_cast<long>(ErrorKind::cannot_read);
   return {

@@ -3,13 +3,18 @@
 #include "kzgis/shape.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kzgis/byteutil.h"
+#include "kzgis/shapefile.h"
 #include "memory/failing.h"
+#include "support/temporary_directory.h"
 
 namespace {
 
@@ -191,8 +196,71 @@ std::vector<Operation> readers() {
   };
 }
 
+using kzgis::ErrorKind;
+using kzgis::Shapefile;
+
+long kind_of(const kzgis::Error& error) { return static_cast<long>(error.kind); }
+
+/// How opening went: 100 and the number of records, or the kind of the error.
+long open_modern(const std::string& path) {
+  const auto file = Shapefile::open(path);
+  return file ? 100 + static_cast<long>(file->size()) : kind_of(file.error());
+}
+
+long read_modern(Shapefile& file, std::uint32_t index) {
+  const auto record = file.read(index);
+  return record ? 100 + static_cast<long>(record->x.size()) : kind_of(record.error());
+}
+
+/// A layer without an index.
+class Unindexed {
+ public:
+  Unindexed() { std::filesystem::copy_file(std::string(kLakes) + ".shp", path() + ".shp"); }
+  std::string path() const { return directory_.path() / "a layer that has no index beside it"; }
+
+ private:
+  TemporaryDirectory directory_;
+};
+
+std::vector<Operation> modern() {
+  static const std::string lakes(kLakes);
+  static const std::string missing("/nowhere/a file that is not there");
+  static const Unindexed unindexed;
+  static const std::string alone = unindexed.path();
+  static std::unique_ptr<Shapefile> fresh;  // a file that has no room for records yet
+  static Shapefile file = Shapefile::open(kLakes).value();
+  const long no_memory = static_cast<long>(ErrorKind::out_of_memory);
+  return {
+      {"Shapefile_open", 10, {no_memory}, [] { return open_modern(lakes); }},
+      {"Shapefile_open_Unindexed", 10, {no_memory}, [] { return open_modern(alone); }},
+      {"Shapefile_open_Missing", 5, {no_memory}, [] { return open_modern(missing); }},
+      {"Shapefile_read",
+       3,
+       {no_memory},
+       [] {
+         const auto read = std::move(fresh);
+         return read_modern(*read, 3);
+       },
+       [] { fresh = std::make_unique<Shapefile>(Shapefile::open(kLakes).value()); }},
+      {"Shapefile_read_NoSuch", 1, {no_memory}, [] { return read_modern(file, 1000000000); }},
+      {"Shapefile_walk",
+       0,
+       {},
+       [] {
+         long points = 0;
+         for (const auto& record : file) points += static_cast<long>(record->x.size());
+         return points + static_cast<long>(file.size()) + static_cast<long>(file.type());
+       },
+       // Once with memory: then there is room for every record.
+       [] {
+         for (const auto& record : file) ASSERT_TRUE(record);
+       }},
+  };
+}
+
 INSTANTIATE_TEST_SUITE_P(ShapeFiles, FailingMemory, testing::ValuesIn(files()), name_of);
 INSTANTIATE_TEST_SUITE_P(ShapeReaders, FailingMemory, testing::ValuesIn(readers()), name_of);
+INSTANTIATE_TEST_SUITE_P(Shapefiles, FailingMemory, testing::ValuesIn(modern()), name_of);
 
 TEST(ShapeWithoutMemory, OpensAndReadsAgain) {
   expect_usable_again<Shape>(
@@ -205,6 +273,23 @@ TEST(ShapeWithoutMemory, OpensAndReadsAgain) {
         ASSERT_EQ(read_polygon(shape), 1);
       },
       nullptr);
+}
+
+TEST(ShapefileWithoutMemory, ReadsAgain) {
+  struct Layer {
+    Shapefile file = Shapefile::open(kLakes).value();
+  };
+  expect_usable_again<Layer>([](Layer& layer) { (void)read_modern(layer.file, 3); },
+                             [](Layer& layer) { ASSERT_EQ(read_modern(layer.file, 3), 100 + 17); });
+}
+
+TEST(ShapefileWithoutMemory, NamesTheRecord) {
+  Shapefile file = Shapefile::open(kLakes).value();
+  failing_memory::fail_from(0, false);
+  const auto record = file.read(3);
+  failing_memory::succeed();
+  ASSERT_FALSE(record);
+  EXPECT_EQ(record.error().message, "record 4: out of memory");
 }
 
 }  // namespace

@@ -19,6 +19,7 @@
 #include "kzgis/filetools.h"
 #include "kzgis/polytree.h"
 #include "kzgis/projection.h"
+#include "kzgis/shapefile.h"
 #include "kzgis/triangulate.h"
 #include "kzgis/utdate.h"
 #include "support/meshed.h"
@@ -54,6 +55,22 @@ std::string read_shapes() {
   shape.ShapeHeader().PrintFileHeader(os);
   KZ_GIS_ESRI_Shape_c missing("/nowhere/none.shp");
   os << int{missing.ShapeFileIsOpen()};
+  return os.str();
+}
+
+/// Files of a thread's own, with an index and without.
+std::string read_records() {
+  std::ostringstream os;
+  for (const char* const name : {"ne_110m_countries", "ne_50m_places_by_country"}) {
+    auto file = kzgis::Shapefile::open(std::string(KZGIS_TEST_DATA_DIR "/ne/") + name).value();
+    os << file.size() << ' ' << file.read(file.size()).error().message;
+    for (const auto& record : file) {
+      put(os, record->parts);
+      put(os, record->x);
+      put(os, record->y);
+    }
+  }
+  os << kzgis::Shapefile::open("/nowhere/none").error().message;
   return os.str();
 }
 
@@ -109,8 +126,9 @@ std::string read_profiles() {
 
 std::string read_grid() {
   std::ostringstream os;
-  const kzgis::ElevationGrid grid = kzgis::read_dem(kElevations);
-  os << grid.error.message << grid.rows << ' ' << grid.columns << ' ' << grid.lowest;
+  const kzgis::ElevationGrid grid = kzgis::read_dem(kElevations).value();
+  os << kzgis::read_dem("/nowhere/none").error().message;
+  os << grid.rows << ' ' << grid.columns << ' ' << grid.lowest;
   put(os, grid.elevations);
   return os.str();
 }
@@ -194,11 +212,17 @@ class Threads : public BankTest {
   }
 
   std::vector<std::function<std::string()>> jobs() const {
-    return {read_shapes,       project_points,
-            compute_positions, read_profiles,
-            read_grid,         mesh_polygons,
-            nest_polygons,     compare_points,
-            handle_texts,      [this] { return load_outlines(); }};
+    return {read_shapes,
+            read_records,
+            project_points,
+            compute_positions,
+            read_profiles,
+            read_grid,
+            mesh_polygons,
+            nest_polygons,
+            compare_points,
+            handle_texts,
+            [this] { return load_outlines(); }};
   }
 
  private:
@@ -241,6 +265,23 @@ TEST_F(Threads, GiveWhatOneGives) {
     }
   }
   EXPECT_EQ(met.size(), work.size() * work.size());
+}
+
+// Eight at once, each with objects of its own on the same files.
+TEST(EightThreads, EachReadALayerOfItsOwn) {
+  const std::string expected = read_records();
+  ASSERT_GT(expected.size(), 10000U);
+  std::barrier together(8);
+  std::vector<std::string> given(8);
+  std::vector<std::thread> threads;
+  for (std::string& mine : given) {
+    threads.emplace_back([&together, &mine] {
+      together.arrive_and_wait();
+      mine = read_records();
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const std::string& theirs : given) EXPECT_EQ(theirs, expected);
 }
 
 }  // namespace

@@ -20,9 +20,9 @@ ElevationGrid read_grid(const std::string& file) {
   const std::string path = expanded(file);
   const std::string why = why_not_readable(path);
   if (!why.empty()) throw CommandError(why);
-  ElevationGrid grid = path.ends_with(".gz") ? read_dem(read_gzip(path), file) : read_dem(path);
-  if (grid.error) fail(grid.error);
-  return grid;
+  auto grid = path.ends_with(".gz") ? read_dem(read_gzip(path), file) : read_dem(path);
+  if (!grid) fail(grid.error());
+  return *std::move(grid);
 }
 
 #ifdef KZGIS_HAS_ZLIB

@@ -17,7 +17,7 @@ int main() {
   const KZ_GIS_ESRI_Shape_c none(nullptr);
   if (none.ShapeFileIsOpen() != 0) return 1;
   if (DEM_LogicalRecord().fetchElevations() != nullptr) return 1;
-  if (!kzgis::read_dem("none").error) return 1;
+  if (kzgis::read_dem("none")) return 1;
   std::cout << LatLon(324000L, -36000L) << '\n';
   // A quarter of a turn on the default globe.
   return x > 10018538.0 && x < 10018540.0 ? 0 : 1;
