@@ -24,8 +24,9 @@ struct SinCos {
 /// Sine and cosine of an angle in degrees of up to a turn.
 ///
 /// The whole quarters are taken off before degrees become radians, and that subtraction is
-/// exact: multiples of 90 degrees give 0 (never -0, which would have a pole divide to the
-/// other infinity) and 1 themselves, and the cosine of a latitude keeps its digits up to the pole.
+/// exact: multiples of 90 degrees give 1 and 0 themselves, and the cosine of a latitude keeps its
+/// digits up to the pole.  A 0 is never -0, which would take points of the far equator or a pole
+/// to the other end of a map.
 inline SinCos sin_cos(double angle_deg) {
   const double quarters = std::nearbyint(angle_deg / 90.0);
   const double rest = (angle_deg - 90.0 * quarters) * kDegree;

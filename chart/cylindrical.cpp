@@ -87,9 +87,7 @@ struct CassiniSoldner {
     const double toward_base = lat.cos * dlon.cos;
     // An arc tangent keeps the digits that Snyder's arc sine loses 90 degrees to the side.
     x = std::atan2(lat.cos * dlon.sin, std::hypot(lat.sin, toward_base));
-    // A southern zero would take the far half of the equator from one end to the other.
-    const double sin_lat = lat.sin + 0.0;
-    y = std::atan2(sin_lat, toward_base) - k.base_lat_deg * kDegree;
+    y = std::atan2(lat.sin, toward_base) - k.base_lat_deg * kDegree;
     return true;
   }
   static bool inverse(const ChartConstants& k, double x, double y, double& lat_deg,

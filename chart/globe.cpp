@@ -16,7 +16,7 @@ std::size_t project_globe(const ChartConstants& given, const Spans& spans) {
     double x = 0.0;
     double y = 0.0;
     double z = 0.0;
-    bool placed =
+    const bool placed =
         std::fabs(lat_deg) <= 90.0 && std::isfinite(lon_deg) && std::isfinite(r) && r > 0.0;
     if (placed) {
       const SinCos lat = sin_cos(lat_deg);

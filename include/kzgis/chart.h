@@ -119,10 +119,10 @@ struct ChartConstants {
 ///
 /// | projection          | place                                   | reach        | most       |
 /// |---------------------|-----------------------------------------|--------------|------------|
-/// | Lambert cylindrical | both poles                              | 0.01 degrees | 5e-6 deg.  |
-/// | Orthographic        | 90 degrees from the base                | 0.01         | 5e-6       |
-/// | Lambert azimuthal   | the antipode                            | 0.02         | 2e-5       |
-/// | Albers              | both poles, but the one at the apex     | 0.05         | 5e-5       |
+/// | Lambert cylindrical | both poles                              | 0.01 degrees | 3e-6 deg.  |
+/// | Orthographic        | 90 degrees from the base                | 0.01         | 3e-6       |
+/// | Lambert azimuthal   | the antipode                            | 0.02         | 1e-5       |
+/// | Albers              | both poles, but the one at the apex     | 0.05         | 2e-5       |
 ///
 /// Charts whose coordinates are large where their points are not lose as many digits: bases and
 /// parallels of the Lambert conic near to the pole that has no place.

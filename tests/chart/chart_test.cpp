@@ -161,8 +161,15 @@ TEST(Chart, LongitudesGoRoundTheBaseMeridian) {
   EXPECT_EQ(unprojected(chart, 10, 0).b, -180.0);
   EXPECT_NEAR(unprojected(chart, 10.5, 0).b, -179.5, 1e-12);
   // A longitude that is whole turns away is the same to the last bit.
-  const Chart far = made(MercatorProj, based(0, -77.25 + 360e6));
-  EXPECT_EQ(projected(far, 0, 12.75 - 360e9).a, projected(made(MercatorProj), 0, 90).a);
+  constexpr double kTurns = 360.0 * (1LL << 40);
+  for (const auto& [base, lon] : {std::pair{0.1, 0.125}, {0.125, 0.1}}) {
+    const double expected = projected(made(CartesianProj, based(0, base)), 0, lon).a;
+    for (const double turns : {kTurns, -kTurns}) {
+      const double far_base = base == 0.125 ? base + turns : base;
+      const double far_lon = lon == 0.125 ? lon + turns : lon;
+      EXPECT_EQ(projected(made(CartesianProj, based(0, far_base)), 0, far_lon).a, expected);
+    }
+  }
 }
 
 TEST(Chart, FillsInParallelsAndReach) {

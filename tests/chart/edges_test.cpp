@@ -95,7 +95,9 @@ TEST(ChartEdges, MercatorHasNoPoles) {
 }
 
 TEST(ChartEdges, GnomonicHasNoHorizonAndOrthographicHas) {
-  for (const auto& [lat, lon] : kBases) {
+  for (const auto& base : kBases) {
+    const double lat = base[0];
+    const double lon = base[1];
     const Chart gnomonic = made(GnomonicProj, based(lat, lon));
     const Chart orthographic = made(OrthographicProj, based(lat, lon));
     for (double azimuth = 0; azimuth < 360; azimuth += 5) {
