@@ -128,34 +128,19 @@ struct Azimuthal {
 
 }  // namespace
 
-std::size_t project_azimuthal(projType type, const ChartConstants& constants, const Spans& spans) {
+std::size_t convert_azimuthal(projType type, Way way, const ChartConstants& constants,
+                              const Spans& spans) {
   switch (type) {
     case GnomonicProj:
-      return project_each<Azimuthal<Gnomonic>>(constants, spans);
+      return convert_each<Azimuthal<Gnomonic>>(way, constants, spans);
     case StereographicProj:
-      return project_each<Azimuthal<Stereographic>>(constants, spans);
+      return convert_each<Azimuthal<Stereographic>>(way, constants, spans);
     case OrthographicProj:
-      return project_each<Azimuthal<Orthographic>>(constants, spans);
+      return convert_each<Azimuthal<Orthographic>>(way, constants, spans);
     case PostelProj:
-      return project_each<Azimuthal<Postel>>(constants, spans);
+      return convert_each<Azimuthal<Postel>>(way, constants, spans);
     default:
-      return project_each<Azimuthal<LambertAzimuthal>>(constants, spans);
-  }
-}
-
-std::size_t unproject_azimuthal(projType type, const ChartConstants& constants,
-                                const Spans& spans) {
-  switch (type) {
-    case GnomonicProj:
-      return unproject_each<Azimuthal<Gnomonic>>(constants, spans);
-    case StereographicProj:
-      return unproject_each<Azimuthal<Stereographic>>(constants, spans);
-    case OrthographicProj:
-      return unproject_each<Azimuthal<Orthographic>>(constants, spans);
-    case PostelProj:
-      return unproject_each<Azimuthal<Postel>>(constants, spans);
-    default:
-      return unproject_each<Azimuthal<LambertAzimuthal>>(constants, spans);
+      return convert_each<Azimuthal<LambertAzimuthal>>(way, constants, spans);
   }
 }
 

@@ -15,6 +15,7 @@ namespace {
 
 using chart::Spans;
 using chart::text_of;
+using chart::Way;
 
 enum class Family { cylindrical, azimuthal, conic, pseudoconic, globe };
 
@@ -130,33 +131,18 @@ std::string prepare(projType type, const ChartParameters& parameters, ChartConst
   }
 }
 
-std::size_t project_spans(projType type, const ChartConstants& constants, const Spans& spans) {
+std::size_t convert(projType type, Way way, const ChartConstants& constants, const Spans& spans) {
   switch (kind_of(type).family) {
     case Family::cylindrical:
-      return chart::project_cylindrical(type, constants, spans);
+      return chart::convert_cylindrical(type, way, constants, spans);
     case Family::azimuthal:
-      return chart::project_azimuthal(type, constants, spans);
+      return chart::convert_azimuthal(type, way, constants, spans);
     case Family::conic:
-      return chart::project_conic(type, constants, spans);
+      return chart::convert_conic(type, way, constants, spans);
     case Family::pseudoconic:
-      return chart::project_pseudoconic(constants, spans);
+      return chart::convert_pseudoconic(way, constants, spans);
     default:
-      return chart::project_globe(constants, spans);
-  }
-}
-
-std::size_t unproject_spans(projType type, const ChartConstants& constants, const Spans& spans) {
-  switch (kind_of(type).family) {
-    case Family::cylindrical:
-      return chart::unproject_cylindrical(type, constants, spans);
-    case Family::azimuthal:
-      return chart::unproject_azimuthal(type, constants, spans);
-    case Family::conic:
-      return chart::unproject_conic(type, constants, spans);
-    case Family::pseudoconic:
-      return chart::unproject_pseudoconic(constants, spans);
-    default:
-      return chart::unproject_globe(constants, spans);
+      return chart::convert_globe(way, constants, spans);
   }
 }
 
@@ -196,24 +182,24 @@ Result<Chart> Chart::make(projType type, const ChartParameters& parameters) {
 
 std::size_t Chart::project(std::span<const double> lat, std::span<const double> lon,
                            std::span<double> x, std::span<double> y, Arithmetic) const {
-  return project_spans(type_, constants_, {lat, lon, {}, x, y, {}, false});
+  return convert(type_, Way::there, constants_, {lat, lon, {}, x, y, {}, false});
 }
 
 std::size_t Chart::project(std::span<const double> lat, std::span<const double> lon,
                            std::span<const double> alt, std::span<double> x, std::span<double> y,
                            std::span<double> z, Arithmetic) const {
-  return project_spans(type_, constants_, {lat, lon, alt, x, y, z, true});
+  return convert(type_, Way::there, constants_, {lat, lon, alt, x, y, z, true});
 }
 
 std::size_t Chart::unproject(std::span<const double> x, std::span<const double> y,
                              std::span<double> lat, std::span<double> lon, Arithmetic) const {
-  return unproject_spans(type_, constants_, {x, y, {}, lat, lon, {}, false});
+  return convert(type_, Way::back, constants_, {x, y, {}, lat, lon, {}, false});
 }
 
 std::size_t Chart::unproject(std::span<const double> x, std::span<const double> y,
                              std::span<const double> z, std::span<double> lat,
                              std::span<double> lon, std::span<double> alt, Arithmetic) const {
-  return unproject_spans(type_, constants_, {x, y, z, lat, lon, alt, true});
+  return convert(type_, Way::back, constants_, {x, y, z, lat, lon, alt, true});
 }
 
 }  // namespace kzgis

@@ -174,14 +174,10 @@ std::string prepare_conic(projType type, const ChartParameters& parameters,
   return {};
 }
 
-std::size_t project_conic(projType type, const ChartConstants& constants, const Spans& spans) {
-  return type == LambertConicProj ? project_each<LambertConic>(constants, spans)
-                                  : project_each<Albers>(constants, spans);
-}
-
-std::size_t unproject_conic(projType type, const ChartConstants& constants, const Spans& spans) {
-  return type == LambertConicProj ? unproject_each<LambertConic>(constants, spans)
-                                  : unproject_each<Albers>(constants, spans);
+std::size_t convert_conic(projType type, Way way, const ChartConstants& constants,
+                          const Spans& spans) {
+  return type == LambertConicProj ? convert_each<LambertConic>(way, constants, spans)
+                                  : convert_each<Albers>(way, constants, spans);
 }
 
 }  // namespace kzgis::chart

@@ -113,35 +113,19 @@ std::string prepare_cylindrical(projType type, const ChartParameters& parameters
          text_of(*parameters.first_parallel) + " must lie between -90 and 90";
 }
 
-std::size_t project_cylindrical(projType type, const ChartConstants& constants,
+std::size_t convert_cylindrical(projType type, Way way, const ChartConstants& constants,
                                 const Spans& spans) {
   switch (type) {
     case MercatorProj:
-      return project_each<Mercator>(constants, spans);
+      return convert_each<Mercator>(way, constants, spans);
     case LambertCylindricalProj:
-      return project_each<LambertCylindrical>(constants, spans);
+      return convert_each<LambertCylindrical>(way, constants, spans);
     case SansonFlamsteedProj:
-      return project_each<SansonFlamsteed>(constants, spans);
+      return convert_each<SansonFlamsteed>(way, constants, spans);
     case CassiniSoldnerProj:
-      return project_each<CassiniSoldner>(constants, spans);
+      return convert_each<CassiniSoldner>(way, constants, spans);
     default:
-      return project_each<Cartesian>(constants, spans);
-  }
-}
-
-std::size_t unproject_cylindrical(projType type, const ChartConstants& constants,
-                                  const Spans& spans) {
-  switch (type) {
-    case MercatorProj:
-      return unproject_each<Mercator>(constants, spans);
-    case LambertCylindricalProj:
-      return unproject_each<LambertCylindrical>(constants, spans);
-    case SansonFlamsteedProj:
-      return unproject_each<SansonFlamsteed>(constants, spans);
-    case CassiniSoldnerProj:
-      return unproject_each<CassiniSoldner>(constants, spans);
-    default:
-      return unproject_each<Cartesian>(constants, spans);
+      return convert_each<Cartesian>(way, constants, spans);
   }
 }
 

@@ -16,6 +16,9 @@
 
 namespace kzgis::chart {
 
+/// Which way points go: from degrees to the map, or from the map to degrees.
+enum class Way { there, back };
+
 /// The spans of one call.  In degrees a is the latitude, b the longitude and c the altitude; on
 /// the map they are x, y and z.  A call without altitudes has no c at all.
 struct Spans {
@@ -99,26 +102,28 @@ std::size_t unproject_each(const ChartConstants& given, const Spans& spans) {
   return without_place;
 }
 
-// Each family: what a projection of it needs of the parameters, which lie in their ranges and
-// are filled in (the answer is empty, or says why there is no such chart), and the two ways.
+template <class Flat>
+std::size_t convert_each(Way way, const ChartConstants& constants, const Spans& spans) {
+  return way == Way::there ? project_each<Flat>(constants, spans)
+                           : unproject_each<Flat>(constants, spans);
+}
+
+// Each family prepares what a projection of it needs of the parameters, which lie in their ranges
+// and are filled in (the answer is empty, or says why there is no such chart), and converts
+// points, with one choice of the projection for all of them.
 
 std::string prepare_cylindrical(projType, const ChartParameters&, ChartConstants&);
-std::size_t project_cylindrical(projType, const ChartConstants&, const Spans&);
-std::size_t unproject_cylindrical(projType, const ChartConstants&, const Spans&);
+std::size_t convert_cylindrical(projType, Way, const ChartConstants&, const Spans&);
 
-std::size_t project_azimuthal(projType, const ChartConstants&, const Spans&);
-std::size_t unproject_azimuthal(projType, const ChartConstants&, const Spans&);
+std::size_t convert_azimuthal(projType, Way, const ChartConstants&, const Spans&);
 
 std::string prepare_conic(projType, const ChartParameters&, ChartConstants&);
-std::size_t project_conic(projType, const ChartConstants&, const Spans&);
-std::size_t unproject_conic(projType, const ChartConstants&, const Spans&);
+std::size_t convert_conic(projType, Way, const ChartConstants&, const Spans&);
 
 std::string prepare_pseudoconic(projType, const ChartParameters&, ChartConstants&);
-std::size_t project_pseudoconic(const ChartConstants&, const Spans&);
-std::size_t unproject_pseudoconic(const ChartConstants&, const Spans&);
+std::size_t convert_pseudoconic(Way, const ChartConstants&, const Spans&);
 
-std::size_t project_globe(const ChartConstants&, const Spans&);
-std::size_t unproject_globe(const ChartConstants&, const Spans&);
+std::size_t convert_globe(Way, const ChartConstants&, const Spans&);
 
 /// A number as a message shows it: with as many digits as tell it from others.
 std::string text_of(double number);

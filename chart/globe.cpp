@@ -4,6 +4,7 @@
 #include "chart/families.h"
 
 namespace kzgis::chart {
+namespace {
 
 std::size_t project_globe(const ChartConstants& given, const Spans& spans) {
   const double radius = given.radius;
@@ -47,6 +48,12 @@ std::size_t unproject_globe(const ChartConstants& given, const Spans& spans) {
                          placed ? wrap(lon_deg) : 0.0, r - radius);
   }
   return without_place;
+}
+
+}  // namespace
+
+std::size_t convert_globe(Way way, const ChartConstants& constants, const Spans& spans) {
+  return way == Way::there ? project_globe(constants, spans) : unproject_globe(constants, spans);
 }
 
 }  // namespace kzgis::chart

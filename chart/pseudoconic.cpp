@@ -67,12 +67,8 @@ std::string prepare_pseudoconic(projType type, const ChartParameters& parameters
   return {};
 }
 
-std::size_t project_pseudoconic(const ChartConstants& constants, const Spans& spans) {
-  return project_each<PseudoConic>(constants, spans);
-}
-
-std::size_t unproject_pseudoconic(const ChartConstants& constants, const Spans& spans) {
-  return unproject_each<PseudoConic>(constants, spans);
+std::size_t convert_pseudoconic(Way way, const ChartConstants& constants, const Spans& spans) {
+  return convert_each<PseudoConic>(way, constants, spans);
 }
 
 }  // namespace kzgis::chart
