@@ -104,13 +104,15 @@ struct ChartConstants {
 /// | Albers, Bonne, Werner| -                                      | outside of the map        |
 /// | Globe                | altitudes of -radius and below         | the centre                |
 ///
-/// Edges are taken to within 1e-10 radians, 0.6 mm on the Earth: so near to them, points of the
-/// gnomonic horizon and antipodes have no place, while the horizon of the orthographic map and
-/// the edges of maps still have.  Two places that are more than a point on the map: Cassini's map
-/// has the point of the equator 90 degrees east (or west) of the base along all of its eastern
-/// (western) edge, and projects it to the one with the base's equator, x = +-90 degrees; poles
-/// of the maps that show them as lines take the longitude that they are given.  Back, the edge
-/// of the maps of Postel and Lambert is the antipode, and a pole may come with any longitude.
+/// Edges are taken to within 1e-10 radians, 0.6 mm on the Earth: so near to them, points at the
+/// gnomonic horizon and at antipodes have no place, while the horizon of the orthographic map and
+/// the edges of maps still have one.
+///
+/// Some maps draw a point of the globe as a line.  A pole lies where the longitude that comes with
+/// it says.  The point of the equator 90 degrees east (west) of the base is the whole eastern
+/// (western) edge of Cassini-Soldner, and lies where the equator meets that edge.  On the way
+/// back, the whole line is the point: the edge of Postel's and Lambert's azimuthal map is the
+/// antipode.  A pole may come back with any longitude.
 ///
 /// There and back, a point moves by less than 1e-9 degrees along the globe (a longitude counts
 /// times the cosine of its latitude), anywhere but where the projection itself forgets: there a
@@ -124,8 +126,8 @@ struct ChartConstants {
 /// | Lambert azimuthal   | the antipode                            | 0.02         | 1e-5       |
 /// | Albers              | both poles, but the one at the apex     | 0.05         | 2e-5       |
 ///
-/// Charts whose coordinates are large where their points are not lose as many digits: bases and
-/// parallels of the Lambert conic near to the pole that has no place.
+/// More is lost on a Lambert conic whose base or parallels lie near to the pole that has no place:
+/// its origin is far away from all that is on the map.
 class KZGIS_EXPORT Chart {
  public:
   /// Makes a chart, or says in one sentence which parameter is out of range.
