@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "kzgis/chart.h"
 #include "kzgis/dem.h"
 #include "kzgis/elevation.h"
 #include "kzgis/filetools.h"
@@ -96,6 +97,38 @@ std::string project_points() {
     os << projection.setProjection(UtString("Lambert conic conformal")) << ' '
        << projection.fetchProjectionName() << projection.setProjection(static_cast<projType>(15));
   }
+  return os.str();
+}
+
+std::string project_arrays() {
+  std::ostringstream os;
+  os.precision(17);
+  std::vector<double> lat;
+  std::vector<double> lon;
+  for (int i = 0; i < 200; ++i) {
+    lat.push_back(-89.0 + 0.9 * i);
+    lon.push_back(-180.0 + 1.7 * i);
+  }
+  for (int type = 0; type < 16; ++type) {
+    kzgis::ChartParameters parameters;
+    parameters.base_lat = 45.0;
+    const auto chart = kzgis::Chart::make(static_cast<projType>(type), parameters);
+    if (!chart) {
+      os << chart.error().message;
+      continue;
+    }
+    std::vector<double> x = lat;
+    std::vector<double> y = lon;
+    std::vector<double> z = lat;
+    os << chart->project(x, y, z, x, y, z) << ' ';
+    put(os, x);
+    os << chart->unproject(x, y, z, x, y, z) << ' ';
+    put(os, y);
+  }
+  Projection classic(PostelProj, 45.0, 10.0);
+  std::vector<double> z(lat.size());
+  os << kzgis::project_classic(classic, lat, lon, z, lat, lon, z);
+  put(os, lat);
   return os.str();
 }
 
@@ -212,17 +245,9 @@ class Threads : public BankTest {
   }
 
   std::vector<std::function<std::string()>> jobs() const {
-    return {read_shapes,
-            read_records,
-            project_points,
-            compute_positions,
-            read_profiles,
-            read_grid,
-            mesh_polygons,
-            nest_polygons,
-            compare_points,
-            handle_texts,
-            [this] { return load_outlines(); }};
+    return {read_shapes,       read_records,   project_points, project_arrays,
+            compute_positions, read_profiles,  read_grid,      mesh_polygons,
+            nest_polygons,     compare_points, handle_texts,   [this] { return load_outlines(); }};
   }
 
  private:
