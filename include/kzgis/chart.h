@@ -33,7 +33,7 @@ struct ChartParameters {
   /// and 60 (-20 and -60 for a base latitude below 0).  One alone, or two equal ones, make a
   /// cone that touches the sphere there.  Mercator is true to scale along the first one, by
   /// itself along the equator.
-  std::optional<double> first_parallel, second_parallel;
+  std::optional<double> first_parallel{}, second_parallel{};
 
   /// Of the globe, > 0; world coordinates have its unit.
   double radius = 6378000.0;
@@ -42,11 +42,11 @@ struct ChartParameters {
   /// degrees: above 0 and below 90 for the gnomonic one (60 by itself), up to 90 for orthographic
   /// and globe (90), below 180 for the stereographic one (90), up to 180 for Postel and Lambert's
   /// azimuthal one (180).  Points are projected beyond it too.
-  std::optional<double> reach_deg;
+  std::optional<double> reach_deg{};
 
   /// What outlines and frame of the other maps show, in degrees: x is the longitude from the base
   /// meridian, within -180 to 180, y the latitude.  Points are projected outside of it too.
-  std::optional<Box> window;
+  std::optional<Box> window{};
 };
 
 /// Numbers made once from the parameters of a chart, for a globe of radius 1; of no use outside

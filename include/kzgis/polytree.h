@@ -149,8 +149,9 @@ class KZGIS_EXPORT KZ_GIS_PolygonNode_c : public KZ_GIS_TreeNode_c {
   /// 1 when this ring lies inside `other`, else 0.
   ///
   /// Rings with disjoint boxes do not.  Otherwise a single vertex decides: the first whose
-  /// index is not `other`'s at the same position; on the boundary is inside.  A ring whose
-  /// indices all are `other`'s, itself for one, lies inside.
+  /// index is not `other`'s at the same position.  The boundary is inside, but for vertical
+  /// edges with the inside on their right.  A ring whose indices all are `other`'s, itself for
+  /// one, lies inside.
   kz_ulong Inside(KZ_GIS_PolygonNode_c& other);
   /// 1 when `other` lies inside this ring, else 0, as by `other.Inside(*this)`.
   kz_ulong Contains(KZ_GIS_PolygonNode_c& other);
