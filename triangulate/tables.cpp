@@ -108,6 +108,8 @@ bool generate_random_ordering(Tables& t, kz_long n) {
   // entry there takes the place of the one drawn, and is behind the offset of the next round.
   for (kz_long i = 1; i <= n; ++i) {
     const auto remaining = static_cast<std::uint32_t>(n + 1 - i);
+    // The interface's own source of chance, which it seeds from the clock.
+    // NOLINTNEXTLINE(cert-msc30-c,cert-msc50-cpp)
     const auto m = static_cast<kz_long>(static_cast<std::uint32_t>(std::rand()) % remaining + 1);
     t.permute[i] = scratch[i - 1 + m];
     scratch[i - 1 + m] = scratch[i];
