@@ -16,7 +16,7 @@ import zlib
 
 
 class Picture:
-    """A PNG of 8 bits a channel, decoded after the PNG specification (RFC 2083)."""
+    """A PNG of 8 bits a channel, decoded after RFC 2083."""
 
     def __init__(self, path):
         data = pathlib.Path(path).read_bytes()
