@@ -237,7 +237,8 @@ def main():
     write("files/riv.dbf", table([("CONT", 8), ("RANK", 4)], [("europe", "1")]))
     commands = {
         "help": ["--help"], "version": ["--version"],
-        "info": ["info", "--records", "layer.shp"],
+        "info": ["info", "--list", "layer.shp"],
+        "json": ["info", "--json", "--list", "layer.shp"],
         "project": ["project", "--to", "albers", "--base", "45,10", "--parallels", "35,60", "-"],
         "map": ["map", "layer.shp", "riv.shp", "--style", "countries,river", "--to", "globe",
                 "--base", "5,5", "--size", "99x99", "--graticule", "30", "--title", "t",
@@ -253,7 +254,7 @@ def main():
         "grid": ["dem", "small.dem", "-o", "a.asc"],
         "relief": ["dem", "small.dem", "--shade", "--sun", "300,30", "-o", "a.png"],
         "heights": ["dem", "small.dem", "--tint", "-o", "-", "--format", "csv"],
-        "elevations": ["info", "--records", "small.dem", "bank", "layer.shp"],
+        "elevations": ["info", "--list", "small.dem", "bank", "layer.shp"],
         "csv": ["project", "--to", "mercator", "--columns", "2,3", "points.csv", "-o", "b.csv"],
         "globe": ["triangulate", "layer.shp", "--check", "--project", "globe", "--radius", "1"],
     }

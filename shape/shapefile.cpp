@@ -88,6 +88,14 @@ constexpr Layout kLayouts[] = {
     {ShapeType::multipoint_m, "multipoint with m", Form::multipoint, false, true},
 };
 
+/// Null for multipatches, and for numbers that no type has.
+const Layout* layout_of(ShapeType type) {
+  const auto* const found =
+      std::find_if(std::begin(kLayouts), std::end(kLayouts),
+                   [type](const Layout& known) { return known.type == type; });
+  return found != std::end(kLayouts) ? found : nullptr;
+}
+
 /// An array that keeps its room from record to record, its elements not set to anything.
 template <class T>
 class Room {
@@ -210,9 +218,10 @@ struct Shapefile::State {
   std::uint32_t size = 0;
   Room<std::int32_t> parts;
   Room<double> x, y, z, m;
+  std::string path, index_path;
 
-  Error open(const std::string& path);
-  bool open_index(const std::string& shape_name);
+  Error open(const std::string& given);
+  bool open_index();
   void find_records();
   Result<ShapeRecord> read(std::uint32_t number);
   Result<ShapeRecord> read_content(const Layout& layout, std::uint64_t begin, std::uint64_t length,
@@ -220,12 +229,12 @@ struct Shapefile::State {
 };
 
 /// @return success, or why there is nothing to read
-Error Shapefile::State::open(const std::string& path) {
-  const auto refuse = [&path](ErrorKind kind, const std::string& why) {
-    return Error{kind, path + ": " + why};
+Error Shapefile::State::open(const std::string& given) {
+  const auto refuse = [&given](ErrorKind kind, const std::string& why) {
+    return Error{kind, given + ": " + why};
   };
   char expanded[kPathBytes];
-  if (FILEmap_variables(path.c_str(), expanded) == nullptr) {
+  if (FILEmap_variables(given.c_str(), expanded) == nullptr) {
     return refuse(ErrorKind::cannot_read, "the name is too long");
   }
   const std::string name = expanded;
@@ -241,7 +250,7 @@ Error Shapefile::State::open(const std::string& path) {
   for (; which < std::size(names); ++which) {
     file = open_name(names[which]);
     if (file != nullptr) break;
-    if (errno == ENOMEM) return no_memory(path);
+    if (errno == ENOMEM) return no_memory(given);
     if (reason == 0 || reason == ENOENT) reason = errno;
     if (reason != ENOENT) break;
   }
@@ -262,7 +271,8 @@ Error Shapefile::State::open(const std::string& path) {
   type = ShapeType{little_endian<std::int32_t>(header + 32)};
   box = box_at(header + 36);
 
-  if (!open_index(names[which])) return no_memory(path);
+  path = std::move(names[which]);
+  if (!open_index()) return no_memory(given);
   if (index) {
     size = static_cast<std::uint32_t>(
         std::min((index->size() - kHeaderBytes) / kIndexEntryBytes, kMostRecords));
@@ -274,10 +284,10 @@ Error Shapefile::State::open(const std::string& path) {
 
 /// Opens the index beside a file, where there is one that begins like an index.
 /// @return false without memory
-bool Shapefile::State::open_index(const std::string& shape_name) {
-  std::string same_case = shape_name;
+bool Shapefile::State::open_index() {
+  std::string same_case = path;
   same_case.back() += 'x' - 'p';
-  const std::string base = shape_name.substr(0, shape_name.size() - kExtensionLength);
+  const std::string base = path.substr(0, path.size() - kExtensionLength);
   for (const std::string& name : {same_case, base + ".shx", base + ".SHX"}) {
     std::FILE* const file = open_name(name);
     if (file == nullptr && errno == ENOMEM) return false;
@@ -285,7 +295,10 @@ bool Shapefile::State::open_index(const std::string& shape_name) {
     FileWindow window(file, kIndexWindowBytes);
     if (window.size() < kHeaderBytes) return true;
     const char* const header = window.from(0, kHeaderBytes).data();
-    if (header != nullptr && big_endian(header) == kFileCode) index.emplace(std::move(window));
+    if (header != nullptr && big_endian(header) == kFileCode) {
+      index.emplace(std::move(window));
+      index_path = name;
+    }
     return true;
   }
   return true;
@@ -354,10 +367,8 @@ Result<ShapeRecord> Shapefile::State::read(std::uint32_t number) {
   if (type_bytes == nullptr) return cannot_read();
   const ShapeType own_type{little_endian<std::int32_t>(type_bytes)};
   if (own_type == ShapeType::multipatch) return refuse("a multipatch, which is not read");
-  const auto* const layout =
-      std::find_if(std::begin(kLayouts), std::end(kLayouts),
-                   [own_type](const Layout& known) { return known.type == own_type; });
-  if (layout == std::end(kLayouts)) {
+  const Layout* const layout = layout_of(own_type);
+  if (layout == nullptr) {
     return refuse("there is no shape type " + std::to_string(static_cast<int>(own_type)));
   }
   Result<ShapeRecord> record = read_content(*layout, begin, length, own_number);
@@ -446,6 +457,12 @@ Result<ShapeRecord> Shapefile::State::read_content(const Layout& layout, std::ui
   return record;
 }
 
+const char* name_of(ShapeType type) {
+  if (type == ShapeType::multipatch) return "multipatch";
+  const Layout* const layout = layout_of(type);
+  return layout != nullptr ? layout->name : nullptr;
+}
+
 Shapefile::Shapefile(std::unique_ptr<State> state) : state_(std::move(state)) {}
 Shapefile::Shapefile(Shapefile&&) noexcept = default;
 Shapefile& Shapefile::operator=(Shapefile&&) noexcept = default;
@@ -470,6 +487,16 @@ const Box& Shapefile::box() const {
 }
 
 std::uint32_t Shapefile::size() const { return state_ ? state_->size : 0; }
+
+const std::string& Shapefile::path() const {
+  static const std::string kNone;
+  return state_ ? state_->path : kNone;
+}
+
+const std::string& Shapefile::index_path() const {
+  static const std::string kNone;
+  return state_ ? state_->index_path : kNone;
+}
 
 Result<ShapeRecord> Shapefile::read(std::uint32_t index) {
   try {

@@ -46,6 +46,10 @@ enum class ShapeType : std::int32_t {
   multipatch = 31,  ///< surfaces in space, which are not read
 };
 
+/// "null shape", "point", "polyline", "polygon with z", "multipoint with m", and so on, for
+/// messages; null for a number that no type has.
+KZGIS_EXPORT const char* name_of(ShapeType type);
+
 /// One shape, borrowed from its file: the next read of any record there, and the end of the
 /// file object, end it.
 ///
@@ -103,6 +107,11 @@ class KZGIS_EXPORT Shapefile {
   const Box& box() const;
   /// How many records there are, damaged ones included.
   std::uint32_t size() const;
+
+  /// The name of the file, path variables expanded and with its extension.
+  const std::string& path() const;
+  /// The same of the index that lists the records; empty where they were found without one.
+  const std::string& index_path() const;
 
   /// Reads one record.
   ///

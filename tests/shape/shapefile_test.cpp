@@ -141,6 +141,20 @@ TEST_F(ShapefileReadTest, TypesAreThoseOfTheRecordsWhateverTheHeaderSays) {
   }
 }
 
+TEST(ShapeTypeNames, SayWhatATypeHolds) {
+  const std::pair<int, std::string> names[] = {{0, "null shape"},         {1, "point"},
+                                               {3, "polyline"},           {5, "polygon"},
+                                               {8, "multipoint"},         {11, "point with z"},
+                                               {13, "polyline with z"},   {15, "polygon with z"},
+                                               {18, "multipoint with z"}, {21, "point with m"},
+                                               {23, "polyline with m"},   {25, "polygon with m"},
+                                               {28, "multipoint with m"}, {31, "multipatch"}};
+  for (const auto& [number, name] : names) EXPECT_EQ(kzgis::name_of(ShapeType{number}), name);
+  for (const int number : {-1, 2, 4, 10, 32}) {
+    EXPECT_EQ(kzgis::name_of(ShapeType{number}), nullptr) << number;
+  }
+}
+
 TEST_F(ShapefileReadTest, ClaimsOfTheHeaderRefuseNothing) {
   const std::string record = Bytes().big(1).big(10).text() + point_content(1, 2);
   for (const std::int32_t length_words : {0, -1, 50, 1 << 30}) {
@@ -365,6 +379,26 @@ TEST_F(ShapefileOpenTest, FindsTheFilesWhateverTheCaseOfTheirExtensions) {
   write_file(base + ".ShP", shp);
   write_file(base + ".ShX", shx);
   EXPECT_EQ(opened(base + ".ShP").size(), 1U);
+}
+
+TEST_F(ShapefileOpenTest, TellsWhichFilesItReads) {
+  const ShapefileWriter writer = ShapefileWriter(1).add(point_content(1, 2));
+  const std::string base = write(writer);
+  for (const char* const ending : {"", ".shp", ".shx", ".DBF"}) {
+    EXPECT_EQ(opened(base + ending).path(), base + ".shp") << ending;
+    EXPECT_EQ(opened(base + ending).index_path(), base + ".shx") << ending;
+  }
+  // No index.
+  write_file(base + ".shx", "x");
+  EXPECT_EQ(opened(base).index_path(), "");
+  std::filesystem::remove(base + ".shx");
+  EXPECT_EQ(opened(base).index_path(), "");
+  write_file(base + ".SHX", writer.shx());
+  EXPECT_EQ(opened(base).index_path(), base + ".SHX");
+  Shapefile from = opened(base);
+  const Shapefile to = std::move(from);
+  EXPECT_EQ(to.path(), base + ".shp");
+  EXPECT_EQ(from.path() + from.index_path(), "");  // NOLINT(bugprone-use-after-move)
 }
 
 TEST_F(ShapefileOpenTest, OtherEndingsBelongToTheName) {

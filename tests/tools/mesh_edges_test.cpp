@@ -12,7 +12,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(MeshEdges, PartsInnerOnesFromTheBorder) {
-  const std::vector<kz_ulong> square{0, 1, 2, 2, 3, 0};
+  const std::vector<std::uint32_t> square{0, 1, 2, 2, 3, 0};
   const MeshEdges edges = mesh_edges(square);
   EXPECT_THAT(edges.inner, ElementsAre(MeshEdge(0, 2)));
   EXPECT_THAT(edges.border,

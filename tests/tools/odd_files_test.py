@@ -28,7 +28,7 @@ PACKED_AS = ["--theme", "river", "--continent", "europe", "--level", "@RANK"]
 
 # Each way to read a file: the arguments, IN and OUT standing for the files; the ending of
 # what it writes, or None; a sound input; and of its parts those that it opens.
-SHAPE_PARTS = [".shp", ".shx"]
+SHAPE_PARTS = [".shp"]  # the index can be done without: see odd_indexes
 WAYS = [
     (["info", "IN.shp"], None, "ne/ne_110m_lakes", SHAPE_PARTS),
     (["info", "IN.cbd"], None, "BANK_FILE", [".cbd"]),
@@ -177,6 +177,39 @@ def odd_inputs(made):
                     expect_refused(f"{name_of(way)}: {part} is {odd}",
                                    fill(arguments, base, directory / f"out{ending}"), directory,
                                    as_nobody=as_nobody)
+
+
+def odd_indexes(made):
+    """A shapefile is read without an index, and one that cannot be used is named."""
+    for way in WAYS:
+        arguments, ending, sound, parts = way
+        if ".shp" not in parts:
+            continue
+        for odd, make in ODD.items():
+            with tempfile.TemporaryDirectory() as tmp:
+                directory = pathlib.Path(tmp)
+                directory.chmod(0o777)
+                base, out = directory / "in", directory / f"out{ending}"
+                put_sound(sound, made, base)
+                index = directory / "in.shx"
+                remove(index)
+                make(index)
+                forbidden = odd == "a file that is not to be read"
+                if forbidden and os.geteuid() == 0 and not NOBODY_CAN_RUN:
+                    continue
+                none = odd in ("missing", "a link to nowhere")
+                what = f"{name_of(way)}: the index is {odd}"
+                done = run(fill(arguments, base, out), as_nobody=forbidden and os.geteuid() == 0)
+                if done is None:
+                    problems.append(f"{what}: does not end")
+                    continue
+                said = done.stderr.decode("utf-8", "replace")
+                right = said == "" if none else (said.startswith(f"kzgis: {index}: ") and
+                                                 said.count("\n") == 1)
+                if done.returncode != (0 if none else 1) or not right:
+                    problems.append(f"{what}: exit code {done.returncode}, says {said!r}")
+                if ending is not None and not out.exists():
+                    problems.append(f"{what}: writes nothing")
 
 
 def odd_parts_of_a_bank(made):
@@ -332,7 +365,8 @@ def main():
     with tempfile.TemporaryDirectory() as tmp:
         made = pathlib.Path(tmp)
         make_sound_inputs(made)
-        for group in (sound_inputs, odd_inputs, odd_parts_of_a_bank, odd_names, odd_outputs):
+        for group in (sound_inputs, odd_inputs, odd_indexes, odd_parts_of_a_bank, odd_names,
+                      odd_outputs):
             group(made)
     bombs()
     more_than_memory()

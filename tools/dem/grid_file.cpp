@@ -42,7 +42,7 @@ std::string read_gzip(const std::string& file) {
   std::string block(std::size_t{1} << 16U, '\0');
   for (;;) {
     const int count = gzread(stream.get(), block.data(), static_cast<unsigned>(block.size()));
-    if (count < 0) throw CommandError(file + ": what gzip compressed is damaged");
+    if (count < 0) throw BadDataError(file + ": what gzip compressed is damaged");
     if (count == 0) break;
     bytes.append(block, 0, static_cast<std::size_t>(count));
     if (bytes.size() > most_bytes) {
@@ -53,7 +53,7 @@ std::string read_gzip(const std::string& file) {
   }
   int error = Z_OK;
   gzerror(stream.get(), &error);
-  if (error != Z_OK) throw CommandError(file + ": what gzip compressed is cut off");
+  if (error != Z_OK) throw BadDataError(file + ": what gzip compressed is cut off");
   return bytes;
 }
 

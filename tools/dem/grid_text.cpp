@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <string>
 
 namespace kzgis::tools {
@@ -52,9 +53,9 @@ void write_ascii_grid(std::ostream& out, const ElevationGrid& grid) {
   }
   line += std::string("NODATA_value ") + kNoData + '\n';
   out << line;
-  for (kz_long row = 0; row < grid.rows && out; ++row) {
+  for (std::int32_t row = 0; row < grid.rows && out; ++row) {
     line.clear();
-    for (kz_long column = 0; column < grid.columns; ++column) {
+    for (std::int32_t column = 0; column < grid.columns; ++column) {
       if (column > 0) line += ' ';
       const float elevation = grid.at(row, column);
       if (std::isnan(elevation)) {
@@ -71,9 +72,9 @@ void write_ascii_grid(std::ostream& out, const ElevationGrid& grid) {
 void write_points(std::ostream& out, const ElevationGrid& grid) {
   out << "x,y,z\n";
   std::string line;
-  for (kz_long row = 0; row < grid.rows && out; ++row) {
+  for (std::int32_t row = 0; row < grid.rows && out; ++row) {
     line.clear();
-    for (kz_long column = 0; column < grid.columns; ++column) {
+    for (std::int32_t column = 0; column < grid.columns; ++column) {
       const float elevation = grid.at(row, column);
       if (std::isnan(elevation)) continue;
       append_plain(line, grid.x(column));

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 
 namespace kzgis::tools {
 
@@ -20,9 +21,9 @@ double radians(double degrees) { return degrees * kPi / 180.0; }
 /// A cell and its eight neighbours, row by row from the north-west.
 using Window = std::array<double, 9>;
 
-Window window_at(const ElevationGrid& grid, kz_long row, kz_long column) {
+Window window_at(const ElevationGrid& grid, std::int32_t row, std::int32_t column) {
   Window window{};
-  for (kz_long i = 0; i < 9; ++i) {
+  for (std::int32_t i = 0; i < 9; ++i) {
     window.at(static_cast<std::size_t>(i)) = grid.at(row + i / 3 - 1, column + i % 3 - 1);
   }
   // Across the cell lies the neighbour that says how the slope goes on; where that is missing
@@ -56,18 +57,18 @@ Weights linear_weights(double t) { return {0.0, 1.0 - t, t, 0.0}; }
 
 /// The weighted mean of those of 16 cells, the first at (row, column), that have an
 /// elevation; NaN when they have no weight.
-double mean(const ElevationGrid& grid, kz_long row, kz_long column, const Weights& down,
+double mean(const ElevationGrid& grid, std::int32_t row, std::int32_t column, const Weights& down,
             const Weights& right, bool& complete) {
   double sum = 0.0;
   double total = 0.0;
   complete = true;
-  for (kz_long i = 0; i < 4; ++i) {
-    for (kz_long j = 0; j < 4; ++j) {
+  for (std::int32_t i = 0; i < 4; ++i) {
+    for (std::int32_t j = 0; j < 4; ++j) {
       const double weight =
           down.at(static_cast<std::size_t>(i)) * right.at(static_cast<std::size_t>(j));
       // Beyond the edge the last cells go on.
-      const double elevation = grid.at(std::clamp(row + i, kz_long{0}, grid.rows - 1),
-                                       std::clamp(column + j, kz_long{0}, grid.columns - 1));
+      const double elevation = grid.at(std::clamp(row + i, std::int32_t{0}, grid.rows - 1),
+                                       std::clamp(column + j, std::int32_t{0}, grid.columns - 1));
       if (std::isnan(elevation)) {
         complete = false;
       } else {
@@ -82,19 +83,19 @@ double mean(const ElevationGrid& grid, kz_long row, kz_long column, const Weight
 /// Where the centre of a fine cell lies among the coarse ones: the cell before it, and how
 /// far on.
 struct Place {
-  kz_long before;
+  std::int32_t before;
   double on;
 };
 
-Place place_of(kz_long fine, kz_long times) {
+Place place_of(std::int32_t fine, std::int32_t times) {
   const double at = (static_cast<double>(fine) + 0.5) / static_cast<double>(times) - 0.5;
   const double before = std::floor(at);
-  return {static_cast<kz_long>(before), at - before};
+  return {static_cast<std::int32_t>(before), at - before};
 }
 
 }  // namespace
 
-ElevationGrid refine(const ElevationGrid& grid, kz_long times) {
+ElevationGrid refine(const ElevationGrid& grid, std::int32_t times) {
   ElevationGrid fine = grid;
   if (times <= 1) return fine;
   fine.columns = grid.columns * times;
@@ -109,9 +110,9 @@ ElevationGrid refine(const ElevationGrid& grid, kz_long times) {
   fine.elevations.reserve(static_cast<std::size_t>(fine.rows) *
                           static_cast<std::size_t>(fine.columns));
   fine.empty_cells = 0;
-  for (kz_long row = 0; row < fine.rows; ++row) {
+  for (std::int32_t row = 0; row < fine.rows; ++row) {
     const Place y = place_of(row, times);
-    for (kz_long column = 0; column < fine.columns; ++column) {
+    for (std::int32_t column = 0; column < fine.columns; ++column) {
       const Place x = place_of(column, times);
       double elevation = grid.at(row / times, column / times);
       if (std::isnan(elevation)) {
@@ -158,8 +159,8 @@ std::vector<float> shade(const ElevationGrid& grid, const Sun& sun) {
   const double up = std::sin(radians(sun.altitude_deg));
   std::vector<float> light;
   light.reserve(grid.elevations.size());
-  for (kz_long row = 0; row < grid.rows; ++row) {
-    for (kz_long column = 0; column < grid.columns; ++column) {
+  for (std::int32_t row = 0; row < grid.rows; ++row) {
+    for (std::int32_t column = 0; column < grid.columns; ++column) {
       // Horn's differences: the row or column through the cell counts twice.
       const Window z = window_at(grid, row, column);
       const double rise_east = (z[2] + 2.0 * z[5] + z[8] - z[0] - 2.0 * z[3] - z[6]) * unit_m;

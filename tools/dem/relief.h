@@ -5,6 +5,7 @@
 
 #include <kzgis/elevation.h>
 
+#include <cstdint>
 #include <vector>
 
 namespace kzgis::tools {
@@ -30,7 +31,7 @@ double elevation_unit_m(const ElevationGrid& grid);
 /// through the elevations, after E. Catmull and R. Rom, "A class of local interpolating
 /// splines" (1974), so that a picture larger than its grid stays sharp.  Next to cells
 /// without an elevation it is bilinear; a cell without one stays without.
-ElevationGrid refine(const ElevationGrid& grid, kz_long times);
+ElevationGrid refine(const ElevationGrid& grid, std::int32_t times);
 
 /// How bright each cell lies in the light, from 0 in shadow to 1 straight to the sun; NaN
 /// where it has no elevation.  Row after row, as in the grid.

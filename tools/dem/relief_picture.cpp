@@ -73,12 +73,12 @@ std::string ground_text(const ElevationGrid& grid) {
 /// cells, and what lies beyond them is cut off when the picture is drawn.
 ElevationGrid with_rim(const ElevationGrid& grid) {
   ElevationGrid wider = grid;
-  for (kz_long column = 0; column < grid.columns; ++column) {
-    kz_long first = 0;
-    kz_long last = grid.rows - 1;
+  for (std::int32_t column = 0; column < grid.columns; ++column) {
+    std::int32_t first = 0;
+    std::int32_t last = grid.rows - 1;
     while (first <= last && std::isnan(grid.at(first, column))) ++first;
     while (last >= first && std::isnan(grid.at(last, column))) --last;
-    for (kz_long row = 0; row < grid.rows; ++row) {
+    for (std::int32_t row = 0; row < grid.rows; ++row) {
       if (row >= first && row <= last) continue;  // a void within stays one
       for (const auto& [down, right] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
         const float beside = grid.at(row + down, column + right);
@@ -190,7 +190,7 @@ class Sheet {
   void draw_cells(const ElevationGrid& coarse) {
     const double pixels = map_width_ / static_cast<double>(grid_.columns);
     const ElevationGrid cells =
-        refine(coarse, std::max(1, static_cast<kz_long>(std::lround(pixels))));
+        refine(coarse, std::max(1, static_cast<std::int32_t>(std::lround(pixels))));
     const CairoSurface image =
         make_image(static_cast<int>(cells.columns), static_cast<int>(cells.rows));
     paint_cells(image.get(), cells);
@@ -209,9 +209,9 @@ class Sheet {
     unsigned char* const bytes = cairo_image_surface_get_data(image);
     const int stride = cairo_image_surface_get_stride(image);
     std::size_t cell = 0;
-    for (kz_long row = 0; row < cells.rows; ++row) {
+    for (std::int32_t row = 0; row < cells.rows; ++row) {
       auto* const pixels = reinterpret_cast<std::uint32_t*>(bytes + std::ptrdiff_t{row} * stride);
-      for (kz_long column = 0; column < cells.columns; ++column, ++cell) {
+      for (std::int32_t column = 0; column < cells.columns; ++column, ++cell) {
         const float elevation = cells.elevations[cell];
         if (std::isnan(elevation)) continue;  // stays transparent
         const Colour c = colour_of(elevation, light[cell]);

@@ -17,13 +17,14 @@
 #include "tools/support/bank_names.h"
 #include "tools/support/command_error.h"
 #include "tools/support/input_file.h"
-#include "tools/support/output_file.h"
 #include "tools/support/progress.h"
 #include "tools/support/report.h"
 
 namespace kzgis::tools {
 
 namespace {
+
+using Json = InfoReport::Json;
 
 double degrees(std::int32_t arc_seconds) { return arc_seconds / 3600.0; }
 
@@ -65,8 +66,45 @@ void print_summary(const std::string& file, const DatabankFile& bank) {
                        std::uintmax_t{bank.total.points});
 }
 
-void complain_of_flaws(const std::string& file, const DatabankFile& bank, Complaints& complaints) {
-  for (const std::string& flaw : bank.flaws) complaints.add(file + ": " + flaw);
+void complain_of_flaws(const std::string& file, const DatabankFile& bank, InfoReport& info) {
+  for (const std::string& flaw : bank.flaws) info.add_error(file + ": " + flaw);
+}
+
+Json box_of(const Extent& extent) {
+  return box_object(
+      {degrees(extent.west), degrees(extent.south), degrees(extent.east), degrees(extent.north)});
+}
+
+using Levels = std::array<DatabankFile::Count, kLevelCount>;
+
+/// An object for each level that has a segment.
+Json levels_of(const Levels& levels) {
+  Json list = Json::array();
+  for (std::size_t level = 0; level < levels.size(); ++level) {
+    if (levels[level].segments == 0) continue;
+    list.push_back(
+        {{"level", level}, {"segments", levels[level].segments}, {"points", levels[level].points}});
+  }
+  return list;
+}
+
+void describe(const DatabankFile& bank, bool lists, Json& document) {
+  document["bytes"] = bank.file_bytes;
+  document["claimed_segments"] = bank.claimed_segments;
+  document["box"] = bank.total.points > 0 ? box_of(bank.extent) : Json(nullptr);
+  document["segments"] = bank.total.segments;
+  document["points"] = bank.total.points;
+  document["levels"] = levels_of(bank.levels);
+  if (!lists) return;
+  Json& list = document["list"] = Json::array();
+  for (std::size_t i = 0; i < bank.entries.size(); ++i) {
+    const DatabankFile::Entry& entry = bank.entries[i];
+    list.push_back({{"segment", i + 1},
+                    {"level", entry.level},
+                    {"points", entry.points},
+                    {"box", box_of(entry.extent)},
+                    {"offset", entry.offset_bytes}});
+  }
 }
 
 /// The files that a bank has of one theme, in the order of the continents.
@@ -82,22 +120,27 @@ std::vector<std::string> files_of(const std::string& directory, Theme theme) {
   return files;
 }
 
-/// Prints a line for each level of a theme that its files hold together.
-void print_theme(Theme theme, const std::vector<std::string>& files, Complaints& complaints) {
-  std::array<DatabankFile::Count, kLevelCount> sums{};
+/// The levels of a theme, in its files together.
+Levels add_up(const std::vector<std::string>& files, InfoReport& info) {
+  Levels sums{};
   for (const std::string& file : files) {
     const auto bank = inspect_databank_file(file);
     if (!bank) {
       if (bank.error().kind == ErrorKind::out_of_memory) fail(bank.error());
-      complaints.add(bank.error().message);
+      info.add_error(bank.error().message);
       continue;
     }
-    complain_of_flaws(file, *bank, complaints);
+    complain_of_flaws(file, *bank, info);
     for (std::size_t level = 0; level < sums.size(); ++level) {
       sums[level].segments += bank->levels[level].segments;
       sums[level].points += bank->levels[level].points;
     }
   }
+  return sums;
+}
+
+/// Prints a line for each level of a theme that has a segment.
+void print_theme(Theme theme, const Levels& sums) {
   for (std::size_t level = 0; level < sums.size(); ++level) {
     if (sums[level].segments == 0) continue;
     std::cout << text_of("%-10s %5zu %9ju %10ju\n", theme_name(theme), level,
@@ -131,20 +174,22 @@ void print_report(const std::string& directory) {
 
 }  // namespace
 
-int print_bank_file_info(const std::string& file, bool each_segment) {
-  const std::string path = expanded(file);
+void report_bank_file(InfoReport& info) {
+  const std::string path = expanded(info.file());
   if (const std::string why = why_not_readable(path); !why.empty()) throw CommandError(why);
   const auto bank = inspect_databank_file(path);
   if (!bank) fail(bank.error());
-  Complaints complaints;
-  complain_of_flaws(file, *bank, complaints);
-  if (each_segment) print_segments(*bank);
-  print_summary(file, *bank);
-  OutputFile("-").commit();
-  return complaints.exit_code();
+  complain_of_flaws(info.file(), *bank, info);
+  if (info.json()) {
+    describe(*bank, info.lists(), info.document());
+    return;
+  }
+  if (info.lists()) print_segments(*bank);
+  print_summary(info.file(), *bank);
 }
 
-int print_bank_info(const std::string& directory) {
+void report_bank(InfoReport& info) {
+  const std::string directory = expanded(info.file());
   std::array<std::vector<std::string>, kThemeCount> files;
   bool any = false;
   for (std::size_t t = 0; t < kThemeCount; ++t) {
@@ -156,14 +201,18 @@ int print_bank_info(const std::string& directory) {
     const auto bank = read_databank(directory);
     if (!bank) fail(bank.error());
   }
-  print_report(directory);
-  std::cout << "Theme      level polylines     points\n";
-  Complaints complaints;
-  for (std::size_t t = 0; t < kThemeCount; ++t) {
-    print_theme(static_cast<Theme>(t), files[t], complaints);
+  if (!info.json()) {
+    print_report(directory);
+    std::cout << "Theme      level polylines     points\n";
   }
-  OutputFile("-").commit();
-  return complaints.exit_code();
+  Json& themes = info.document()["themes"] = Json::array();
+  for (std::size_t t = 0; t < kThemeCount; ++t) {
+    const auto theme = static_cast<Theme>(t);
+    const Levels sums = add_up(files[t], info);
+    themes.push_back(
+        {{"theme", theme_name(theme)}, {"files", files[t].size()}, {"levels", levels_of(sums)}});
+    if (!info.json()) print_theme(theme, sums);
+  }
 }
 
 }  // namespace kzgis::tools

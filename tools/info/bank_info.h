@@ -3,22 +3,16 @@
 #ifndef KZGIS_TOOLS_INFO_BANK_INFO_H
 #define KZGIS_TOOLS_INFO_BANK_INFO_H
 
-#include <string>
+#include "tools/info/info_report.h"
 
 namespace kzgis::tools {
 
-/// Prints what an outline file (".cbd") holds, level by level, and reports what is wrong
-/// with it.
-///
-/// @param each_segment  a line for every segment as well
-/// @return the exit code: 0 when the file is sound
-int print_bank_file_info(const std::string& file, bool each_segment);
+/// Reports what an outline file (".cbd") holds, level by level.
+void report_bank_file(InfoReport& info);
 
-/// Prints the report of a whole data bank, and the polylines and points of each theme's
-/// levels.  Throws `CommandError` when the directory holds no outline file.
-///
-/// @return the exit code: 0 when every file is sound
-int print_bank_info(const std::string& directory);
+/// Reports the polylines and points of each theme's levels in a whole data bank.  Throws
+/// `CommandError` when the directory holds no outline file.
+void report_bank(InfoReport& info);
 
 }  // namespace kzgis::tools
 

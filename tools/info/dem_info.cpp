@@ -15,12 +15,12 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <sstream>
 
 #include "tools/dem/grid_file.h"
 #include "tools/support/command_error.h"
 #include "tools/support/input_file.h"
 #include "tools/support/number_text.h"
-#include "tools/support/output_file.h"
 
 namespace kzgis::tools {
 
@@ -52,15 +52,26 @@ class UncompressedCopy {
   std::string path_;
 };
 
+/// Empty when it is unknown.
+const char* name_of(GroundUnit unit) {
+  return unit == GroundUnit::degrees  ? "degrees"
+         : unit == GroundUnit::feet   ? "feet"
+         : unit == GroundUnit::metres ? "metres"
+                                      : "";
+}
+
+/// Empty when it is unknown.
+const char* name_of(ElevationUnit unit) {
+  return unit == ElevationUnit::feet ? "feet" : unit == ElevationUnit::metres ? "metres" : "";
+}
+
 /// One line: the grid, its ground, and the range of what is in it.
 std::string summary(const ElevationGrid& grid) {
-  const char* const ground = grid.ground_unit == GroundUnit::degrees  ? " degrees"
-                             : grid.ground_unit == GroundUnit::feet   ? " feet"
-                             : grid.ground_unit == GroundUnit::metres ? " metres"
-                                                                      : "";
-  const char* const height = grid.elevation_unit == ElevationUnit::feet     ? " feet"
-                             : grid.elevation_unit == ElevationUnit::metres ? " metres"
-                                                                            : "";
+  const auto unit_text = [](const char* unit) {
+    return std::string(unit).empty() ? std::string() : std::string(" ") + unit;
+  };
+  const std::string ground = unit_text(name_of(grid.ground_unit));
+  const std::string height = unit_text(name_of(grid.elevation_unit));
   const std::size_t elevations = grid.elevations.size() - grid.empty_cells;
   std::array<char, 320> text{};
   std::snprintf(text.data(), text.size(),
@@ -68,28 +79,71 @@ std::string summary(const ElevationGrid& grid) {
                 "%.10g; %s",
                 counted(static_cast<std::uint64_t>(grid.columns), "column").c_str(),
                 counted(static_cast<std::uint64_t>(grid.rows), "row").c_str(), grid.step_x,
-                grid.step_y, ground, grid.x(0), grid.x(grid.columns - 1), grid.y(grid.rows - 1),
-                grid.y(0), counted(elevations, "elevation").c_str());
+                grid.step_y, ground.c_str(), grid.x(0), grid.x(grid.columns - 1),
+                grid.y(grid.rows - 1), grid.y(0), counted(elevations, "elevation").c_str());
   std::string line = grid.name + text.data();
   if (elevations == 0) return line;
   std::snprintf(text.data(), text.size(), " from %.9g to %.9g%s", static_cast<double>(grid.lowest),
-                static_cast<double>(grid.highest), height);
+                static_cast<double>(grid.highest), height.c_str());
   return line + text.data();
 }
 
-}  // namespace
-
-int print_dem_info(const std::string& file) {
+/// Prints the classic report, which names the file that the user has.
+void print_header(const std::string& file) {
   const std::string path = expanded(file);
   const std::string why = why_not_readable(path);
   if (!why.empty()) throw CommandError(why);
   std::unique_ptr<UncompressedCopy> copy;
   if (path.ends_with(".gz")) copy = std::make_unique<UncompressedCopy>(path);
   DEM_LRA record(UtString(copy ? copy->path() : path));
-  if (record.ingest() == 1) std::cout << record;
-  std::cout << summary(read_grid(file)) << '\n';
-  OutputFile("-").commit();
-  return 0;
+  if (record.ingest() != 1) return;
+  std::ostringstream report;
+  report << record;
+  std::string text = report.str();
+  if (copy) text.replace(text.find(copy->path()), copy->path().size(), path);
+  std::cout << text;
+}
+
+const char* plan_name(GroundPlan plan) {
+  switch (plan) {
+    case GroundPlan::geographic:
+      return "geographic";
+    case GroundPlan::utm:
+      return "utm";
+    case GroundPlan::state_plane:
+      return "state plane";
+    default:
+      return "other";
+  }
+}
+
+void describe(const ElevationGrid& grid, InfoReport::Json& document) {
+  document["name"] = grid.name;
+  document["ground_plan"] = plan_name(grid.plan);
+  document["zone"] = grid.zone;
+  document["ground_unit"] = name_of(grid.ground_unit);
+  document["elevation_unit"] = name_of(grid.elevation_unit);
+  document["columns"] = grid.columns;
+  document["rows"] = grid.rows;
+  document["step_x"] = grid.step_x;
+  document["step_y"] = grid.step_y;
+  document["box"] =
+      box_object({grid.x(0), grid.y(grid.rows - 1), grid.x(grid.columns - 1), grid.y(0)});
+  document["elevations"] = grid.elevations.size() - grid.empty_cells;
+  document["lowest"] = grid.lowest;
+  document["highest"] = grid.highest;
+  document["left_out"] = grid.left_out;
+}
+
+}  // namespace
+
+void report_dem(InfoReport& info) {
+  if (info.json()) {
+    describe(read_grid(info.file()), info.document());
+    return;
+  }
+  print_header(info.file());
+  std::cout << summary(read_grid(info.file())) << '\n';
 }
 
 }  // namespace kzgis::tools

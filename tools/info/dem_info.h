@@ -3,15 +3,13 @@
 #ifndef KZGIS_TOOLS_INFO_DEM_INFO_H
 #define KZGIS_TOOLS_INFO_DEM_INFO_H
 
-#include <string>
+#include "tools/info/info_report.h"
 
 namespace kzgis::tools {
 
-/// Prints the classic report of a DEM's header, which takes some numbers wrong, and a line
-/// on what the elevations are.
-///
-/// @return the exit code: 0 when the whole file can be read
-int print_dem_info(const std::string& file);
+/// Reports the header of a DEM by the classic class, which takes some numbers wrong, and in a
+/// line what the elevations are.
+void report_dem(InfoReport& info);
 
 }  // namespace kzgis::tools
 

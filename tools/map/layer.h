@@ -3,10 +3,10 @@
 #ifndef KZGIS_TOOLS_MAP_LAYER_H
 #define KZGIS_TOOLS_MAP_LAYER_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "kzgis/types.h"
 #include "tools/map/geo.h"
 #include "tools/support/record_walk.h"
 
@@ -19,13 +19,13 @@ using Parts = std::vector<GeoLine>;
 
 struct Layer {
   LayerKind kind = LayerKind::points;
-  std::vector<Parts> records;         ///< null and empty records are left out
-  std::vector<kz_long> numbers = {};  ///< of each of them in the file, counted from 1
+  std::vector<Parts> records;               ///< null and empty records are left out
+  std::vector<std::uint32_t> numbers = {};  ///< of each of them in the file, counted from 1
 };
 
 /// Reads a whole shapefile.
 ///
-/// A record that cannot be read is complained of and skipped.  Throws `tools::CommandError`
+/// A damaged record is complained of and skipped.  Throws `tools::CommandError`
 /// when the file is no shapefile or its coordinates are not degrees.
 Layer read_layer(const std::string& file, const tools::Complain& complain);
 

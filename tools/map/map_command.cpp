@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -47,7 +48,7 @@ struct MapOptions {
   bool mesh = false;
   std::string bank;
   std::vector<BankTheme> bank_themes;
-  kz_long precision_arcsec = 0;
+  std::int32_t precision_arcsec = 0;
 };
 
 constexpr const char* kExamples = R"(

@@ -4,7 +4,6 @@
 
 #include <utility>
 
-#include "kzgis/types.h"
 #include "tools/support/mesh_edges.h"
 
 namespace kzgis::map {
@@ -13,9 +12,9 @@ namespace kzgis::map {
 TriangleSides triangle_sides(const Parts& rings) {
   std::vector<double> x;
   std::vector<double> y;
-  std::vector<kz_long> starts;
+  std::vector<std::int32_t> starts;
   for (const GeoLine& ring : rings) {
-    starts.push_back(static_cast<kz_long>(x.size()));
+    starts.push_back(static_cast<std::int32_t>(x.size()));
     for (const Geo& p : ring) {
       x.push_back(p.lon);
       y.push_back(p.lat);

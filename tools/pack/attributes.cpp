@@ -2,9 +2,10 @@
 
 #include "tools/pack/attributes.h"
 
+#include <filesystem>
+
 #include "tools/support/command_error.h"
 #include "tools/support/input_file.h"
-#include "tools/support/shape_records.h"
 
 namespace kzgis::tools {
 
@@ -16,7 +17,12 @@ void stay_silent(const char* /*message*/) {}
 }  // namespace
 
 Attributes::Attributes(const std::string& file)
-    : name_(without_extension(expanded(file)) + ".dbf") {
+    : name_(std::filesystem::path(file).replace_extension(".dbf").string()) {
+  std::error_code unknown;
+  const auto upper = std::filesystem::path(file).replace_extension(".DBF");
+  if (!std::filesystem::exists(name_, unknown) && std::filesystem::exists(upper, unknown)) {
+    name_ = upper.string();
+  }
   const std::string why = why_not_readable(name_);
   if (!why.empty()) throw CommandError(why);
   SAHooks hooks;

@@ -14,7 +14,8 @@ namespace kzgis::tools {
 /// The attributes of a shapefile's records: its dBASE table.
 class Attributes {
  public:
-  /// @param file  the table itself, or the shapefile it belongs to
+  /// @param file  the shapefile that the table belongs to, as it was opened: the table's name
+  ///              differs in the extension alone
   /// Throws `CommandError` when there is no such table.
   explicit Attributes(const std::string& file);
 

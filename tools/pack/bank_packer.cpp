@@ -12,16 +12,18 @@
 
 #include "tools/support/command_error.h"
 #include "tools/support/degrees.h"
+#include "tools/support/input_file.h"
 #include "tools/support/output_file.h"
 #include "tools/support/progress.h"
-#include "tools/support/shape_records.h"
+#include "tools/support/shape_file.h"
 
 namespace kzgis::tools {
 
 namespace {
 
 /// The points of one line or ring; why not, when a coordinate is no place on the globe.
-std::string convert(std::span<const double> x, std::span<const double> y, Segment& line) {
+std::string convert(const Part& part, Segment& line) {
+  const auto& [x, y] = part;
   line.lat.clear();
   line.lon.clear();
   for (std::size_t i = 0; i < x.size(); ++i) {
@@ -51,30 +53,28 @@ ArcPoint to_arc_seconds(double lat_deg, double lon_deg) {
 }
 
 void BankPacker::add_file(const std::string& file, const LabelSources& sources) {
-  ShapeRecords records(file);
-  if (records.type() != shape_type::arc && records.type() != shape_type::polygon) {
-    throw CommandError(file + ": its shape type is " + type_text(records.type()) +
+  Shapefile shapes = open_shapefile(file);
+  const std::optional<ShapeKind> kind = kind_of(shapes.type());
+  if (kind != ShapeKind::lines && kind != ShapeKind::polygons) {
+    throw CommandError(file + ": its shape type is " + type_text(shapes.type()) +
                        "; only lines and polygons have outlines to pack");
   }
-  const Labels labels(file, sources, records.count());
-  shape_bytes_ += records.shape_bytes();
-  Progress progress("packing " + file, static_cast<std::uint64_t>(records.count()));
-  const RecordTally tally = walk_records(records, {1, records.count()}, progress, complain_,
-                                         [&](kz_long number, const ShapeRecord& record) {
+  const Labels labels(shapes.path(), sources, shapes.size());
+  shape_bytes_ += size_of(shapes.path());
+  Progress progress("packing " + file, shapes.size());
+  const RecordTally tally = walk_records(shapes, file, {1, shapes.size()}, progress, complain_,
+                                         [&](std::uint32_t number, const ShapeRecord& record) {
                                            add_record(file, number, record, labels.of(number));
                                          });
-  null_records_ += static_cast<std::uint64_t>(tally.null);
+  null_records_ += tally.null;
 }
 
-void BankPacker::add_record(const std::string& file, kz_long number, const ShapeRecord& record,
-                            const Label& label) {
-  const auto xs = ShapeRecords::split(record, record.x);
-  const auto ys = ShapeRecords::split(record, record.y);
-  if (!xs || !ys) return;
-  const std::string place = file + ": record " + std::to_string(number) + ": ";
+void BankPacker::add_record(const std::string& file, std::uint32_t number,
+                            const ShapeRecord& record, const Label& label) {
+  const std::string place = file + ": " + record_text(number);
   Segment line{label.continent, label.theme, label.level, {}, {}};
-  for (std::size_t part = 0; part < xs->size(); ++part) {
-    const std::string why = convert((*xs)[part], (*ys)[part], line);
+  for (std::size_t i = 0; i < record.parts.size(); ++i) {
+    const std::string why = convert(part_of(record, i), line);
     if (!why.empty()) {
       complain_(place + why);
     } else if (line.lat.size() < 2) {

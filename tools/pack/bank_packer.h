@@ -46,7 +46,7 @@ class BankPacker {
 
  private:
   void add_line(const Segment& line, const std::string& place);
-  void add_record(const std::string& file, kz_long number, const ShapeRecord& record,
+  void add_record(const std::string& file, std::uint32_t number, const ShapeRecord& record,
                   const Label& label);
 
   std::size_t longest_;

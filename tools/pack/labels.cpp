@@ -3,6 +3,7 @@
 #include "tools/pack/labels.h"
 
 #include <filesystem>
+#include <utility>
 
 #include "tools/support/bank_names.h"
 #include "tools/support/command_error.h"
@@ -28,7 +29,7 @@ LabelSources completed(const std::string& file, LabelSources sources) {
 
 }  // namespace
 
-Labels::Labels(const std::string& file, const LabelSources& sources, kz_long records)
+Labels::Labels(const std::string& file, const LabelSources& sources, std::uint32_t records)
     : file_(file), records_(records) {
   const LabelSources all = completed(file, sources);
   theme_ = source<Theme>(all.theme, "--theme", theme_named, theme_names());
@@ -36,7 +37,7 @@ Labels::Labels(const std::string& file, const LabelSources& sources, kz_long rec
   level_ = source<int>(all.level, "--level", level_named, kLevels);
 }
 
-Label Labels::of(kz_long record) const {
+Label Labels::of(std::uint32_t record) const {
   return {value(theme_, record, theme_named, theme_names()),
           value(continent_, record, continent_named, continent_names()),
           value(level_, record, level_named, kLevels)};
@@ -55,7 +56,7 @@ Labels::Source<Value> Labels::source(const std::string& text, const char* option
   result.field = text.substr(1);
   if (!attributes_) {
     attributes_.emplace(file_);
-    if (attributes_->count() != records_) {
+    if (std::cmp_not_equal(attributes_->count(), records_)) {
       throw CommandError(attributes_->name() + ": holds " + std::to_string(attributes_->count()) +
                          " rows for " + std::to_string(records_) + " records");
     }
@@ -70,10 +71,10 @@ Labels::Source<Value> Labels::source(const std::string& text, const char* option
 }
 
 template <typename Value, typename Parse>
-Value Labels::value(const Source<Value>& source, kz_long record, Parse parse,
+Value Labels::value(const Source<Value>& source, std::uint32_t record, Parse parse,
                     const std::string& choices) const {
   if (source.fixed) return *source.fixed;
-  const std::string text = attributes_->text(record, source.column);
+  const std::string text = attributes_->text(static_cast<int>(record), source.column);
   const std::optional<Value> value = parse(text);
   if (!value) {
     throw CommandError(file_ + ": record " + std::to_string(record) + ": its " + source.field +

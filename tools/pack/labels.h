@@ -4,8 +4,8 @@
 #define KZGIS_TOOLS_PACK_LABELS_H
 
 #include <kzgis/databank.h>
-#include <kzgis/types.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -31,12 +31,13 @@ struct LabelSources {
 /// Finds the labels of one shapefile's records.
 class Labels {
  public:
+  /// @param file     the shapefile, as it was opened
   /// @param records  how many the shapefile has: as many as its table must have
   /// Throws `CommandError` when a label cannot be known for any record.
-  Labels(const std::string& file, const LabelSources& sources, kz_long records);
+  Labels(const std::string& file, const LabelSources& sources, std::uint32_t records);
 
   /// Throws `CommandError` when an attribute names no theme, continent or level.
-  Label of(kz_long record) const;
+  Label of(std::uint32_t record) const;
 
  private:
   /// One of the three: fixed, or the value of a column.
@@ -51,11 +52,11 @@ class Labels {
   Source<Value> source(const std::string& text, const char* option, Parse parse,
                        const std::string& choices);
   template <typename Value, typename Parse>
-  Value value(const Source<Value>& source, kz_long record, Parse parse,
+  Value value(const Source<Value>& source, std::uint32_t record, Parse parse,
               const std::string& choices) const;
 
   std::string file_;
-  kz_long records_;
+  std::uint32_t records_;
   std::optional<Attributes> attributes_;  ///< opened when a label asks for it
   Source<Theme> theme_;
   Source<Continent> continent_;

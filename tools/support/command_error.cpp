@@ -8,6 +8,7 @@ namespace kzgis::tools {
 
 void fail(const Error& error) {
   if (error.kind == ErrorKind::out_of_memory) throw std::bad_alloc();
+  if (error.kind == ErrorKind::bad_data) throw BadDataError(error.message);
   throw CommandError(error.message);
 }
 

@@ -15,6 +15,11 @@ struct CommandError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// What was read is not what its name says, or damaged all through.
+struct BadDataError : CommandError {
+  using CommandError::CommandError;
+};
+
 /// The command was not called as it is meant to be: the line says where help is, and the exit
 /// code is 2.
 struct UsageError : std::runtime_error {
@@ -24,8 +29,8 @@ struct UsageError : std::runtime_error {
       : std::runtime_error(option + ": " + what) {}
 };
 
-/// Ends the subcommand with the library's own sentence.  Where memory ran out, that is a
-/// `std::bad_alloc`, as anywhere in the command.
+/// Ends the subcommand with the library's own sentence: by `BadDataError` for bad data, by
+/// `std::bad_alloc` where memory ran out, as anywhere in the command, by `CommandError` otherwise.
 [[noreturn]] void fail(const Error& error);
 
 }  // namespace kzgis::tools

@@ -7,7 +7,7 @@
 
 namespace kzgis::tools {
 
-MeshEdges mesh_edges(std::span<const kz_ulong> triangles) {
+MeshEdges mesh_edges(std::span<const std::uint32_t> triangles) {
   std::vector<MeshEdge> sides;
   sides.reserve(triangles.size());
   for (std::size_t t = 0; t + 2 < triangles.size(); t += 3) {

@@ -3,8 +3,7 @@
 #ifndef KZGIS_TOOLS_SUPPORT_MESH_EDGES_H
 #define KZGIS_TOOLS_SUPPORT_MESH_EDGES_H
 
-#include <kzgis/types.h>
-
+#include <cstdint>
 #include <span>
 #include <utility>
 #include <vector>
@@ -12,7 +11,7 @@
 namespace kzgis::tools {
 
 /// Two vertex numbers, the smaller one first.
-using MeshEdge = std::pair<kz_ulong, kz_ulong>;
+using MeshEdge = std::pair<std::uint32_t, std::uint32_t>;
 
 /// Every edge once, in ascending order.
 struct MeshEdges {
@@ -21,7 +20,7 @@ struct MeshEdges {
 };
 
 /// @param triangles  three vertex numbers each
-MeshEdges mesh_edges(std::span<const kz_ulong> triangles);
+MeshEdges mesh_edges(std::span<const std::uint32_t> triangles);
 
 }  // namespace kzgis::tools
 

@@ -8,20 +8,20 @@
 
 namespace kzgis::tools {
 
-RecordMesh make_record_mesh(kz_long record, std::span<const WorldPoint> points,
-                            std::span<const kz_ulong> triangles) {
-  constexpr kz_ulong kUnused = std::numeric_limits<kz_ulong>::max();
-  std::vector<kz_ulong> renumbered(points.size(), kUnused);
-  for (const kz_ulong vertex : triangles) renumbered[vertex] = 0;
+RecordMesh make_record_mesh(std::uint32_t record, std::span<const WorldPoint> points,
+                            std::span<const std::uint32_t> triangles) {
+  constexpr std::uint32_t kUnused = std::numeric_limits<std::uint32_t>::max();
+  std::vector<std::uint32_t> renumbered(points.size(), kUnused);
+  for (const std::uint32_t vertex : triangles) renumbered[vertex] = 0;
   RecordMesh mesh;
   mesh.record = record;
   for (std::size_t i = 0; i < points.size(); ++i) {
     if (renumbered[i] == kUnused) continue;
-    renumbered[i] = static_cast<kz_ulong>(mesh.vertices.size());
+    renumbered[i] = static_cast<std::uint32_t>(mesh.vertices.size());
     mesh.vertices.push_back(points[i]);
   }
   mesh.triangles.reserve(triangles.size());
-  for (const kz_ulong vertex : triangles) mesh.triangles.push_back(renumbered[vertex]);
+  for (const std::uint32_t vertex : triangles) mesh.triangles.push_back(renumbered[vertex]);
   return mesh;
 }
 
@@ -29,7 +29,7 @@ double twice_area(const WorldPoint& a, const WorldPoint& b, const WorldPoint& c)
   return twice_area(a.x, a.y, b.x, b.y, c.x, c.y);
 }
 
-double area(std::span<const WorldPoint> points, std::span<const kz_ulong> triangles) {
+double area(std::span<const WorldPoint> points, std::span<const std::uint32_t> triangles) {
   double twice = 0.0;
   for (std::size_t i = 0; i + 2 < triangles.size(); i += 3) {
     twice += twice_area(points[triangles[i]], points[triangles[i + 1]], points[triangles[i + 2]]);

@@ -4,9 +4,9 @@
 #define KZGIS_TOOLS_TRIANGULATE_RECORD_MESH_H
 
 #include <kzgis/projection.h>
-#include <kzgis/types.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -14,22 +14,22 @@ namespace kzgis::tools {
 
 /// Triangles over vertices of their own: every vertex is used.
 struct RecordMesh {
-  kz_long record = 0;  ///< its place in the file, counted from 1
+  std::uint32_t record = 0;  ///< its place in the file, counted from 1
   std::vector<WorldPoint> vertices;
-  std::vector<kz_ulong> triangles;  ///< three vertex numbers each, counted from 0
+  std::vector<std::uint32_t> triangles;  ///< three vertex numbers each, counted from 0
 
   std::size_t triangle_count() const { return triangles.size() / 3; }
 };
 
 /// Takes over the points that triangles use, in their order.
-RecordMesh make_record_mesh(kz_long record, std::span<const WorldPoint> points,
-                            std::span<const kz_ulong> triangles);
+RecordMesh make_record_mesh(std::uint32_t record, std::span<const WorldPoint> points,
+                            std::span<const std::uint32_t> triangles);
 
 /// Twice the signed area of a triangle in the plane of x and y.
 double twice_area(const WorldPoint& a, const WorldPoint& b, const WorldPoint& c);
 
 /// The area in the plane of x and y, of triangles that run counter-clockwise.
-double area(std::span<const WorldPoint> points, std::span<const kz_ulong> triangles);
+double area(std::span<const WorldPoint> points, std::span<const std::uint32_t> triangles);
 
 }  // namespace kzgis::tools
 

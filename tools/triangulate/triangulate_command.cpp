@@ -25,7 +25,7 @@
 #include "tools/support/projection_options.h"
 #include "tools/support/record_walk.h"
 #include "tools/support/report.h"
-#include "tools/support/shape_records.h"
+#include "tools/support/shape_file.h"
 #include "tools/triangulate/mesh_projector.h"
 #include "tools/triangulate/mesh_writer.h"
 #include "tools/triangulate/record_mesh.h"
@@ -41,22 +41,22 @@ struct Options {
   bool check = false;
   bool projected = false;
   ProjectionOptions projection;
-  std::optional<kz_long> first;
-  std::optional<kz_long> last;
+  std::optional<std::uint32_t> first;
+  std::optional<std::uint32_t> last;
 };
 
 /// What the summary says of the records that became triangles, and of the others.
 struct Totals {
-  kz_long records = 0;
+  std::uint64_t records = 0;
   std::uint64_t rings = 0;
   std::uint64_t triangles = 0;
   double area = 0.0;
-  kz_long refused = 0;
-  kz_long null = 0;
+  std::uint64_t refused = 0;
+  std::uint64_t null = 0;
 };
 
-std::optional<kz_long> parse_record_number(std::string_view text) {
-  kz_long number = 0;
+std::optional<std::uint32_t> parse_record_number(std::string_view text) {
+  std::uint32_t number = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
   if (error != std::errc{} || stop != end || number < 1) return std::nullopt;
@@ -71,7 +71,7 @@ void parse_records(const std::string& text, Options& options) {
   options.first = parse_record_number(first);
   options.last = parse_record_number(last);
   if ((!options.first && !first.empty()) || (!options.last && !last.empty()) ||
-      (!options.first && !options.last) || options.last.value_or(0x7FFFFFFF) < options.first) {
+      (!options.first && !options.last) || options.last.value_or(0xFFFFFFFF) < options.first) {
     throw UsageError("--records",
                      in_quotes(text) + " are no records; A:B stands for A to B, from 1 on");
   }
@@ -100,22 +100,16 @@ bool is_spatial(const Options& options) {
 }
 
 /// Throws `CommandError` when the file holds no polygons or not the first record asked for.
-RecordRange choose_records(const ShapeRecords& records, const Options& options) {
-  const std::string& file = records.name();
-  const kz_ulong valid = records.file().ShapeHeader().ValidateFileHeader();
-  // A box without extent, of a single point say, is no reason to refuse the file.
-  if (valid != status::success && valid != status::bad_bounding_box) {
-    throw CommandError(file + ": not a valid shapefile: " + status_text(valid));
-  }
-  if (records.type() != shape_type::polygon) {
-    throw CommandError(file + ": its shape type is " + type_text(records.type()) +
+RecordRange choose_records(const Shapefile& shapes, const Options& options) {
+  if (kind_of(shapes.type()) != ShapeKind::polygons) {
+    throw CommandError(options.input + ": its shape type is " + type_text(shapes.type()) +
                        "; only polygons can be triangulated");
   }
   const RecordRange range{options.first.value_or(1),
-                          std::min(options.last.value_or(records.count()), records.count())};
-  if (options.first && range.first > records.count()) {
-    throw CommandError(file + ": there is no record " + std::to_string(range.first) +
-                       "; the number of records is " + std::to_string(records.count()));
+                          std::min(options.last.value_or(shapes.size()), shapes.size())};
+  if (options.first && range.first > shapes.size()) {
+    throw CommandError(options.input + ": there is no record " + std::to_string(range.first) +
+                       "; the number of records is " + std::to_string(shapes.size()));
   }
   return range;
 }
@@ -125,10 +119,9 @@ std::string summary(const Totals& totals) {
   // Ten digits are what sums of this length are good for.
   std::array<char, 32> area_text{};
   std::snprintf(area_text.data(), area_text.size(), "%.10g", totals.area);
-  return counted(static_cast<std::uint64_t>(totals.records), "record") + ", " +
-         counted(totals.rings, "ring") + ", " + counted(totals.triangles, "triangle") + ", area " +
-         area_text.data() + "; " + std::to_string(totals.refused) + " refused, " +
-         std::to_string(totals.null) + " null";
+  return counted(totals.records, "record") + ", " + counted(totals.rings, "ring") + ", " +
+         counted(totals.triangles, "triangle") + ", area " + area_text.data() + "; " +
+         std::to_string(totals.refused) + " refused, " + std::to_string(totals.null) + " null";
 }
 
 /// Returns the exit code: 0 when every record became triangles.
@@ -139,8 +132,8 @@ int run(const Options& options) {
     throw UsageError("--project", "a globe does not lie flat in a picture; orthographic does");
   }
   if (options.projected) check_projection(options.projection);
-  ShapeRecords records(options.input);
-  const RecordRange range = choose_records(records, options);
+  Shapefile shapes = open_shapefile(options.input);
+  const RecordRange range = choose_records(shapes, options);
 
   std::optional<OutputFile> output;
   std::unique_ptr<MeshWriter> writer;
@@ -155,10 +148,10 @@ int run(const Options& options) {
   Complaints complaints;
   const bool prints = options.output == "-";
   {
-    Progress progress("triangulating " + options.input,
-                      static_cast<std::uint64_t>(range.last - range.first + 1), prints);
-    const auto use = [&](kz_long number, const ShapeRecord& record) {
-      const Rings rings{record.x, record.y, record.parts};
+    Progress progress("triangulating " + options.input, std::uint64_t{range.last} + 1 - range.first,
+                      prints);
+    const auto use = [&](std::uint32_t number, const ShapeRecord& record) {
+      const Rings rings = record.rings();
       std::vector<WorldPoint> points;
       auto tried = triangulate(rings);
       std::string reason = tried ? std::string() : tried.error().message;
@@ -170,7 +163,7 @@ int run(const Options& options) {
       if (reason.empty() && projector) reason = projector->project(rings, mesh, points);
       if (!reason.empty()) {
         ++totals.refused;
-        complaints.add(options.input + ": record " + std::to_string(number) + ": " + reason);
+        complaints.add(options.input + ": " + record_text(number) + reason);
         return;
       }
       ++totals.records;
@@ -179,7 +172,8 @@ int run(const Options& options) {
       totals.area += layer_area;
       if (writer) writer->add(make_record_mesh(number, points, mesh.triangles));
     };
-    const RecordTally tally = walk_records(records, range, progress, complaints.receiver(), use);
+    const RecordTally tally =
+        walk_records(shapes, options.input, range, progress, complaints.receiver(), use);
     totals.refused += tally.failed;
     totals.null = tally.null;
   }
@@ -195,7 +189,8 @@ constexpr const char* kExamples = R"(
 The triangles of a record tile its polygon exactly, without new vertices, and run
 counter-clockwise.  Rings may come in any order and winding, touch each other, and
 lie in each other to any depth.  A record that is no polygon, because its rings
-cross say, is named with its reason and left out; the exit code is then 1.
+cross say, is named with its reason and left out; the exit code is then 1.  Z and M
+of the records stay behind.
 
 The summary counts the records that became triangles and gives their area in the
 square of the layer's own unit.  It goes to standard output, or to standard error

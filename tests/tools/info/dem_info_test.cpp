@@ -10,7 +10,9 @@ using DemInfo = DemTest;
 /// The last line of what `kzgis info` prints.
 std::string last_line(const std::string& file) {
   const StdoutCapture out;
-  EXPECT_EQ(kzgis::tools::print_dem_info(file), 0);
+  kzgis::tools::InfoReport info(file, false, false);
+  kzgis::tools::report_dem(info);
+  EXPECT_EQ(info.finish(), 0);
   std::string text = out.text();
   text.pop_back();
   return text.substr(text.rfind('\n') + 1);

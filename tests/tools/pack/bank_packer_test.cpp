@@ -153,7 +153,7 @@ TEST_F(BankPackerTest, NamesRecordsThatAreNotInDegrees) {
   packer.add_file(write(lines), {"river", "asia", "0"});
   EXPECT_EQ(complaints_, (Complaints{"layer: record 1: its coordinates are not degrees: 500000, 51",
                                      "layer: record 2: its coordinates are not degrees: 10, 90.1",
-                                     "layer: record 3: its coordinates are not degrees: nan, 0"}));
+                                     "layer: record 3: point 1 is nowhere: nan, 0"}));
 }
 
 TEST_F(BankPackerTest, RefusesPoints) {

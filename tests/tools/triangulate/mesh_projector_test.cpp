@@ -34,7 +34,7 @@ struct Projected {
 };
 
 Projected project(const ProjectionOptions& options, const std::vector<double>& lon,
-                  const std::vector<double>& lat, const std::vector<kz_long>& starts = {0}) {
+                  const std::vector<double>& lat, const std::vector<std::int32_t>& starts = {0}) {
   const Rings rings{lon, lat, starts};
   Projected result;
   result.mesh = triangulate(rings).value();
@@ -86,7 +86,7 @@ TEST(MeshProjector, JoinsWhatTheFileCutAtTheAntimeridian) {
   const std::vector<double> lon{
       170, 180.00000000000014, 180.00000000000014, 170, -180, -170, -170, -180, -178, -172, -175};
   const std::vector<double> lat{-10, -10, 10, 10, -5, -5, 5, 5, -2, -2, 2};
-  const std::vector<kz_long> starts{0, 4, 8};
+  const std::vector<std::int32_t> starts{0, 4, 8};
   const Projected whole = project(named("cartesian", 0.0, 180.0), lon, lat, starts);
   ASSERT_EQ(whole.reason, "");
   EXPECT_NEAR(whole.plane_area(), (200 + 100 - 12) * kDegree * kDegree, kNear);

@@ -19,7 +19,7 @@ std::vector<double> xs(const RecordMesh& mesh) {
 
 TEST(MakeRecordMesh, KeepsTheUsedPointsInTheirOrder) {
   const std::vector<WorldPoint> points{{10, 0, 0}, {11, 0, 0}, {12, 5, 0}, {13, 0, 0}, {14, 9, 0}};
-  const std::vector<kz_ulong> triangles{4, 1, 2, 2, 1, 0};
+  const std::vector<std::uint32_t> triangles{4, 1, 2, 2, 1, 0};
   const RecordMesh mesh = make_record_mesh(7, points, triangles);
   EXPECT_EQ(mesh.record, 7);
   EXPECT_THAT(xs(mesh), ElementsAre(10, 11, 12, 14));
@@ -36,8 +36,8 @@ TEST(MakeRecordMesh, IsEmptyWithoutTriangles) {
 
 TEST(Area, SumsTheTriangles) {
   const std::vector<WorldPoint> points{{0, 0, 0}, {4, 0, 0}, {4, 3, 0}, {0, 3, 0}};
-  EXPECT_EQ(area(points, std::vector<kz_ulong>{0, 1, 2}), 6.0);
-  EXPECT_EQ(area(points, std::vector<kz_ulong>{0, 1, 2, 0, 2, 3}), 12.0);
+  EXPECT_EQ(area(points, std::vector<std::uint32_t>{0, 1, 2}), 6.0);
+  EXPECT_EQ(area(points, std::vector<std::uint32_t>{0, 1, 2, 0, 2, 3}), 12.0);
   EXPECT_EQ(area(points, {}), 0.0);
 }
 
