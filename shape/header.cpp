@@ -20,8 +20,6 @@ constexpr kz_long kHeaderLength = 100;
 constexpr kz_long kFileCode = 9994;
 constexpr kz_long kVersion = 1000;
 
-constinit const GIS_ByteUtil_c byte_util;
-
 }  // namespace
 
 // Of the format's fourteen types these five have readers.  Those with Z or M values and the

@@ -48,8 +48,6 @@ constexpr std::int64_t kBytesPerPoint = 16;
 constexpr kz_long kBytesPerCoordinate = 8;
 constexpr kz_long kPointsPerBlock = 1024;
 
-constinit const GIS_ByteUtil_c byte_util;
-
 /// Decodes the box, which stands at one place in every kind of record that has one.
 void decode_box(const char* record, double* x_min, double* y_min, double* x_max, double* y_max) {
   *x_min = little_endian<double>(record + kBox);

@@ -35,8 +35,6 @@ namespace {
 
 constexpr std::size_t kLongestName = 255;  // of a file, extension included
 
-constinit const GIS_ByteUtil_c byte_util;
-
 /// Opens a stream for binary reading; its fail flag tells whether that went wrong.
 void open_stream(std::ifstream& stream, const char* name) {
   try {
