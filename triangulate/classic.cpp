@@ -118,7 +118,6 @@ kz_long print_error(const char* format, ...) {
   va_start(arguments, format);
   std::va_list again;
   va_copy(again, arguments);
-  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the analyzer does not see va_start
   const int length = std::vsnprintf(nullptr, 0, format, arguments);
   va_end(arguments);
   // Most of what is printed is that memory ran out: short texts need none.
