@@ -75,7 +75,9 @@ void DEM_LRA::move_forward(std::int64_t bytes) {
     seekg(bytes, std::ios_base::cur);
     return;
   }
-  ignore(bytes);
+  // Where a stream counts in 32 bits, no file is longer than they count.
+  constexpr std::int64_t kMost = std::numeric_limits<std::streamsize>::max();
+  ignore(static_cast<std::streamsize>(std::min(bytes, kMost)));
   // An `ignore` that ends at the last byte may look one further and find the end of the file;
   // a seek would not, and neither may the next reader fail for it.
   if (eof() && gcount() == bytes) clear(rdstate() & ~std::ios_base::eofbit);

@@ -4,8 +4,8 @@
 // makes of them.  Messages and report are part of a fixed interface, bit for bit: their words,
 // tabs, misspellings and line ends stay.  Messages of reading go to standard output.
 
-#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <iostream>
 
 #include "dem/layout.h"
@@ -80,7 +80,10 @@ const char* ground_units_name(int code) {
 double both_units(int ground, int elevation) {
   const std::uint64_t low = static_cast<std::uint32_t>(ground);
   const std::uint64_t high = static_cast<std::uint32_t>(elevation);
-  return std::bit_cast<double>(high << 32 | low);
+  const std::uint64_t both = high << 32 | low;
+  double number = 0.0;
+  std::memcpy(&number, &both, sizeof number);
+  return number;
 }
 
 }  // namespace
