@@ -4,7 +4,7 @@
 //
 // The counter says how many bytes of the present block are used.  It is kept beside the stream
 // and not derived from its position: `skipFile` and the accounting of single bytes move the two
-// in ways of their own, and the classes keep a fixed interface bit for bit.  What holds between
+// in ways of their own (docs/classic.md).  What holds between
 // operations is counter < 1021.  A byte that would bring the counter to 1021 belongs to the next
 // block: the stream moves on by 1024 less the counter, the counter becomes 0, and that byte is
 // not counted there.

@@ -4,7 +4,7 @@
 // block: the next profile begins a block of its own.  Elevations are kept as they stand in the
 // file; resolution and local datum are the caller's to apply.
 //
-// Messages and report are part of a fixed interface, bit for bit.  `readRecord` has two
+// Messages and report are kept (docs/classic.md).  `readRecord` has two
 // prefixes, one of them with a single colon.
 
 #include <algorithm>

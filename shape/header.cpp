@@ -2,8 +2,8 @@
 // Technical Description" (1998).
 //
 // Reading and judging are apart: `ReadHeader` decodes whatever 100 bytes it meets, and
-// `ValidateFileHeader` tells, when a caller asks, what is wrong with them.  The class keeps a
-// fixed interface bit for bit, the order of the tests and the labels of the report included.
+// `ValidateFileHeader` tells, when asked, what is wrong with them.  The order of its tests and
+// the labels of the report are kept (docs/classic.md).
 
 #include <ostream>
 #include <string>

@@ -214,7 +214,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::PassNullRecord(kz_long recordNumber, kz_long lengt
   return shape_stream_.fail() ? status::seek_failed : status::wrong_kind;
 }
 
-// Reads nothing, by the interface: whoever has met a null record seeks to the next one.
+// Reads nothing (docs/classic.md): whoever has met a null record seeks to the next one.
 kz_ulong KZ_GIS_ESRI_Shape_c::ReadNullShape() const {
   return shape_file_open_ ? status::success : status::not_open;
 }

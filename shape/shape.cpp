@@ -15,7 +15,7 @@
 // with the attributes (".dbf"), is known as an ending only and never opened.
 //
 // A read or a seek that has failed leaves its fail flag on the stream, and nothing here clears
-// it until the file is opened anew: what fails once goes on failing, by the interface.
+// it until the file is opened anew: what fails once goes on failing (docs/classic.md).
 
 #include "kzgis/shape.h"
 
