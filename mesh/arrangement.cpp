@@ -44,14 +44,17 @@ class Sweep {
 
   Result<Arrangement, Flaw> run(const Rings& rings) {
     below_.assign(sites_.size(), kNone);
-    auto beginning = by_left_.begin();
-    auto ending = by_right_.begin();
+    const SideNumbers by_left = by_left_;
+    const SideNumbers by_right = by_right_;
+    std::size_t beginning = 0;
+    std::size_t ending = 0;
     for (std::uint32_t site = 0; site < sites_.size() && !crossing_; ++site) {
-      const auto first_beginning = beginning;
-      while (beginning != by_left_.end() && sides_[*beginning].left == site) ++beginning;
-      const auto first_ending = ending;
-      while (ending != by_right_.end() && sides_[*ending].right == site) ++ending;
-      pass(site, {first_beginning, beginning}, {first_ending, ending});
+      const std::size_t first_beginning = beginning;
+      while (beginning < by_left.size() && sides_[by_left[beginning]].left == site) ++beginning;
+      const std::size_t first_ending = ending;
+      while (ending < by_right.size() && sides_[by_right[ending]].right == site) ++ending;
+      pass(site, by_left.subspan(first_beginning, beginning - first_beginning),
+           by_right.subspan(first_ending, ending - first_ending));
     }
     if (crossing_) return std::move(*crossing_);
     if (containment_.overlap()) return overlap();
