@@ -255,7 +255,7 @@ def main():
         "heights": ["dem", "small.dem", "--tint", "-o", "-", "--format", "csv"],
         "elevations": ["info", "--records", "small.dem", "bank", "layer.shp"],
         "csv": ["project", "--to", "mercator", "--columns", "2,3", "points.csv", "-o", "b.csv"],
-        "globe": ["triangulate", "layer.shp", "--check", "--project", "globe", "--radius", "1"],
+        "globe": ["triangulate", "layer.shp", "--check", "--to", "globe", "--radius", "1"],
     }
     for name, arguments in commands.items():
         write(f"corpus/command/{name}", "\n".join(arguments).encode())
