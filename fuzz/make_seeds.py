@@ -247,6 +247,8 @@ def main():
     write("corpus/project/header", b"\0\1city,lat,lon\nRome,41.9,12.5\n")
     write("corpus/project/dms", b"\2\5" + b"45:30:00,10d30m0s\n\"45d30'0\"\"S\",7 W\n")
     write("corpus/project/inverse", b"\1\1x,y\n1e6,2e6,3\n")
+    write("corpus/project/classic", b"\x10\1city,lat,lon\nRome,41.9,-12.5\n")
+    write("corpus/project/no_place", b"\1\1lat,lon,x,y,z\n90,0,,,\n0,0,1e99,0,0\n")
     write("corpus/project/quotes", b"\4\0" + b'"a\nb",1,2\r\n"c,d",3,"4"\r\r\n\n"open')
 
     write("files/layer.shp", POLYGONS[0])
@@ -278,7 +280,7 @@ def main():
         "heights": ["dem", "small.dem", "--tint", "-o", "-", "--format", "csv"],
         "elevations": ["info", "--list", "small.dem", "bank", "layer.shp"],
         "csv": ["project", "--to", "mercator", "--columns", "2,3", "points.csv", "-o", "b.csv"],
-        "globe": ["triangulate", "layer.shp", "--check", "--project", "globe", "--radius", "1"],
+        "globe": ["triangulate", "layer.shp", "--check", "--to", "globe", "--radius", "1"],
     }
     for name, arguments in commands.items():
         write(f"corpus/command/{name}", "\n".join(arguments).encode())
