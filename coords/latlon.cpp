@@ -5,8 +5,7 @@
 // file goes through it: the constructors, the setters of an angle, `+=` and `-=`.  Copies and
 // the altitude need no rule.
 //
-// The class keeps a fixed interface bit for bit.  The order of the operations decides the last
-// bit of an angle, so each expression stands as that interface has it.
+// The order of the operations decides the last bit of an angle, and is kept (docs/classic.md).
 
 #include "kzgis/latlon.h"
 
@@ -214,7 +213,7 @@ LatLon& LatLon::operator-=(const LatLon& other) {
 }
 
 // A flat plane on purpose: the result serves to compare distances, and neither the cosine of
-// the latitude nor the way round across longitude 0 is part of the interface.
+// the latitude nor the way round across longitude 0 counts (docs/classic.md).
 double LatLon::distanceSQ(LatLon other) const {
   const double lon_arcsec = (other.lon_ - lon_) * kArcSecPerDegree;
   const double lat_arcsec = (other.lat_ - lat_) * kArcSecPerDegree;
@@ -262,7 +261,7 @@ void LatLon::lonToDMS(double* deg, double* min, double* sec) const {
 /// Normalises the two angles in place.
 ///
 /// Longitudes wrap and latitudes are clamped.  A latitude past a pole is not reflected, and
-/// the longitude is not turned by 180 degrees with it: the interface wants the nearest pole.
+/// the longitude is not turned by 180 degrees with it (docs/classic.md).
 /// Written so that a NaN latitude passes both comparisons and stays.
 ///
 /// @return 1 when the latitude was legal, 0 when it was clamped.  A wrapped longitude does not

@@ -4,7 +4,7 @@
 //
 // The counter says how many bytes of the present block are used.  It is kept beside the stream
 // and not derived from its position: `skipFile` and the accounting of single bytes move the two
-// in ways of their own, and the classes keep a fixed interface bit for bit.  What holds between
+// in ways of their own (docs/classic.md).  What holds between
 // operations is counter < 1021.  A byte that would bring the counter to 1021 belongs to the next
 // block: the stream moves on by 1024 less the counter, the counter becomes 0, and that byte is
 // not counted there.
@@ -75,7 +75,9 @@ void DEM_LRA::move_forward(std::int64_t bytes) {
     seekg(bytes, std::ios_base::cur);
     return;
   }
-  ignore(bytes);
+  // Where a stream counts in 32 bits, no file is longer than they count.
+  constexpr std::int64_t kMost = std::numeric_limits<std::streamsize>::max();
+  ignore(static_cast<std::streamsize>(std::min(bytes, kMost)));
   // An `ignore` that ends at the last byte may look one further and find the end of the file;
   // a seek would not, and neither may the next reader fail for it.
   if (eof() && gcount() == bytes) clear(rdstate() & ~std::ios_base::eofbit);

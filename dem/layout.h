@@ -44,8 +44,8 @@ inline std::ostream& operator<<(std::ostream& os, const MissingField& field) {
 /// The date that an integer field stands for.
 ///
 /// The second number is not the remainder by 100 but the difference to the quotient: the
-/// classic classes keep a fixed interface bit for bit, and dates have this form there
-/// (ReadDate.TakesTheDifferenceNotTheRemainder).  The differences are those of 16-bit numbers.
+/// classic classes have dates in this form (docs/classic.md;
+/// ReadDate.TakesTheDifferenceNotTheRemainder).  The differences are those of 16-bit numbers.
 inline UtDate date_of(int n) {
   const auto quotient = static_cast<short>(n / 100);
   const auto rest = static_cast<short>(static_cast<short>(n) - quotient);

@@ -7,8 +7,9 @@
 #include "dem/number_text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
+
+#include "platform/real_from_chars.h"
 
 namespace kzgis::dem {
 namespace {
@@ -96,7 +97,7 @@ NumberText<double> real_of(std::string_view text) {
 
   double value = 0.0;
   const char* const end = digits.data() + digits.size();
-  const auto [stop, error] = std::from_chars(
+  const auto [stop, error] = real_from_chars(
       digits.data(), end, value, hexadecimal ? std::chars_format::hex : std::chars_format::general);
   if (error == std::errc::invalid_argument) return {};
   // from_chars does not tell too large from too small, and stores nothing.

@@ -1,11 +1,11 @@
 // Logical record A of a USGS DEM: the header, and its report.
 //
 // The fields and their order are those of dem/layout.h; this file has what the classic class
-// makes of them.  Messages and report are part of a fixed interface, bit for bit: their words,
+// makes of them.  Messages and report are kept (docs/classic.md): their words,
 // tabs, misspellings and line ends stay.  Messages of reading go to standard output.
 
-#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <iostream>
 
 #include "dem/layout.h"
@@ -76,11 +76,14 @@ const char* ground_units_name(int code) {
 ///
 /// The report has this number in the place of the 15th projection parameter.  It is what the
 /// eight bytes that hold the two codes make when they are read as a double on a little-endian
-/// host, the lower half first, and it is part of the interface.
+/// host, the lower half first (docs/classic.md).
 double both_units(int ground, int elevation) {
   const std::uint64_t low = static_cast<std::uint32_t>(ground);
   const std::uint64_t high = static_cast<std::uint32_t>(elevation);
-  return std::bit_cast<double>(high << 32 | low);
+  const std::uint64_t both = high << 32 | low;
+  double number = 0.0;
+  std::memcpy(&number, &both, sizeof number);
+  return number;
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 // block: the next profile begins a block of its own.  Elevations are kept as they stand in the
 // file; resolution and local datum are the caller's to apply.
 //
-// Messages and report are part of a fixed interface, bit for bit.  `readRecord` has two
+// Messages and report are kept (docs/classic.md).  `readRecord` has two
 // prefixes, one of them with a single colon.
 
 #include <algorithm>
@@ -128,7 +128,8 @@ int DEM_LogicalRecord::fetchElevation(int r, int c) const {
   if (r < 0 || c < 0 || r >= b_.size[0] || c >= b_.size[1]) return kzgis::dem::kVoidElevation;
   const auto index =
       static_cast<std::uint64_t>(b_.size[1]) * static_cast<unsigned>(r) + static_cast<unsigned>(c);
-  return index < elevations_.size() ? elevations_[index] : kzgis::dem::kVoidElevation;
+  return index < elevations_.size() ? elevations_[static_cast<std::size_t>(index)]
+                                    : kzgis::dem::kVoidElevation;
 }
 
 std::ostream& operator<<(std::ostream& os, const DEM_LogicalRecord& record) {

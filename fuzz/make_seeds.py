@@ -182,7 +182,29 @@ def write_elevations():
     write("corpus/dem/real", (DATA / "dem/st_helens_crater.dem").read_bytes()[:4 * 1024])
 
 
+def write_charts():
+    """Every projection, with both sorts of numbers."""
+    near = [(0, 0, 0), (30, -20, 100), (-60, 170, 2000), (89, 1, 0), (-90, 0, 0), (0, 100, 0)]
+    odd = [(91, 0, 0), (float("nan"), 0, 0), (0, float("inf"), 0), (-0.0, 1e300, 5e-324)]
+    parameters = (40, 10, 20, 60, 6378000, 50)  # base, parallels, radius, reach
+    for projection in range(15):
+        data = bytes([projection, 2 | 4]) + struct.pack("<6d", *parameters)
+        data += b"".join(struct.pack("<3d", *point) for point in near + odd)
+        write(f"corpus/chart/doubles_{projection}", data)
+        data = bytes([projection, 1 | 32]) + b"".join(
+            struct.pack("<i", round(part * 2**31)) for part in (-0.3, 0.1, 0.4, 0.6, 0.3, 0.3))
+        for i in range(24):
+            part = (i * 0x9E3779B97F4A7C15) >> 20
+            data += struct.pack("<3I", part & 0xFFFFFFFF, part * 7 & 0xFFFFFFFF, part & 0xFFFFFF)
+        write(f"corpus/chart/parts_{projection}", data)
+    window = struct.pack("<4d", -90, -45, 90, 45)
+    for name, flags in {"reach": 8, "window": 16, "one_parallel": 2, "radius": 32}.items():
+        data = bytes([3, flags]) + struct.pack("<6d", *parameters) + window
+        write(f"corpus/chart/{name}", data + struct.pack("<3d", 41, 12, 0))
+
+
 def main():
+    write_charts()
     write_banks()
     write_elevations()
     for name, (shp, shx) in {"polygons": POLYGONS, "lines": LINES, "points": POINTS,
@@ -225,6 +247,8 @@ def main():
     write("corpus/project/header", b"\0\1city,lat,lon\nRome,41.9,12.5\n")
     write("corpus/project/dms", b"\2\5" + b"45:30:00,10d30m0s\n\"45d30'0\"\"S\",7 W\n")
     write("corpus/project/inverse", b"\1\1x,y\n1e6,2e6,3\n")
+    write("corpus/project/classic", b"\x10\1city,lat,lon\nRome,41.9,-12.5\n")
+    write("corpus/project/no_place", b"\1\1lat,lon,x,y,z\n90,0,,,\n0,0,1e99,0,0\n")
     write("corpus/project/quotes", b"\4\0" + b'"a\nb",1,2\r\n"c,d",3,"4"\r\r\n\n"open')
 
     write("files/layer.shp", POLYGONS[0])
@@ -256,7 +280,7 @@ def main():
         "heights": ["dem", "small.dem", "--tint", "-o", "-", "--format", "csv"],
         "elevations": ["info", "--list", "small.dem", "bank", "layer.shp"],
         "csv": ["project", "--to", "mercator", "--columns", "2,3", "points.csv", "-o", "b.csv"],
-        "globe": ["triangulate", "layer.shp", "--check", "--project", "globe", "--radius", "1"],
+        "globe": ["triangulate", "layer.shp", "--check", "--to", "globe", "--radius", "1"],
     }
     for name, arguments in commands.items():
         write(f"corpus/command/{name}", "\n".join(arguments).encode())

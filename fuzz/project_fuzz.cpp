@@ -37,6 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if ((options & 2U) != 0) argv.push_back("--dms");
   if ((options & 4U) != 0) argv.insert(argv.end(), {"--columns", "2,1,3"});
   if ((options & 8U) != 0) argv.insert(argv.end(), {"--columns", "lat,lon"});
+  if ((options & 16U) != 0) argv.push_back("--classic");
   const int exit_code = kzgis::tools::run_command(static_cast<int>(argv.size()), argv.data());
   require(exit_code >= 0 && exit_code <= 2);
   return 0;

@@ -62,15 +62,18 @@ class Sweep {
 
   void run() {
     below_.assign(sites_.size(), kNone);
-    auto beginning = by_left_.begin();
-    auto ending = by_right_.begin();
+    const SideNumbers by_left = by_left_;
+    const SideNumbers by_right = by_right_;
+    std::size_t beginning = 0;
+    std::size_t ending = 0;
     for (std::uint32_t site = 0; site < sites_.size() && !has_too_many_crossings(); ++site) {
-      const auto first_beginning = beginning;
-      while (beginning != by_left_.end() && sides_[*beginning].left == site) ++beginning;
-      const auto first_ending = ending;
-      while (ending != by_right_.end() && sides_[*ending].right == site) ++ending;
+      const std::size_t first_beginning = beginning;
+      while (beginning < by_left.size() && sides_[by_left[beginning]].left == site) ++beginning;
+      const std::size_t first_ending = ending;
+      while (ending < by_right.size() && sides_[by_right[ending]].right == site) ++ending;
       change_places(site);
-      pass(site, {first_beginning, beginning}, {first_ending, ending});
+      pass(site, by_left.subspan(first_beginning, beginning - first_beginning),
+           by_right.subspan(first_ending, ending - first_ending));
     }
   }
 

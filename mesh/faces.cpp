@@ -63,8 +63,8 @@ class Tracer {
     }
     next_.assign(n, kNone);
     for (std::uint32_t site = 0; site < a_.sites.size(); ++site) {
-      const auto begin = around.begin() + first[site];
-      const auto end = around.begin() + first[site + 1];
+      std::uint32_t* const begin = around.data() + first[site];
+      std::uint32_t* const end = around.data() + first[site + 1];
       // Counter-clockwise, beginning with what points to the right.
       std::sort(begin, end, [this, site](std::uint32_t p, std::uint32_t q) {
         const std::uint32_t u = far_end(p, site);

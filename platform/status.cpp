@@ -19,7 +19,7 @@ OMstatus_handler OMstatus_set_handler(OMstatus_handler handler, void* context) {
   return former;
 }
 
-// The interface has a result, which is always 0: a handler returns nothing to pass on.
+// The result is 0 (docs/classic.md): a handler returns nothing to pass on.
 int OMstatus_check(int percent, const char* label, int /*reserved*/) {
   if (installed_handler != nullptr) installed_handler(percent, label, installed_context);
   return 0;

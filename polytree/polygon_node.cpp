@@ -3,7 +3,7 @@
 // The point test casts a ray towards greater x and counts the edges that it crosses, as
 // in M. Shimrat, "Algorithm 112: Position of point relative to polygon", Communications of
 // the ACM 5 (1962).  No tolerance is used; the height of an edge at the point is computed in
-// doubles, in the order of operations that the fixed interface gives.
+// doubles, in the order of operations that docs/classic.md keeps.
 //
 // A ring that repeats its first vertex at the end has one edge less than vertices.  That is all
 // that the closing vertex changes: everything below counts edges, and takes the vertex behind the

@@ -2,7 +2,7 @@
 //
 // All nodes stand in one array, and the boundaries in the order in which a walk meets them,
 // so that nothing here recurses, however deep the rings lie in each other.  The links between
-// nodes are those that the interface shows (tree_node.cpp); they are made once, from a nesting that
+// nodes are those of tree_node.cpp; they are made once, from a nesting that
 // was found without them (ring_tree.cpp), and nobody but the tree can get at its nodes to change
 // them.
 //

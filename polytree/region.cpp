@@ -3,9 +3,10 @@
 //
 // The classic one is random, works with a tolerance and checks nothing, so that it can fail
 // where a polygon is sound.  It goes first all the same: where it succeeds, the triangles
-// are those that the interface describes.  The sweep knows no such failures, but needs fewer
-// triangles than were announced where rings touch, and takes the inside of a polygon by the
-// odd-even rule, whatever way its rings run: that they run as the interface asks is decided here.
+// are those of the classic half (docs/classic.md).  The sweep knows no such failures, but needs
+// fewer triangles than were announced where rings touch, and takes the inside of a polygon by the
+// odd-even rule, whatever way its rings run: that boundaries run clockwise and holes
+// counter-clockwise is decided here.
 
 #include "polytree/region.h"
 

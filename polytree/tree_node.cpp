@@ -2,7 +2,7 @@
 // grows by ten and keeps their order.
 //
 // Nothing keeps the two directions of a link together: removing a child leaves its link to the
-// parent, and a copied node has children whose parent is another.  Callers count on both, so that
+// parent, and a copied node has children whose parent is another (docs/classic.md).  So
 // every operation asks the list that it changes, and believes no link from below.
 
 #include <algorithm>

@@ -6,8 +6,6 @@
 #ifndef KZGIS_PROJECTION_ANGLES_H
 #define KZGIS_PROJECTION_ANGLES_H
 
-#include <bit>
-#include <cstdint>
 #include <limits>
 
 #include "kzgis/latlon.h"
@@ -18,16 +16,16 @@ namespace kzgis::projection {
 // and tests of the sign bit tell -0.0 from 0.0.
 static_assert(std::numeric_limits<double>::is_iec559);
 
-// Short of the true pi by 1e-9 (a 2 is where a 3 belongs in the ninth decimal).  The classic
-// `Projection` keeps a fixed interface bit for bit, and every coordinate depends on this
-// constant, so it must never be put right.  A half and a quarter of it have the same bits
+// Short of the true pi by 1e-9 (a 2 is where a 3 belongs in the ninth decimal).  Every
+// coordinate of the classic `Projection` depends on this constant, so it must never be put right
+// (docs/classic.md).  A half and a quarter of it have the same bits
 // under smaller exponents: sums such as pi/4 - phi/2 cancel exactly at a pole.
 inline constexpr double kPi = 3.141592652589793;
 inline constexpr double kHalfPi = 1.5707963262948965;
 inline constexpr double kQuarterPi = 0.7853981631474483;
-static_assert(std::bit_cast<std::uint64_t>(kPi) == 0x400921FB5421D100);
-static_assert(std::bit_cast<std::uint64_t>(kHalfPi) == 0x3FF921FB5421D100);
-static_assert(std::bit_cast<std::uint64_t>(kQuarterPi) == 0x3FE921FB5421D100);
+static_assert(kPi == 0x1.921FB5421D1p+1);
+static_assert(kHalfPi == 0x1.921FB5421D1p+0);
+static_assert(kQuarterPi == 0x1.921FB5421D1p-1);
 
 // `LatLon` owns the two rules; going through it keeps them the same to the last bit.
 

@@ -46,12 +46,11 @@ int Projection::LambertConical() {
   double rho0 = 0.0;
   if (fetchFirstPar() == fetchSecondPar()) {
     n = std::sin(phi1);
-    // Snyder has the cotangent of the parallel here.  This class keeps a fixed interface bit
-    // for bit, and that has the cotangent of the base latitude
-    // (ConicTest.OneParallelUsesBaseLatitude).
+    // Snyder has the cotangent of the parallel here, this class that of the base latitude
+    // (docs/classic.md; ConicTest.OneParallelUsesBaseLatitude).
     const double f = std::cos(phi0) / std::sin(phi0) * radius_;
     const double t = std::tan(kQuarterPi - phi * 0.5) / std::tan(kQuarterPi - phi1 * 0.5);
-    // No latitude within its range makes t negative; the interface states the rule all the
+    // No latitude within its range makes t negative; the rule is there all the
     // same, here and below.
     rho = t < 0.0 ? 0.0 : std::pow(t, n) * f;
     // The point's own radius is its origin, where Snyder has the base latitude's

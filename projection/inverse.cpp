@@ -4,7 +4,7 @@
 // Each operation reads the world coordinates (zeros where there are none), stores its own
 // type, and stores latitude, longitude and altitude in the object's geographic point.  The
 // object's own altitude stays as the last `setLLCoordinates` left it.  Nine projections have
-// an inverse; the other six are forward only, by the interface.
+// an inverse; the other six are forward only (docs/classic.md).
 //
 // The order of the operations decides the last bits, which are promised: keep every
 // expression as it stands.  Where Snyder finds a longitude with a two-argument arc
@@ -100,8 +100,8 @@ int Projection::inverseStereo() {
   type_ = StereographicProj;
   const double rho = std::sqrt(w.x * w.x + w.y * w.y);
   // The sign at the poles is the opposite of the other two: longitudes come back
-  // mirrored about the base meridian.  This class keeps a fixed interface bit for bit, this
-  // oddity included (InverseTest.StereoMirrorsLongitudesAtThePoles).
+  // mirrored about the base meridian (docs/classic.md;
+  // InverseTest.StereoMirrorsLongitudesAtThePoles).
   return inverseAzimuthal(rho, std::atan(rho / (radius_ * 2.0)) * 2.0, 1.0);
 }
 

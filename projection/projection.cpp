@@ -6,7 +6,7 @@
 // (conversion.cpp) wraps both.  Degrees are kept everywhere in the object; the `...Rad`
 // helpers at the end of this file normalise and convert them for the formulas.
 //
-// The class keeps a fixed interface bit for bit: results, messages and oddities alike.
+// Results, messages and oddities are those of docs/classic.md, bit for bit.
 
 #include "kzgis/projection.h"
 

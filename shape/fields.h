@@ -19,6 +19,8 @@ namespace kzgis::shape_fields {
 /// Bytes of one record of the index: an offset and a length.
 inline constexpr kz_ulong kIndexRecordSize = 8;
 
+inline constinit const GIS_ByteUtil_c byte_util;
+
 /// Reads `count` bytes; every read of this folder gets its status here.
 ///
 /// The streams of this library set their fail flag whenever bytes are missing, so that

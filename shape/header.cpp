@@ -2,8 +2,8 @@
 // Technical Description" (1998).
 //
 // Reading and judging are apart: `ReadHeader` decodes whatever 100 bytes it meets, and
-// `ValidateFileHeader` tells, when a caller asks, what is wrong with them.  The class keeps a
-// fixed interface bit for bit, the order of the tests and the labels of the report included.
+// `ValidateFileHeader` tells, when asked, what is wrong with them.  The order of its tests and
+// the labels of the report are kept (docs/classic.md).
 
 #include <ostream>
 #include <string>
@@ -19,8 +19,6 @@ namespace {
 constexpr kz_long kHeaderLength = 100;
 constexpr kz_long kFileCode = 9994;
 constexpr kz_long kVersion = 1000;
-
-constinit const GIS_ByteUtil_c byte_util;
 
 }  // namespace
 

@@ -48,8 +48,6 @@ constexpr std::int64_t kBytesPerPoint = 16;
 constexpr kz_long kBytesPerCoordinate = 8;
 constexpr kz_long kPointsPerBlock = 1024;
 
-constinit const GIS_ByteUtil_c byte_util;
-
 /// Decodes the box, which stands at one place in every kind of record that has one.
 void decode_box(const char* record, double* x_min, double* y_min, double* x_max, double* y_max) {
   *x_min = little_endian<double>(record + kBox);
@@ -216,7 +214,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::PassNullRecord(kz_long recordNumber, kz_long lengt
   return shape_stream_.fail() ? status::seek_failed : status::wrong_kind;
 }
 
-// Reads nothing, by the interface: whoever has met a null record seeks to the next one.
+// Reads nothing (docs/classic.md): whoever has met a null record seeks to the next one.
 kz_ulong KZ_GIS_ESRI_Shape_c::ReadNullShape() const {
   return shape_file_open_ ? status::success : status::not_open;
 }

@@ -15,7 +15,7 @@
 // with the attributes (".dbf"), is known as an ending only and never opened.
 //
 // A read or a seek that has failed leaves its fail flag on the stream, and nothing here clears
-// it until the file is opened anew: what fails once goes on failing, by the interface.
+// it until the file is opened anew: what fails once goes on failing (docs/classic.md).
 
 #include "kzgis/shape.h"
 
@@ -34,8 +34,6 @@ using namespace kzgis::shape_fields;
 namespace {
 
 constexpr std::size_t kLongestName = 255;  // of a file, extension included
-
-constinit const GIS_ByteUtil_c byte_util;
 
 /// Opens a stream for binary reading; its fail flag tells whether that went wrong.
 void open_stream(std::ifstream& stream, const char* name) {

@@ -400,7 +400,7 @@ Result<ShapeRecord> Shapefile::State::read_content(const Layout& layout, std::ui
     cursor.skip(kTypeBytes);
   } else {
     const bool has_parts = layout.form == Form::parts;
-    const std::uint64_t fixed = has_parts ? kPartsFixedBytes : kMultipointFixedBytes;
+    const std::size_t fixed = has_parts ? kPartsFixedBytes : kMultipointFixedBytes;
     if (length < fixed) {
       return Error{ErrorKind::bad_data, "its length of " + text(length) +
                                             " bytes is too short for a " +

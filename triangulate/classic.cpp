@@ -2,7 +2,7 @@
 //
 // Each refuses numbers that lie outside the tables, so that a call out of turn, before
 // `initilize` or after `release_tables`, finds nothing instead of stale memory.  The pointers
-// that callers see are copies: the functions themselves go by `process`, which knows how large
+// that the header shows are copies: the functions themselves go by `process`, which knows how large
 // each table is, and whether it is there.
 
 #include <algorithm>
@@ -51,7 +51,7 @@ tri::TriangleArray output(kz_long n, kz_long (*triangles)[3]) {
   return {triangles == nullptr ? nullptr : &triangles[0][0], tri::triangles_in(process, n)};
 }
 
-/// Allocates all tables, releases those of the last call, and shows callers where they are.
+/// Allocates all tables, releases those of the last call, and shows where they are.
 bool take_tables(kz_long size, bool quiet) {
   process = tri::Tables{};
   process.quiet = quiet;
@@ -78,7 +78,7 @@ bool order_segments(kz_long n) {
   return tri::generate_random_ordering(process, n);
 }
 
-// The tables are open to callers, who may have left anything in them: a stage that starts
+// The tables are open to the program, which may have left anything in them: a stage that starts
 // from zero clears them whole.  Those that `initilize` has just allocated are zero, and as long
 // as nobody writes to what a polygon does not use, that takes addresses but no memory.
 
@@ -98,8 +98,8 @@ void clear_chains() {
 
 kz_long initilize(kz_long size) { return take_tables(size, false) ? 0 : 1; }
 
-// What callers see of the tables goes stale here, and stays so: the interface has it that the
-// pointers keep their values until the next allocation.
+// What the header shows of the tables goes stale here, and stays so: docs/classic.md has it that
+// the pointers keep their values until the next allocation.
 kz_long release_tables() {
   process.release();
   return 0;
@@ -118,7 +118,6 @@ kz_long print_error(const char* format, ...) {
   va_start(arguments, format);
   std::va_list again;
   va_copy(again, arguments);
-  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the analyzer does not see va_start
   const int length = std::vsnprintf(nullptr, 0, format, arguments);
   va_end(arguments);
   // Most of what is printed is that memory ran out: short texts need none.
@@ -170,7 +169,7 @@ kz_long add_segment(kz_long s) {
 }
 
 // A search that fails prints "Haggu !!!!!", and answers with the number of characters printed;
-// that is what callers have always got.
+// docs/classic.md has that.
 kz_long locate_endpoint(const tri::Point* v, const tri::Point* vo, kz_long r) {
   const kz_long trapezoid = tri::locate(process, *v, *vo, r);
   if (trapezoid > 0) return trapezoid;
@@ -194,8 +193,8 @@ void refresh_segment_roots(kz_long s) {
   if (process.is_segment(s)) tri::refresh_segment_roots(process, s);
 }
 
-// The walk's list of visits grows on the standard heap, and no exception may pass from here: the
-// interface knows none, and programs that were written for it may be built without.
+// The walk's list of visits grows on the standard heap, and no exception may pass from here:
+// programs that use the classic half may be built without (docs/classic.md).
 
 kz_long monotonate_trapezoids(kz_long n) {
   clear_chains();

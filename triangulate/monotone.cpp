@@ -13,7 +13,7 @@
 // `mon` holds a link of every piece.  A vertex has room for four chains, its contour's and those
 // of three diagonals: a polygon that wants more is none.
 //
-// The cases below are one table of the interface, of which callers see the order: which piece
+// The order of the cases below is seen in the tables and kept (docs/classic.md): which piece
 // gets which number, and with it the order of the triangles, is decided by the order of visits.
 
 #include "triangulate/monotone.h"
@@ -340,7 +340,7 @@ ChainSlots vertex_chain_positions(const Tables& t, kz_long a, kz_long b) {
 kz_long triangulate_monotone_polygons(Tables& t, kz_long n, kz_long pieces,
                                       const TriangleArray& out) {
   t.tri_count = 0;
-  // The tables are open to callers: a chain is followed as far as it stays inside them.
+  // The tables are open to the program: a chain is followed as far as it stays inside them.
   // No position is looked at twice: a chain through a marked one was cut into triangles before.
   const auto sound = [&t](kz_long pos) {
     return t.mchain.holds(pos) && t.vert.holds(t.mchain[pos].vertex_no);

@@ -1,6 +1,6 @@
 // Every question about positions that the triangulator asks.
 //
-// Heights are compared with a tolerance, as callers of the tables have always seen it; on which
+// Heights are compared with a tolerance, which decides the tables (docs/classic.md); on which
 // side of a line a point lies is decided exactly (exact/), so that rounding cannot lead the
 // search for a point astray.
 

@@ -4,7 +4,7 @@
 // not know that: each of its steps works on a Tables object that it is handed, so that what a
 // step reads and changes can be seen in its arguments.
 //
-// The tables are open to callers, between any two steps, and a polygon that crosses itself
+// The tables are open to the program, between any two steps, and a polygon that crosses itself
 // leaves numbers in them that no polygon gives.  Every number that comes out of a table is
 // therefore looked at before it is used as a place in another one.
 

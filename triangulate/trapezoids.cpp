@@ -337,7 +337,7 @@ void merge(Tables& t, kz_long upper, kz_long lower) {
 
 kz_long newnode(Tables& t) {
   if (t.qs_next < t.qs_size) return t.qs_next++;
-  // The links are in tables that are open to callers, who may have released them: one that
+  // The links are in tables that are open to the program, which may have released them: one that
   // leads out of the table ends the list.
   if (t.orphan_node > 0 && t.qs.holds(t.orphan_node)) {
     const kz_long node = t.orphan_node;
@@ -568,8 +568,8 @@ namespace {
 /// hold a process for minutes with a megabyte of them.
 std::int64_t most_steps(kz_long n) {
   constexpr std::int64_t kPerSegment = 64;
-  // An order that is not random, which callers may fill in, takes up to n squared steps for sound
-  // polygons too: those of up to three thousand vertices get them.
+  // An order that is not random, which the program may fill in, takes up to n squared steps for
+  // sound polygons too: those of up to three thousand vertices get them.
   constexpr std::int64_t kAlways = 10'000'000;
   return std::max(kAlways, kPerSegment * n * (std::bit_width(static_cast<kz_ulong>(n)) + 8));
 }

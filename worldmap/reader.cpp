@@ -1,7 +1,7 @@
 // Loading one file of the data bank into a classic map: which of its segments count, what is
 // reported on the way, and which line tells of what failed.
 //
-// Results, messages and the order of progress reports are fixed by the interface.  A file is
+// Results, messages and the order of progress reports are those of docs/classic.md.  A file is
 // visited in the order of its dictionary, by seeking to the segments that count.
 
 #include <algorithm>

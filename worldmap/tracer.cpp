@@ -1,8 +1,8 @@
 // From the points of one segment to polylines: which points are kept, where a line is cut at the
 // edge of the box, and where it is split at longitude 0.
 //
-// The classic interface fixes every point to the last bit, single-precision cuts and rounding in
-// degrees included.  What is fast here only spares work whose result is known: whole numbers
+// Every point is kept to the last bit, single-precision cuts and rounding in degrees included
+// (docs/classic.md).  What is fast here only spares work whose result is known: whole numbers
 // tell at once what the degrees of `LatLon` would say.
 
 #include "worldmap/tracer.h"

@@ -23,7 +23,7 @@ void advance(Section& section, Section last, Section end) {
   section = section < last ? static_cast<Section>(section + 1) : end;
 }
 
-/// Whether an enumerator from a caller may index an array of `count` elements.
+/// Whether an enumerator, which may be any number, may index an array of `count` elements.
 bool indexes(int value, int count) { return value >= 0 && value < count; }
 
 }  // namespace
@@ -65,7 +65,7 @@ UtString WorldMap::fetchCIADirectory() const { return data_directory_; }
 
 void WorldMap::setCIADirectory(const UtString& dir) { data_directory_ = dir; }
 
-// Enumerators come from callers, as any number: each is held against its array's length.
+// Enumerators may be any number: each is held against its array's length.
 UtString WorldMap::fetchContinentDir(mapSections section) const {
   return indexes(section, NumMapSections) ? continent_directories_[section] : UtString();
 }
@@ -165,7 +165,7 @@ void WorldMap::readData() {
   }
 }
 
-// The report's lines are fixed by the interface, down to the blanks.
+// The report's lines are kept, down to the blanks (docs/classic.md).
 std::ostream& operator<<(std::ostream& os, const WorldMap& map) {
   os << "----- CIA World Map information" << std::endl
      << "Data resides in directory " << map.data_directory_ << std::endl

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <span>
+#include <string_view>
 
 #include "kzgis/box.h"
 #include "kzgis/export.h"
@@ -14,6 +15,19 @@
 // point.  Any number of threads may use one chart at once.  Projecting needs no memory.
 
 namespace kzgis {
+
+/// The name of a projection, in lower case: "mercator", "lambert conic conformal".
+///
+/// @return a name that stays for good; empty for a number that is no projection's
+KZGIS_EXPORT std::string_view projection_name(projType type);
+
+/// Finds a projection by its name.
+///
+/// Upper and lower case are alike in ASCII, and so are a blank, a hyphen and an underscore, so that
+/// names need no quotes in a shell: "Lambert-Conic-Conformal".
+///
+/// @return nothing when no projection has that name
+KZGIS_EXPORT std::optional<projType> find_projection(std::string_view name);
 
 /// How coordinates are calculated.
 enum class Arithmetic {

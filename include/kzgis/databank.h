@@ -99,7 +99,8 @@ struct Databank {
 KZGIS_EXPORT Result<Databank> read_databank(const std::string& directory,
                                             const DatabankQuery& query = {});
 
-/// The place of a file below the directory of its bank: "africa.Map/cil.cbd".
+/// The place of a file below the directory of its bank: "africa.Map/cil.cbd".  Without memory it
+/// throws `std::bad_alloc`.
 KZGIS_EXPORT std::string databank_file_name(Continent continent, Theme theme);
 
 /// The ends of one or many segments, in arc-seconds.

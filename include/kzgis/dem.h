@@ -210,7 +210,7 @@ class KZGIS_EXPORT DEM_LRA : public std::ifstream {
 
 /// Writes a report of record A, 18 lines, the numbers in the stream's own format.
 ///
-/// The report is part of a fixed interface, with two oddities.  The 15th projection
+/// It has two oddities (docs/classic.md).  The 15th projection
 /// parameter is not printed: in its place stand the codes of the ground units (low 32 bits)
 /// and of the elevation units (high 32 bits), read as one double.  And when the elevation
 /// units are none of 0, 1 and 2, their line has no end.

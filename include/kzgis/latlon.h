@@ -34,7 +34,9 @@ enum direction {
 /// A latitude or longitude that is not a number, and an infinite longitude, stay as
 /// they are.  The altitude has the caller's unit and is never tested.
 ///
-/// Whole arc-seconds (1/3600 degree) may be passed as any integer type.  Triples are
+/// Whole arc-seconds (1/3600 degree) may be passed as any integer type.  Those that come
+/// back may be one nearer to 0, as degrees hold no thirds and results are truncated: 115
+/// come back as 114.  Triples are
 /// degrees, minutes, seconds; each component carries its own sign, so 45d 30m south
 /// is (-45, -30, 0).
 class KZGIS_EXPORT LatLon {

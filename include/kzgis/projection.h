@@ -57,7 +57,7 @@ struct ProjectionTestAccess;
 ///    Only `Cartesian` wraps the difference itself.
 ///  - Degrees become radians with 3.141592652589793, which is short of pi by 1e-9.
 ///    The poles therefore lie 5e-10 radians short of their place, about 3 mm on the
-///    Earth.  The class keeps a fixed interface bit for bit, this constant included.
+///    Earth (docs/classic.md).
 ///  - Where a formula has no value the result is an infinity or NaN; only the two true
 ///    conics refuse, and then only a parallel of 0.
 ///

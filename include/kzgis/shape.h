@@ -61,7 +61,7 @@ class KZGIS_EXPORT KZ_GIS_ESRI_ShapeHeader_c {
   /// Writes a report of nine lines, the doubles in the stream's own format.
   ///
   /// The labels of Ymin and Ymax stand exchanged, "YMax Type" before the value of Ymin
-  /// and "YMin Type" before that of Ymax: the report is part of a fixed interface.
+  /// and "YMin Type" before that of Ymax (docs/classic.md).
   ///
   /// @return 1; 13, with nothing written, when the attached stream is not open
   kz_ulong PrintFileHeader(std::ostream& os) const;
@@ -98,8 +98,9 @@ class KZGIS_EXPORT KZ_GIS_ESRI_ShapeHeader_c {
 ///
 /// Every operation that needs a file answers 13 while that file is closed.  A read or
 /// seek that failed leaves its flags on the stream, so that later operations on the
-/// file fail too (10, 11 or 4) until it is opened again.  A null record, met where a
-/// shape is asked for, gives 2 with the stream at the next record.
+/// file fail too (10, 11 or 4, and 2 from `SeekToDataRecord`) until it is opened again.
+/// A null record, met where a shape is asked for, gives 2 with the stream at the next
+/// record, which the index tells; `ReadPointShape` has a rule of its own.
 ///
 /// Output arrays belong to the caller.  For each the caller passes the address of its
 /// pointer and of its capacity in elements: null and 0 at first, or what an earlier
@@ -124,9 +125,10 @@ class KZGIS_EXPORT KZ_GIS_ESRI_Shape_c {
   KZ_GIS_ESRI_Shape_c(const KZ_GIS_ESRI_Shape_c& other);
   /// Opens the files of `other`'s base name in an object that has none open.
   ///
-  /// A target that has its files open cannot take others: it ends closed, with an
-  /// empty base name, self-assignment included, and its two streams stay occupied
-  /// until it is destroyed.  `FileName` is the way to change files.
+  /// A target that has a file open cannot take others: it ends closed, with an empty
+  /// base name, self-assignment included, and the stream of that file stays occupied
+  /// until the target is destroyed, so that nothing opens it again.  To change files
+  /// call `FileName` instead.
   KZ_GIS_ESRI_Shape_c& operator=(const KZ_GIS_ESRI_Shape_c& other);
   virtual ~KZ_GIS_ESRI_Shape_c();
 

@@ -183,7 +183,7 @@ KZGIS_EXPORT kz_long math_logstar_n(kz_long n) KZGIS_SYMBOL(math_logstar_n);
     KZGIS_SYMBOL(print_error);
 
 // Order of points: by y, and by x where the two heights are no more than 1e-7 apart.
-// Each answers 1 or 0.  Callers know these names, reserved or not.
+// Each answers 1 or 0.  The names are those of the classic half (docs/classic.md), reserved or not.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 
 /// Whether a and b lie within 1e-7 of each other in x and in y.

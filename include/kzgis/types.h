@@ -12,8 +12,8 @@ using kz_ulong = std::uint32_t;
 
 /// The statuses that shapefile and polygon operations return.
 ///
-/// Callers compare against the numbers; the names are for reading.  3 and 12
-/// are not used.
+/// The numbers are those of the classic half (docs/classic.md), and the names are for reading.
+/// 3 and 12 are not used.
 namespace kzgis::status {
 inline constexpr kz_ulong success = 1;
 inline constexpr kz_ulong wrong_kind = 2;        ///< not the kind of record or file asked for

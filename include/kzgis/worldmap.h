@@ -84,7 +84,7 @@ KZGIS_EXPORT void increment(infoLevels& level);
 ///  - polylines of one point are dropped.
 ///
 /// Everything here belongs to the map: its two corners, its polylines and their points.
-/// Callers may change the points but not free them; loading, `clearMaps` and destruction
+/// The points may be changed but not freed; loading, `clearMaps` and destruction
 /// do.  A map cannot be copied.
 ///
 /// Loading tells its progress to the handler of kzgis/status.h, as percentages that are
@@ -168,8 +168,11 @@ class KZGIS_EXPORT WorldMap {
   /// Discards what was loaded and loads every requested theme of every continent.
   ///
   /// A file that cannot be opened or read does not stop the others; what was read from
-  /// it stays.  A named pipe is a file that cannot be opened.  A damaged file is
-  /// reported on standard error, in a line that begins with "CIA: ".  Without memory for its
+  /// it stays.  A named pipe is a file that cannot be opened.  A file with a wrong first
+  /// number or a place that cannot be sought is reported on standard error, in a line that
+  /// begins with "CIA: ".  One that ends early is not: of its dictionary the whole entries
+  /// count, and in a segment the last word that it has stands for those that are missing.
+  /// Without memory for its
   /// dictionary, a polyline or a point, a file ends with one of these lines, "CIA: Out of
   /// memory " and "initializing dictionary", "preparing new polyline", "instancing new
   /// polyline", "instancing new map point" or "instancing new map point 2"; the polyline at

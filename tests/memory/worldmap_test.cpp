@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "kzgis/databank.h"
 #include "kzgis/utvector.h"
 #include "memory/failing.h"
 
@@ -62,6 +63,13 @@ std::vector<Operation> operations() {
        [] {
          nowhere() << map;
          return 1L;
+       }},
+      {"databank_file_name",
+       1,
+       {kThrew},
+       [] {
+         return static_cast<long>(
+             kzgis::databank_file_name(kzgis::Continent::africa, kzgis::Theme::coasts).size());
        }},
       {"UtVector",
        6,  // room for 1, 2, 4, 8, 16 and 32

@@ -46,7 +46,7 @@ void expect_nested(const std::vector<IntRing>& rings, const Inside& inside,
     // The smallest around it is the one that lies in all the others.
     kz_long parent = -1;
     for (const std::size_t candidate : around) {
-      if (std::ranges::all_of(around, [&](std::size_t other) {
+      if (std::all_of(around.begin(), around.end(), [&](std::size_t other) {
             return other == candidate || inside(candidate, other);
           })) {
         parent = static_cast<kz_long>(candidate);
@@ -72,7 +72,7 @@ bool parts(const IntRing& convex, const IntRing& ring) {
     const auto right = [&](const IntPoint& p) {
       return turn(convex[i], convex[(i + 1) % convex.size()], p) <= 0;
     };
-    if (std::ranges::all_of(ring, right)) return true;
+    if (std::all_of(ring.begin(), ring.end(), right)) return true;
   }
   return false;
 }
@@ -100,17 +100,17 @@ TEST(NestProperty, OfConvexRingsThatTouch) {
       }
       if (doubled_area(ring) < 0) std::reverse(ring.begin(), ring.end());
       const bool repeats =
-          std::ranges::adjacent_find(ring) != ring.end() || ring.front() == ring.back();
+          std::adjacent_find(ring.begin(), ring.end()) != ring.end() || ring.front() == ring.back();
       if (repeats || doubled_area(ring) <= 0 || !holds(ring, ring)) continue;
       // Equal rings hold each other.
-      if (std::ranges::all_of(rings, [&](const IntRing& other) {
+      if (std::all_of(rings.begin(), rings.end(), [&](const IntRing& other) {
             const bool nested = holds(ring, other) != holds(other, ring);
             return nested || (!holds(ring, other) && (parts(ring, other) || parts(other, ring)));
           })) {
         rings.push_back(ring);
       }
     }
-    std::ranges::shuffle(rings, random);
+    std::shuffle(rings.begin(), rings.end(), random);
     const auto inside = [&](std::size_t a, std::size_t b) { return holds(rings[b], rings[a]); };
     expect_nested(rings, inside, random);
     ASSERT_FALSE(HasFailure());

@@ -214,7 +214,7 @@ TEST(RingTree, FollowsTheRuleInEveryOrder) {
     SCOPED_TRACE(testing::Message() << "seed " << kSeed << " run " << run);
     std::vector<std::size_t> parents;
     auto rectangles = random_nest(random, 1 + random() % 400, parents);
-    std::ranges::shuffle(rectangles, random);
+    std::shuffle(rectangles.begin(), rectangles.end(), random);
     const PlainTree expected(rectangles.size(), [&](std::size_t outer, std::size_t inner) {
       return rectangles[outer - 1].holds(rectangles[inner - 1]);
     });
@@ -278,7 +278,7 @@ TEST(RingTree, FollowsTheRuleInDeepNests) {
         std::swap(order[random() % order.size()], order[random() % order.size()]);
       }
     } else if (run % 4 == 3) {
-      std::ranges::shuffle(order, random);
+      std::shuffle(order.begin(), order.end(), random);
     }
     Rings rings;
     for (const std::size_t ring : order) rings.add(made[ring]);
@@ -349,7 +349,7 @@ TEST(BoxIndex, FindsWhatALookAtEachFinds) {
     }
     std::vector<kz_ulong> found;
     index.find(wanted, found);
-    std::ranges::sort(found);
+    std::sort(found.begin(), found.end());
     ASSERT_EQ(found, expected);
     boxes.push_back(box());
     index.insert(boxes.back(), number);

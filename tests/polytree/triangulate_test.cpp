@@ -380,7 +380,7 @@ TEST(PolygonTree, DeepInAnyOrder) {
   std::vector<int> levels(kDepth);
   std::iota(levels.begin(), levels.end(), 0);
   std::mt19937_64 random(68);
-  std::ranges::shuffle(levels, random);
+  std::shuffle(levels.begin(), levels.end(), random);
   EXPECT_EQ(connections(squares_in_each_other(levels).tree()), 1200000u);
 }
 

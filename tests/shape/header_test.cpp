@@ -106,6 +106,9 @@ TEST_F(ShapeHeaderReadTest, ADirectoryGives4) {
   stream.open(path("."), std::ios::binary);
   header.FileStream(stream);
   if (!stream.is_open()) GTEST_SKIP() << "directories cannot be opened here";
+#ifdef _LIBCPP_VERSION
+  GTEST_SKIP() << "libc++ takes a read that fails for the end of the file";
+#endif
   EXPECT_EQ(header.ReadHeader(), 4u);
 }
 

@@ -659,6 +659,9 @@ TEST_P(PartsReaderTest, AStreamThatCannotSeekIsReadAsFarAsItIsBuffered) {
                               .add(arc_content({0}, some_points(4, 1)))
                               .add(arc_content({0}, some_points(2000, 2)))
                               .shp();
+#ifdef _LIBCPP_VERSION
+  GTEST_SKIP() << "libc++ waits until its whole buffer is full, or the file at its end";
+#endif
   const Terminal terminal;
   if (!terminal.write(shp.substr(0, 1000))) GTEST_SKIP() << "no terminals";
   KZ_GIS_ESRI_Shape_c shape(nullptr);

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "kzgis/chart.h"
+#include "kzgis/databank.h"
 #include "kzgis/dem.h"
 #include "kzgis/elevation.h"
 #include "kzgis/filetools.h"
@@ -244,10 +245,34 @@ class Threads : public BankTest {
     return os.str();
   }
 
+  std::string copy_bank() const {
+    std::ostringstream os;
+    kzgis::DatabankWriter writer;
+    const kzgis::Databank bank = kzgis::read_databank(root_).value();
+    for (const kzgis::Segment& segment : bank.segments) {
+      EXPECT_EQ(writer.add(segment).kind, kzgis::ErrorKind::none);
+    }
+    const std::string name =
+        kzgis::databank_file_name(kzgis::Continent::africa, kzgis::Theme::coasts);
+    os << kzgis::inspect_databank_file(root_ + "/" + name)->total.points << ' ' << name << ' ';
+    writer.write_file(kzgis::Continent::africa, kzgis::Theme::coasts, os);
+    return os.str();
+  }
+
   std::vector<std::function<std::string()>> jobs() const {
-    return {read_shapes,       read_records,   project_points, project_arrays,
-            compute_positions, read_profiles,  read_grid,      mesh_polygons,
-            nest_polygons,     compare_points, handle_texts,   [this] { return load_outlines(); }};
+    return {read_shapes,
+            read_records,
+            project_points,
+            project_arrays,
+            compute_positions,
+            read_profiles,
+            read_grid,
+            mesh_polygons,
+            nest_polygons,
+            compare_points,
+            handle_texts,
+            [this] { return load_outlines(); },
+            [this] { return copy_bank(); }};
   }
 
  private:

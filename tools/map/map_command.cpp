@@ -82,10 +82,11 @@ geographic as border, political as province.
 Filled layers lie under the graticule, lines and points above it, later files
 above earlier ones.
 
-The longitude of --base is the middle of every map.  Its latitude is the centre
-of gnomonic, stereographic, orthographic, postel, lambert azimuthal and globe,
-shapes bonne and werner, and changes nothing on the others.  The conics have standard
-parallels of 20 and 60 unless --parallels says otherwise.
+The longitude of --base is the middle of every map; with --box and without --base,
+the middle of the box is.  The latitude of --base is the centre of gnomonic,
+stereographic, orthographic, postel, lambert azimuthal and globe, shapes bonne and
+werner, says which side of the equator the usual parallels of the conics lie on, and
+changes nothing else.
 
 Coordinates must be degrees.  Null and empty records are skipped.  A record, or a file
 of the bank, that is damaged is reported; the picture shows what can be read; the exit
@@ -157,7 +158,7 @@ std::vector<Role> parse_styles(const std::string& text) {
 }
 
 /// The size asked for, which `check_size` let pass, or the usual one.
-void set_size(Sheet& sheet, Plane& plane, const std::string& size) {
+void set_size(Sheet& sheet, const Plane& plane, const std::string& size) {
   if (size.empty()) {
     set_usual_size(sheet, plane);
     return;
@@ -236,8 +237,7 @@ int run(const MapOptions& options) {
     throw tools::UsageError("FILE", "a shapefile to draw is missing, or --bank");
   }
   const tools::PictureFormat format = formats().choose(options.output, options.format);
-  Plane plane({options.projection.type(), options.projection.base, options.projection.parallels,
-               options.horizon_deg, options.box});
+  const Plane plane({options.projection, options.horizon_deg, options.box});
   Sheet sheet;
   sheet.graticule_deg = options.graticule_deg;
   sheet.title = options.title;

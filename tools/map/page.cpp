@@ -25,7 +25,7 @@ struct Extent {
 
 // A projection takes the window's border to the border of the map, so the border alone
 // gives the extent.
-Extent extent_of(Plane& plane) {
+Extent extent_of(const Plane& plane) {
   if (plane.is_disc()) {
     const double r = plane.limb_radius();
     return {-r, r, -r, r};
@@ -47,12 +47,13 @@ Extent extent_of(Plane& plane) {
 
 }  // namespace
 
-double aspect(Plane& plane) {
+double aspect(const Plane& plane) {
   const Extent e = extent_of(plane);
   return (e.right - e.left) / (e.top - e.bottom);
 }
 
-Page::Page(Plane& plane, double left, double top, double width, double height) : plane_(plane) {
+Page::Page(const Plane& plane, double left, double top, double width, double height)
+    : plane_(plane) {
   const Extent e = extent_of(plane);
   scale_ = std::min(width / (e.right - e.left), height / (e.top - e.bottom));
   left_ = left + 0.5 * width - 0.5 * (e.left + e.right) * scale_;

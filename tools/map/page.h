@@ -19,15 +19,15 @@ struct PagePoint {
 };
 
 /// Width over height of what a plane shows.
-double aspect(Plane& plane);
+double aspect(const Plane& plane);
 
 /// A plane fitted into a rectangle of the page and centred there.
 class Page {
  public:
   /// @param plane  borrowed
-  Page(Plane& plane, double left, double top, double width, double height);
+  Page(const Plane& plane, double left, double top, double width, double height);
 
-  Plane& plane() const { return plane_; }
+  const Plane& plane() const { return plane_; }
 
   PagePoint place(const Geo& position) const {
     const PlanePoint p = plane_.place(position);
@@ -42,7 +42,7 @@ class Page {
  private:
   Pixel to_page(double x, double y) const { return {left_ + x * scale_, top_ - y * scale_}; }
 
-  Plane& plane_;
+  const Plane& plane_;
   double scale_;  // pixels per globe radius
   double left_;
   double top_;

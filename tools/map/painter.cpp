@@ -221,7 +221,7 @@ bool is_filled(const StyledLayer& styled) {
 
 }  // namespace
 
-void set_usual_size(Sheet& sheet, Plane& plane) {
+void set_usual_size(Sheet& sheet, const Plane& plane) {
   constexpr double kLongSide = 1600.0;
   const double ratio = aspect(plane);
   sheet.width = ratio >= 1.0 ? kLongSide : std::max(1.0, std::round(kLongSide * ratio));
@@ -230,7 +230,7 @@ void set_usual_size(Sheet& sheet, Plane& plane) {
   sheet.height = std::round(sheet.height + margins.top - margins.side);
 }
 
-Page lay_out(Plane& plane, const Sheet& sheet) {
+Page lay_out(const Plane& plane, const Sheet& sheet) {
   const Margins margins = margins_of(sheet);
   return Page(plane, margins.side, margins.top, sheet.width - 2.0 * margins.side,
               sheet.height - margins.top - margins.side);

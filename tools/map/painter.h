@@ -32,10 +32,10 @@ struct Sheet {
 };
 
 /// The sheet's size when the user names none: the map's own shape, 1600 on the long side.
-void set_usual_size(Sheet& sheet, Plane& plane);
+void set_usual_size(Sheet& sheet, const Plane& plane);
 
 /// Fits the plane between the sheet's margins; `plane` is borrowed.
-Page lay_out(Plane& plane, const Sheet& sheet);
+Page lay_out(const Plane& plane, const Sheet& sheet);
 
 /// Draws the whole sheet: paper, sea, layers, graticule, frame, title.
 ///

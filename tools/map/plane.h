@@ -3,23 +3,21 @@
 #ifndef KZGIS_TOOLS_MAP_PLANE_H
 #define KZGIS_TOOLS_MAP_PLANE_H
 
-#include <optional>
-#include <utility>
-#include <vector>
+#include <kzgis/chart.h>
 
-#include "kzgis/projection.h"
+#include <optional>
+
 #include "tools/map/clip.h"
 #include "tools/map/geo.h"
+#include "tools/support/projection_options.h"
 
 namespace kzgis::map {
 
-/// What the user asks of a map; what is left out gets the projection's own default.
-struct PlaneRequest {
-  projType type = CartesianProj;
-  std::optional<std::pair<double, double>> base;       ///< latitude, longitude
-  std::optional<std::pair<double, double>> parallels;  ///< standard parallels of the conics
-  std::optional<double> horizon_deg;                   ///< how far an azimuthal map reaches
-  std::optional<Window> box;                           ///< what a window map shows, west to east
+/// What the user asks of a map; what is left out gets the projection's own default, and the base
+/// the middle of the box where there is one.  Pictures have no radius.
+struct PlaneRequest : tools::ProjectionOptions {
+  std::optional<double> horizon_deg = std::nullopt;  ///< how far an azimuthal map reaches
+  std::optional<Window> box = std::nullopt;          ///< what a window map shows, west to east
 };
 
 /// A point of the map plane, in globe radii, y upwards.
@@ -40,7 +38,7 @@ struct PlanePoint {
 /// leaves the map comes back where it should.  There the antipode alone has no place.
 class Plane {
  public:
-  /// Throws `std::invalid_argument` when the request makes no map.
+  /// Throws `UsageError` when the request makes no map.
   explicit Plane(const PlaneRequest& request);
 
   bool is_disc() const { return limb_deg_ > 0.0; }
@@ -57,17 +55,17 @@ class Plane {
 
   /// Where a position lands.  Outside the window, and at a disc's antipode, the coordinates
   /// may be anything, not finite ones included.
-  PlanePoint place(const Geo& position);
+  PlanePoint place(const Geo& position) const;
 
   /// The position that lies `angle_deg` from the base point, towards `azimuth_deg` (0 is
   /// up, 90 right).
   Geo position_at(double angle_deg, double azimuth_deg) const;
 
  private:
-  void set_up_disc(const PlaneRequest& request, double largest_deg);
+  void set_up_disc(const PlaneRequest& request);
   void set_up_window(const PlaneRequest& request);
   void narrow_window(const Window& box);
-  PlanePoint place_on_disc(const Geo& position);
+  PlanePoint place_on_disc(const Geo& position) const;
 
   projType type_;
   double base_lat_ = 0.0;
@@ -75,8 +73,9 @@ class Plane {
   Window window_{-180.0, 180.0, -90.0, 90.0};
   double limb_deg_ = 0.0;
   double limb_radius_ = 0.0;
-  Projection projection_;
-  Projection globe_{GlobeProj, 1.0, 0.0, 0.0};
+  // Both take longitudes that count from the base.
+  Chart chart_;
+  Chart directions_;  ///< Postel's: as far from the middle as on the globe, in the same direction
 };
 
 }  // namespace kzgis::map

@@ -3,7 +3,7 @@
 #ifndef KZGIS_TOOLS_SUPPORT_PROJECTION_OPTIONS_H
 #define KZGIS_TOOLS_SUPPORT_PROJECTION_OPTIONS_H
 
-#include <kzgis/projection.h>
+#include <kzgis/chart.h>
 
 #include <CLI/CLI.hpp>
 #include <optional>
@@ -15,40 +15,30 @@ namespace kzgis::tools {
 /// A pair given as "A,B".
 using NumberPair = std::pair<double, double>;
 
-/// Reads such a pair; throws CLI's error, which names the option.
+/// Reads such a pair; throws `UsageError`, which names the option.
 NumberPair parse_pair(const std::string& option, const std::string& text);
 
-/// What --to, --base, --parallels and --radius say.  The library takes an unknown name for
-/// Cartesian, silently; people are told.
+/// What --to, --base, --parallels and --radius say, as numbers and no more: whether they make a
+/// map only the library knows.
 struct ProjectionOptions {
-  std::string name = "cartesian";
+  projType type = CartesianProj;
   std::optional<NumberPair> base;       ///< latitude, longitude in degrees
-  std::optional<NumberPair> parallels;  ///< standard parallels in degrees, above 0 to 90
+  std::optional<NumberPair> parallels;  ///< standard parallels in degrees
   std::optional<double> radius;         ///< of the globe, in any unit
-
-  /// The type that `name` stands for.
-  projType type() const;
 };
 
-/// True for the two projections that need two standard parallels.
-bool needs_parallels(projType type);
-
-/// Adds --base, --parallels and the option that names the projection, each checked as it is
-/// read.
-void add_projection_options(CLI::App& command, ProjectionOptions& options,
-                            const std::string& name_option = "--to");
+/// Adds --to, --base and --parallels.
+void add_projection_options(CLI::App& command, ProjectionOptions& options);
 
 /// Adds --radius.
 void add_radius_option(CLI::App& command, ProjectionOptions& options);
 
-/// Throws `CommandError` when the projection needs more than the options give it.
-void check_projection(const ProjectionOptions& options);
+/// The parameters that the options stand for.  Without --base a map is about 0,0, and Bonne's,
+/// which the equator has none of, about 45,0.
+ChartParameters chart_parameters(const ProjectionOptions& options);
 
-/// The projection that the options describe, about the given base point.
-Projection make_projection(const ProjectionOptions& options, const NumberPair& base);
-
-/// The fifteen names, separated by ", ".
-std::string projection_names();
+/// Makes a chart, or throws `UsageError` with the library's sentence.
+Chart make_chart(projType type, const ChartParameters& parameters);
 
 }  // namespace kzgis::tools
 

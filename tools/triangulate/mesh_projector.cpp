@@ -7,32 +7,26 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <numbers>
 #include <vector>
 
 #include "tools/support/areas.h"
 #include "tools/support/degrees.h"
+#include "tools/support/projection_options.h"
 
 namespace kzgis::tools {
 
 namespace {
 
-constexpr double kDegree = std::numbers::pi / 180.0;
 // Files cut at the antimeridian miss it by this much at most.
 constexpr double kSeamTolerance_deg = 1e-6;
 
-/// The projections about a point have no meridian where they are torn.
-bool is_torn(projType type) {
-  const bool azimuthal = type >= GnomonicProj && type <= LambertAzimuthalProj;
-  return !azimuthal && type != GlobeProj;
-}
+/// A map about a point has a reach instead of a meridian where it is torn.
+bool is_torn(const Chart& chart) { return !chart.parameters().reach_deg; }
 
-// With the base on meridian 180 longitudes from -180 to 180 about it become 0 to 360, which
-// the library leaves as they are.  Cartesian wraps differences and clamps latitude ones: it
-// gets its base in the corner, and the origin is moved afterwards.
-NumberPair library_base(projType type, const NumberPair& base) {
-  if (type == CartesianProj) return {0.0, 0.0};
-  return {base.first, is_torn(type) ? 180.0 : base.second};
+Chart with_base_meridian_0(const Chart& chart) {
+  ChartParameters parameters = chart.parameters();
+  parameters.base_lon = 0.0;
+  return make_chart(chart.type(), parameters);
 }
 
 std::size_t end_of(const Rings& rings, std::size_t ring) {
@@ -102,24 +96,17 @@ double twice_area(const Rings& rings, std::size_t ring) {
 
 }  // namespace
 
-MeshProjector::MeshProjector(const ProjectionOptions& options)
-    : type_(options.type()),
-      base_(options.base.value_or(NumberPair{})),
-      projection_(make_projection(options, library_base(type_, base_))) {
-  if (type_ != CartesianProj) return;
-  WorldPoint base_point{};
-  project_point(0.0, base_.first, base_point);
-  origin_ = base_point;
-}
+MeshProjector::MeshProjector(const Chart& chart)
+    : chart_(chart), from_base_(with_base_meridian_0(chart)) {}
 
 std::string MeshProjector::project(const Rings& rings, Mesh& mesh,
-                                   std::vector<WorldPoint>& points) {
+                                   std::vector<WorldPoint>& points) const {
   points.assign(rings.x.size(), {});
   for (std::size_t r = 0; r < rings.starts.size(); ++r) {
     std::string reason = project_ring(rings, r, points);
     if (!reason.empty()) return reason;
   }
-  if (type_ == GlobeProj) return {};
+  if (chart_.type() == GlobeProj) return {};
 
   std::vector<double> x;
   std::vector<double> y;
@@ -151,7 +138,7 @@ std::string MeshProjector::project(const Rings& rings, Mesh& mesh,
 }
 
 std::string MeshProjector::project_ring(const Rings& rings, std::size_t ring,
-                                        std::vector<WorldPoint>& points) {
+                                        std::vector<WorldPoint>& points) const {
   const auto start = static_cast<std::size_t>(rings.starts[ring]);
   const std::size_t end = end_of(rings, ring);
   if (start == end) return {};
@@ -159,38 +146,33 @@ std::string MeshProjector::project_ring(const Rings& rings, std::size_t ring,
     if (!are_degrees(rings.x[v], rings.y[v])) return not_degrees(rings.x[v], rings.y[v]);
   }
   // The turn that takes a ring between -180 and 180 takes a hole in it there too.
+  const double base_lon = chart_.parameters().base_lon;
   const auto [west, east] = std::ranges::minmax(rings.x.subspan(start, end - start));
-  const double turns = std::round((0.5 * (west + east) - base_.second) / 360.0);
-  const double shift = -base_.second - 360.0 * turns;
+  const double turns = std::round((0.5 * (west + east) - base_lon) / 360.0);
+  const double shift = -base_lon - 360.0 * turns;
   constexpr double kLimit = 180.0 + kSeamTolerance_deg;
-  if (is_torn(type_) && (west + shift < -kLimit || east + shift > kLimit)) {
+  if (is_torn(chart_) && (west + shift < -kLimit || east + shift > kLimit)) {
     return "it lies across the meridian opposite to --base, where the projection is torn";
   }
   for (std::size_t v = start; v < end; ++v) {
-    if (!project_point(rings.x[v] + shift, rings.y[v], points[v])) {
+    if (!project_point(rings.x[v], rings.y[v], rings.x[v] + shift, points[v])) {
       return "the projection has no place for " + pair_text(rings.x[v], rings.y[v]);
     }
   }
   return {};
 }
 
-/// @param lon  from the base meridian
+/// @param from_base  the longitude from the base meridian, on the side of the ring
 /// @return false when the projection has no place for it
-bool MeshProjector::project_point(double lon, double lat, WorldPoint& point) {
-  // Gnomonic shows half the globe, and mirrors the other half onto it; so does Orthographic.
-  const double towards_base =
-      std::sin(lat * kDegree) * std::sin(base_.first * kDegree) +
-      std::cos(lat * kDegree) * std::cos(base_.first * kDegree) * std::cos(lon * kDegree);
-  if ((type_ == GnomonicProj || type_ == OrthographicProj) && towards_base <= 0.0) return false;
-  constexpr double kJustBelow360 = 360.0 - 1e-9;
-  const double library_lon =
-      is_torn(type_) ? std::clamp(lon + 180.0, 0.0, kJustBelow360) : lon + base_.second;
-  double* world = world_.release();
-  const int result = projection_.FromTo(LatLon(lat, library_lon), &world);
-  world_.reset(world);
-  if (result < 0) return false;
-  point = {world[0] - origin_.x, world[1] - origin_.y, world[2] - origin_.z};
-  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+bool MeshProjector::project_point(double lon, double lat, double from_base,
+                                  WorldPoint& point) const {
+  const bool at_seam = is_torn(chart_) && std::fabs(from_base) > 180.0 - kSeamTolerance_deg;
+  if (at_seam) lon = std::clamp(from_base, -180.0, std::nextafter(180.0, 0.0));
+  const Chart& chart = at_seam ? from_base_ : chart_;
+  constexpr double kAltitude = 0.0;
+  const std::size_t without_place = chart.project({&lat, 1}, {&lon, 1}, {&kAltitude, 1},
+                                                  {&point.x, 1}, {&point.y, 1}, {&point.z, 1});
+  return without_place == 0;
 }
 
 }  // namespace kzgis::tools

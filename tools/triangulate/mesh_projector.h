@@ -3,26 +3,22 @@
 #ifndef KZGIS_TOOLS_TRIANGULATE_MESH_PROJECTOR_H
 #define KZGIS_TOOLS_TRIANGULATE_MESH_PROJECTOR_H
 
+#include <kzgis/chart.h>
 #include <kzgis/mesh.h>
-#include <kzgis/projection.h>
 
-#include <cstddef>
-#include <memory>
 #include <string>
 #include <vector>
-
-#include "tools/support/projection_options.h"
 
 namespace kzgis::tools {
 
 /// Projects polygons vertex by vertex.
 ///
-/// The library takes longitude differences as they stand, from 0 to 360, so that a shape
-/// over the base meridian would be torn.  Here the base meridian is the middle: each ring
-/// is shifted by whole turns towards it, and world coordinates count from the base point.
+/// A flat map that is torn along a meridian has two places for what lies on it, and `Chart`
+/// takes the western one.  Here each ring keeps to one side: what reaches the meridian from the
+/// west is drawn at the eastern end.
 class MeshProjector {
  public:
-  explicit MeshProjector(const ProjectionOptions& options);
+  explicit MeshProjector(const Chart& chart);
 
   /// Replaces the points of a polygon by world coordinates.
   ///
@@ -34,17 +30,15 @@ class MeshProjector {
   /// @param mesh    their mesh; replaced
   /// @param points  receives one for each vertex
   /// @return empty, or the reason why the polygon cannot be projected
-  std::string project(const Rings& rings, Mesh& mesh, std::vector<WorldPoint>& points);
+  std::string project(const Rings& rings, Mesh& mesh, std::vector<WorldPoint>& points) const;
 
  private:
-  std::string project_ring(const Rings& rings, std::size_t ring, std::vector<WorldPoint>& points);
-  bool project_point(double lon, double lat, WorldPoint& point);
+  std::string project_ring(const Rings& rings, std::size_t ring,
+                           std::vector<WorldPoint>& points) const;
+  bool project_point(double lon, double lat, double from_base, WorldPoint& point) const;
 
-  projType type_;
-  NumberPair base_;
-  Projection projection_;
-  WorldPoint origin_{};  ///< what is taken off every result
-  std::unique_ptr<double[]> world_;
+  Chart chart_;
+  Chart from_base_;  ///< the same for longitudes that count from the base
 };
 
 }  // namespace kzgis::tools

@@ -3,7 +3,7 @@
 #ifndef KZGIS_TOOLS_TRIANGULATE_RECORD_MESH_H
 #define KZGIS_TOOLS_TRIANGULATE_RECORD_MESH_H
 
-#include <kzgis/projection.h>
+#include <kzgis/chart.h>
 
 #include <cstddef>
 #include <cstdint>

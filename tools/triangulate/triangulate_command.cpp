@@ -96,7 +96,7 @@ std::optional<MeshFormat> choose_format(const Options& options) {
 }
 
 bool is_spatial(const Options& options) {
-  return options.projected && options.projection.type() == GlobeProj;
+  return options.projected && options.projection.type == GlobeProj;
 }
 
 /// Throws `CommandError` when the file holds no polygons or not the first record asked for.
@@ -129,9 +129,12 @@ int run(const Options& options) {
   const std::optional<MeshFormat> format = choose_format(options);
   const bool picture = format == MeshFormat::svg || format == MeshFormat::png;
   if (picture && is_spatial(options)) {
-    throw UsageError("--project", "a globe does not lie flat in a picture; orthographic does");
+    throw UsageError("--to", "a globe does not lie flat in a picture; orthographic does");
   }
-  if (options.projected) check_projection(options.projection);
+  std::optional<MeshProjector> projector;
+  if (options.projected) {
+    projector.emplace(make_chart(options.projection.type, chart_parameters(options.projection)));
+  }
   Shapefile shapes = open_shapefile(options.input);
   const RecordRange range = choose_records(shapes, options);
 
@@ -141,8 +144,6 @@ int run(const Options& options) {
     output.emplace(options.output);
     writer = make_mesh_writer(*format, output->stream(), is_spatial(options));
   }
-  std::optional<MeshProjector> projector;
-  if (options.projected) projector.emplace(options.projection);
 
   Totals totals;
   Complaints complaints;
@@ -201,18 +202,17 @@ when the mesh goes there.
   .geojson  a MultiPolygon of triangles for each record, which is a property
   .svg .png a picture, x to the right and y up
 
-With --project, coordinates are degrees and come out as world coordinates in the
-unit of the radius, counted from the base point; a globe comes out as x, y and z
-from its centre.  Longitudes are taken from the base, west and east of it alike,
-so that nothing tears at its meridian.  A record across the opposite meridian is
-named and left out, like one that the projection has no place for, or turns inside
-out, or makes cross itself.  Sides run straight between the projected vertices: on
-the globe a long one cuts below the surface.
+With --to, coordinates are degrees and come out as the world coordinates that
+kzgis project gives, in the unit of the radius; a globe comes out as x, y and z
+from its centre.  Nothing tears at the meridian of the base.  A record across the
+opposite meridian is named and left out, like one that the projection has no place
+for, or turns inside out, or makes cross itself.  Sides run straight between the
+projected vertices: on the globe a long one cuts below the surface.
 
 Examples:
   kzgis triangulate countries.shp -o countries.obj
   kzgis triangulate lakes.shp --check
-  kzgis triangulate countries.shp --project globe --radius 1 -o globe.ply
+  kzgis triangulate countries.shp --to globe --radius 1 -o globe.ply
   kzgis triangulate lakes.shp --records 3:5 -o - --format geojson
 )";
 
@@ -238,15 +238,15 @@ void add_triangulate_command(CLI::App& app, int& exit_code) {
           "--records", [options](const std::string& text) { parse_records(text, *options); },
           "These records alone, counted from 1; either end may be missing")
       ->type_name("A:B");
-  add_projection_options(command, options->projection, "--project");
+  add_projection_options(command, options->projection);
   add_radius_option(command, options->projection);
-  CLI::Option* const project = command.get_option("--project");
+  CLI::Option* const to = command.get_option("--to");
   for (const char* const name : {"--base", "--parallels", "--radius"}) {
-    command.get_option(name)->needs(project);
+    command.get_option(name)->needs(to);
   }
   command.footer(kExamples);
-  command.callback([options, project, &exit_code] {
-    options->projected = project->count() > 0;
+  command.callback([options, to, &exit_code] {
+    options->projected = to->count() > 0;
     exit_code = run(*options);
   });
 }

@@ -112,17 +112,28 @@ TEST_F(MapCommand, SizeIsThePicturesSize) {
 }
 
 TEST_F(MapCommand, RefusesBadOptions) {
-  const std::vector<std::string> options[]{
-      {"--size", "300"},         {"--size", "0x100"},
-      {"--size", "99999x100"},   {"--size", "20000x20000"},
-      {"--graticule", "0.5"},    {"--graticule", "-10"},
-      {"--graticule", "nan"},    {"--style", "sea"},
-      {"--style", "land,water"}, {"--format", "gif"},
-      {"--to", "mollweide"},     {"--horizon", "40"},
-      {"--box", "1,2,3"},        {"--box", "40,0,30,10"},
-      {"--box", "0,0,10,1e9"},   {"--box", "a,b,c,d"},
-      {"--base", "100,0"},       {"--parallels", "0,30"},
-      {"--horizon", "far"},      {"--to", "bonne", "--base", "0,0"}};
+  const std::vector<std::string> options[]{{"--size", "300"},
+                                           {"--size", "0x100"},
+                                           {"--size", "99999x100"},
+                                           {"--size", "20000x20000"},
+                                           {"--graticule", "0.5"},
+                                           {"--graticule", "-10"},
+                                           {"--graticule", "nan"},
+                                           {"--style", "sea"},
+                                           {"--style", "land,water"},
+                                           {"--format", "gif"},
+                                           {"--to", "mollweide"},
+                                           {"--horizon", "40"},
+                                           {"--box", "1,2,3"},
+                                           {"--box", "40,0,30,10"},
+                                           {"--box", "0,0,10,1e9"},
+                                           {"--box", "a,b,c,d"},
+                                           {"--base", "100,0"},
+                                           {"--parallels", "91,30"},
+                                           {"--horizon", "far"},
+                                           {"--to", "bonne", "--base", "0,0"},
+                                           {"--to", "albers", "--parallels", "30,-30"},
+                                           {"--to", "postel", "--horizon", "0"}};
   for (std::vector<std::string> arguments : options) {
     const std::string label = arguments[0] + ' ' + arguments[1];
     arguments.insert(arguments.begin(), {land_, "-o", path("a.png")});

@@ -139,7 +139,7 @@ TEST_F(TriangulateCommand, NamesARecordThatTheProjectionRefuses) {
                 .add(arc_content({0}, {{0, -90}, {0, 0}, {10, 0}, {0, -90}}, 5))
                 .add(arc_content({0}, {{0, 10}, {0, 20}, {10, 10}, {0, 10}}, 5))) +
       ".shp";
-  const Outcome outcome = run({file, "--project", "mercator", "-o", path("a.obj")});
+  const Outcome outcome = run({file, "--to", "mercator", "-o", path("a.obj")});
   EXPECT_EQ(outcome.exit_code, 1);
   EXPECT_EQ(outcome.standard_error,
             "kzgis: " + file + ": record 1: the projection has no place for 0, -90\n");
