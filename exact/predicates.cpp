@@ -122,6 +122,31 @@ std::optional<double> exact_difference(double a, double b) {
   return difference;
 }
 
+/// The sign of the determinant in `in_circle` where all coordinates are whole, as on grids, and so
+/// near to each other that doubles hold every product and sum.
+std::optional<int> in_circle_of_near_grid_points(const Point& a, const Point& b, const Point& c,
+                                                 const Point& d) {
+  const auto is_whole = [](double v) { return std::trunc(v) == v; };
+  for (const Point& p : {a, b, c}) {
+    // Products of four differences, a dozen of them, stay below 2^53.
+    if (!is_whole(p.x) || !is_whole(p.y) || std::fabs(p.x - d.x) > 0x1p+12 ||
+        std::fabs(p.y - d.y) > 0x1p+12) {
+      return std::nullopt;
+    }
+  }
+  if (!is_whole(d.x) || !is_whole(d.y)) return std::nullopt;
+  const double ax = a.x - d.x;
+  const double ay = a.y - d.y;
+  const double bx = b.x - d.x;
+  const double by = b.y - d.y;
+  const double cx = c.x - d.x;
+  const double cy = c.y - d.y;
+  const double determinant = (ax * ax + ay * ay) * (bx * cy - by * cx) +
+                             (bx * bx + by * by) * (cx * ay - cy * ax) +
+                             (cx * cx + cy * cy) * (ax * by - ay * bx);
+  return determinant > 0.0 ? 1 : determinant < 0.0 ? -1 : 0;
+}
+
 /// The sign of the determinant in `in_circle` where the differences of all coordinates are doubles:
 /// so with grids, and with whole coordinates.
 std::optional<int> in_circle_of_differences(const Point& a, const Point& b, const Point& c,
@@ -157,6 +182,7 @@ double doubled_area(const Point& a, const Point& b, const Point& c) {
 }
 
 int exact_in_circle(const Point& a, const Point& b, const Point& c, const Point& d) {
+  if (const auto sign = in_circle_of_near_grid_points(a, b, c, d)) return *sign;
   if (const auto sign = in_circle_of_differences(a, b, c, d)) return *sign;
   const int exponent = common_last_bit({a.x, a.y, b.x, b.y, c.x, c.y, d.x, d.y});
   const auto whole_number = [exponent](double v) { return WholeNumber(v, exponent); };
