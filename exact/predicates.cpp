@@ -6,6 +6,9 @@
 #include <array>
 #include <climits>
 #include <cstddef>
+#include <initializer_list>
+#include <optional>
+#include <span>
 
 #include "exact/whole_number.h"
 
@@ -13,25 +16,13 @@ namespace kzgis::exact {
 
 namespace {
 
-/// The sign of a sum of six products.
+/// A sum that is not rounded, of `kMost` doubles at most.
 ///
-/// The sum is kept as doubles that share no bits, by growing magnitude: the largest then
+/// It is kept as doubles that share no bits, by growing magnitude: the largest then
 /// outweighs all the others together, and has the sign of the sum.
-class SumOfProducts {
+template <std::size_t kMost>
+class Sum {
  public:
-  void add_product(double a, double b) {
-    const double product = a * b;
-    add(std::fma(a, b, -product));  // what rounding took from the product
-    add(product);
-  }
-
-  int sign() const {
-    if (count_ == 0) return 0;
-    const double largest = parts_[count_ - 1];
-    return largest > 0.0 ? 1 : largest < 0.0 ? -1 : 0;  // what is no number is neither
-  }
-
- private:
   /// Shewchuk's Grow-Expansion, parts that come out as zero left out.
   void add(double term) {
     std::size_t kept = 0;
@@ -47,7 +38,37 @@ class SumOfProducts {
     count_ = kept;
   }
 
-  std::array<double, 12> parts_{};  // two for each product
+  void add_product(double a, double b) {
+    const double product = a * b;
+    add(std::fma(a, b, -product));  // what rounding took from the product
+    add(product);
+  }
+
+  /// Adds the product of two sums.
+  template <std::size_t m, std::size_t n>
+  void add_product(const Sum<m>& a, const Sum<n>& b) {
+    for (const double p : a.parts()) {
+      for (const double q : b.parts()) add_product(p, q);
+    }
+  }
+
+  /// The double next to the sum, or one beside that.
+  double value() const {
+    double sum = 0.0;
+    for (const double part : parts()) sum += part;
+    return sum;
+  }
+
+  std::span<const double> parts() const { return std::span(parts_).first(count_); }
+
+  int sign() const {
+    if (count_ == 0) return 0;
+    const double largest = parts_[count_ - 1];
+    return largest > 0.0 ? 1 : largest < 0.0 ? -1 : 0;  // what is no number is neither
+  }
+
+ private:
+  std::array<double, kMost> parts_{};
   std::size_t count_ = 0;
 };
 
@@ -68,17 +89,115 @@ Terms cross(double ux, double uy, double vx, double vy) {
   return {ux * vy - uy * vx, bound * (std::fabs(ux * vy) + std::fabs(uy * vx))};
 }
 
-}  // namespace
-
-int exact_orientation(const Point& a, const Point& b, const Point& c) {
-  SumOfProducts sum;
+Sum<12> exact_doubled_area(const Point& a, const Point& b, const Point& c) {
+  Sum<12> sum;  // two for each product
   sum.add_product(a.x, b.y);
   sum.add_product(-a.y, b.x);
   sum.add_product(b.x, c.y);
   sum.add_product(-b.y, c.x);
   sum.add_product(c.x, a.y);
   sum.add_product(-c.y, a.x);
-  return sum.sign();
+  return sum;
+}
+
+/// The lowest exponent among the last bits of some numbers: multiplied by 2 to the opposite power,
+/// all of them are whole.
+int common_last_bit(std::initializer_list<double> numbers) {
+  int exponent = INT_MAX;
+  for (const double v : numbers) {
+    if (v != 0.0) exponent = std::min(exponent, last_bit(v));
+  }
+  return exponent;
+}
+
+/// a - b, if doubles can hold it and its fourth power with all bits.
+std::optional<double> exact_difference(double a, double b) {
+  const double difference = a - b;
+  if (difference == 0.0) return difference;
+  // D. E. Knuth's two-sum again.
+  const double part = difference - a;
+  if ((a - (difference - part)) + (-b - part) != 0.0) return std::nullopt;
+  const double magnitude = std::fabs(difference);
+  if (magnitude < 0x1p-150 || magnitude > 0x1p+250) return std::nullopt;
+  return difference;
+}
+
+/// The sign of the determinant in `in_circle` where all coordinates are whole, as on grids, and so
+/// near to each other that doubles hold every product and sum.
+std::optional<int> in_circle_of_near_grid_points(const Point& a, const Point& b, const Point& c,
+                                                 const Point& d) {
+  const auto is_whole = [](double v) { return std::trunc(v) == v; };
+  for (const Point& p : {a, b, c}) {
+    // Products of four differences, a dozen of them, stay below 2^53.
+    if (!is_whole(p.x) || !is_whole(p.y) || std::fabs(p.x - d.x) > 0x1p+12 ||
+        std::fabs(p.y - d.y) > 0x1p+12) {
+      return std::nullopt;
+    }
+  }
+  if (!is_whole(d.x) || !is_whole(d.y)) return std::nullopt;
+  const double ax = a.x - d.x;
+  const double ay = a.y - d.y;
+  const double bx = b.x - d.x;
+  const double by = b.y - d.y;
+  const double cx = c.x - d.x;
+  const double cy = c.y - d.y;
+  const double determinant = (ax * ax + ay * ay) * (bx * cy - by * cx) +
+                             (bx * bx + by * by) * (cx * ay - cy * ax) +
+                             (cx * cx + cy * cy) * (ax * by - ay * bx);
+  return determinant > 0.0 ? 1 : determinant < 0.0 ? -1 : 0;
+}
+
+/// The sign of the determinant in `in_circle` where the differences of all coordinates are doubles:
+/// so with grids, and with whole coordinates.
+std::optional<int> in_circle_of_differences(const Point& a, const Point& b, const Point& c,
+                                            const Point& d) {
+  const auto ax = exact_difference(a.x, d.x);
+  const auto ay = exact_difference(a.y, d.y);
+  const auto bx = exact_difference(b.x, d.x);
+  const auto by = exact_difference(b.y, d.y);
+  const auto cx = exact_difference(c.x, d.x);
+  const auto cy = exact_difference(c.y, d.y);
+  if (!ax || !ay || !bx || !by || !cx || !cy) return std::nullopt;
+  const auto sum_of_two = [](double p, double q, double r, double s) {
+    Sum<4> sum;
+    sum.add_product(p, q);
+    sum.add_product(r, s);
+    return sum;
+  };
+  Sum<96> determinant;  // thrice 4 by 4 products
+  determinant.add_product(sum_of_two(*ax, *ax, *ay, *ay), sum_of_two(*bx, *cy, -*by, *cx));
+  determinant.add_product(sum_of_two(*bx, *bx, *by, *by), sum_of_two(*cx, *ay, -*cy, *ax));
+  determinant.add_product(sum_of_two(*cx, *cx, *cy, *cy), sum_of_two(*ax, *by, -*ay, *bx));
+  return determinant.sign();
+}
+
+}  // namespace
+
+int exact_orientation(const Point& a, const Point& b, const Point& c) {
+  return exact_doubled_area(a, b, c).sign();
+}
+
+double doubled_area(const Point& a, const Point& b, const Point& c) {
+  return exact_doubled_area(a, b, c).value();
+}
+
+int exact_in_circle(const Point& a, const Point& b, const Point& c, const Point& d) {
+  if (const auto sign = in_circle_of_near_grid_points(a, b, c, d)) return *sign;
+  if (const auto sign = in_circle_of_differences(a, b, c, d)) return *sign;
+  const int exponent = common_last_bit({a.x, a.y, b.x, b.y, c.x, c.y, d.x, d.y});
+  const auto whole_number = [exponent](double v) { return WholeNumber(v, exponent); };
+  const WholeNumber dx = whole_number(d.x);
+  const WholeNumber dy = whole_number(d.y);
+  const WholeNumber ax = whole_number(a.x) - dx;
+  const WholeNumber ay = whole_number(a.y) - dy;
+  const WholeNumber bx = whole_number(b.x) - dx;
+  const WholeNumber by = whole_number(b.y) - dy;
+  const WholeNumber cx = whole_number(c.x) - dx;
+  const WholeNumber cy = whole_number(c.y) - dy;
+  const WholeNumber determinant = (ax * ax + ay * ay) * (bx * cy - by * cx) +
+                                  (bx * bx + by * by) * (cx * ay - cy * ax) +
+                                  (cx * cx + cy * cy) * (ax * by - ay * bx);
+  return determinant.sign();
 }
 
 int compare_with_crossing(double x, const Line& one, const Line& other) {
@@ -101,11 +220,8 @@ int compare_with_crossing(double x, const Line& one, const Line& other) {
     return (value > 0.0) == (whole.value > 0.0) ? 1 : -1;
   }
 
-  int exponent = INT_MAX;
-  for (const double v :
-       {x, one.a.x, one.a.y, one.b.x, one.b.y, other.a.x, other.a.y, other.b.x, other.b.y}) {
-    if (v != 0.0) exponent = std::min(exponent, last_bit(v));
-  }
+  const int exponent = common_last_bit(
+      {x, one.a.x, one.a.y, one.b.x, one.b.y, other.a.x, other.a.y, other.b.x, other.b.y});
   const auto whole_number = [exponent](double v) { return WholeNumber(v, exponent); };
   const WholeNumber x0 = whole_number(one.a.x);
   const WholeNumber y0 = whole_number(one.a.y);
@@ -118,6 +234,74 @@ int compare_with_crossing(double x, const Line& one, const Line& other) {
       (whole_number(other.a.x) - x0) * exact_vy - (whole_number(other.a.y) - y0) * exact_vx;
   const WholeNumber exact_value = (whole_number(x) - x0) * exact_whole - exact_along * exact_ux;
   return exact_value.sign() * exact_whole.sign();
+}
+
+namespace {
+
+/// a - b with all bits.
+Sum<2> difference(double a, double b) {
+  Sum<2> sum;
+  sum.add(a);
+  sum.add(-b);
+  return sum;
+}
+
+/// ux * vy - uy * vx with all bits.
+Sum<16> exact_cross(const Sum<2>& ux, const Sum<2>& uy, const Sum<2>& vx, const Sum<2>& vy) {
+  Sum<16> sum;
+  sum.add_product(ux, vy);
+  for (const double p : uy.parts()) {
+    for (const double q : vx.parts()) sum.add_product(-p, q);
+  }
+  return sum;
+}
+
+/// One coordinate of a crossing: start + (end - start) * way, where `way` is a sum of two.
+double coordinate(double start, const Sum<2>& length, std::array<double, 2> way) {
+  Sum<9> sum;
+  sum.add(start);
+  for (const double p : length.parts()) {
+    for (const double q : way) sum.add_product(p, q);
+  }
+  return sum.value();
+}
+
+/// Between the ends of both stretches, and zero rather than too small for the functions here.
+double between(double value, double a, double b, double c, double d) {
+  const double low = std::max(std::min(a, b), std::min(c, d));
+  const double high = std::min(std::max(a, b), std::max(c, d));
+  return std::clamp(in_range(value) ? value : 0.0, low, high);
+}
+
+}  // namespace
+
+Point crossing(const Line& one, const Line& other) {
+  // Scaled by a power of two, so that nothing that counts is lost where products grow small.
+  double largest = 0.0;
+  for (const Point& p : {one.a, one.b, other.a, other.b}) {
+    largest = std::max({largest, std::fabs(p.x), std::fabs(p.y)});
+  }
+  int exponent = 0;
+  std::frexp(largest, &exponent);
+  const auto scaled = [exponent](double v) { return std::ldexp(v, -exponent); };
+  const Point a{scaled(one.a.x), scaled(one.a.y)};
+  const Point c{scaled(other.a.x), scaled(other.a.y)};
+  const Sum<2> ux = difference(scaled(one.b.x), a.x);
+  const Sum<2> uy = difference(scaled(one.b.y), a.y);
+  const Sum<2> vx = difference(scaled(other.b.x), c.x);
+  const Sum<2> vy = difference(scaled(other.b.y), c.y);
+  const Sum<16> whole = exact_cross(ux, uy, vx, vy);
+  const Sum<16> along = exact_cross(difference(c.x, a.x), difference(c.y, a.y), vx, vy);
+  // The quotient of the two, and what is left, divided again.
+  const double way = along.value() / whole.value();
+  Sum<48> rest;
+  for (const double p : along.parts()) rest.add(p);
+  for (const double p : whole.parts()) rest.add_product(-way, p);
+  const std::array<double, 2> ways{way, rest.value() / whole.value()};
+  return {between(std::ldexp(coordinate(a.x, ux, ways), exponent), one.a.x, one.b.x, other.a.x,
+                  other.b.x),
+          between(std::ldexp(coordinate(a.y, uy, ways), exponent), one.a.y, one.b.y, other.a.y,
+                  other.b.y)};
 }
 
 }  // namespace kzgis::exact

@@ -45,6 +45,38 @@ inline int orientation(const Point& a, const Point& b, const Point& c) {
   return exact_orientation(a, b, c);
 }
 
+/// `in_circle`, in whole numbers.
+int exact_in_circle(const Point& a, const Point& b, const Point& c, const Point& d);
+
+/// Where d lies, seen from the circle through a, b and c, which turn to the left: 1 inside, -1
+/// outside, 0 on it.
+///
+/// Exact for all coordinates `in_range`.  Throws `std::bad_alloc` where numbers grow long and
+/// there is no memory for them.
+inline int in_circle(const Point& a, const Point& b, const Point& c, const Point& d) {
+  const double ax = a.x - d.x;
+  const double ay = a.y - d.y;
+  const double bx = b.x - d.x;
+  const double by = b.y - d.y;
+  const double cx = c.x - d.x;
+  const double cy = c.y - d.y;
+  const double a2 = ax * ax + ay * ay;
+  const double b2 = bx * bx + by * by;
+  const double c2 = cx * cx + cy * cy;
+  const double determinant =
+      a2 * (bx * cy - by * cx) + b2 * (cx * ay - cy * ax) + c2 * (ax * by - ay * bx);
+  const double magnitude = a2 * (std::fabs(bx * cy) + std::fabs(by * cx)) +
+                           b2 * (std::fabs(cx * ay) + std::fabs(cy * ax)) +
+                           c2 * (std::fabs(ax * by) + std::fabs(ay * bx));
+  // Shewchuk's iccerrboundA, and more than products lose that are too small for doubles.
+  constexpr double epsilon = std::numeric_limits<double>::epsilon() / 2;
+  constexpr double bound = (10.0 + 96.0 * epsilon) * epsilon;
+  const double error = bound * magnitude + 0x1p-600;
+  if (determinant > error) return 1;
+  if (-determinant > error) return -1;
+  return exact_in_circle(a, b, c, d);
+}
+
 /// Two points, and the straight line between them.
 struct Line {
   Point a, b;
@@ -59,6 +91,20 @@ struct Line {
 ///
 /// Before: the lines are not parallel.
 int compare_with_crossing(double x, const Line& one, const Line& other);
+
+/// Twice the area of the triangle a, b, c, positive where it turns left: off by no more than one
+/// unit in its last place.
+double doubled_area(const Point& a, const Point& b, const Point& c);
+
+/// The point in which two stretches cross, rounded: neither coordinate is off by more than one unit
+/// in the last place of the largest coordinate, and the point lies between the ends of both
+/// stretches, in x as in y.
+///
+/// For all coordinates `in_range`, also where the stretches are almost parallel; the outcome is in
+/// range too.
+///
+/// Before: the stretches cross.
+Point crossing(const Line& one, const Line& other);
 
 }  // namespace kzgis::exact
 

@@ -19,6 +19,9 @@ struct Side {
 /// Triangles whose corners lie on one line: some tilings have them, to make up a number.
 enum class Flat { taken, refused };
 
+/// What is asked of an edge between two triangles: nothing, or that it is locally Delaunay.
+enum class Inner { any, delaunay };
+
 /// Whether triangles tile the region with the given sides.
 ///
 /// Two things are asked, and nothing else: no triangle is clockwise, and when the edges of
@@ -31,6 +34,11 @@ enum class Flat { taken, refused };
 /// it, and in none where they do not.  For sides with the region on their left that is one
 /// inside and none outside.
 ///
+/// An edge between two triangles is locally Delaunay when the corner of the one that lies off the
+/// edge is not within the circle through the corners of the other.  Where all are, the triangles
+/// are a constrained Delaunay triangulation (D. T. Lee and A. K. Lin, "Generalized Delaunay
+/// triangulation for planar graphs", Discrete & Computational Geometry 1 (1986)).
+///
 /// Memory and time grow with the number of edges.  Throws `std::bad_alloc` without memory.
 ///
 /// @param vertices   the places that sides and triangles number, from 0
@@ -38,7 +46,7 @@ enum class Flat { taken, refused };
 ///                   vertex fails
 /// @return false also when a corner of a triangle is not `in_range`
 bool tiles(std::span<const Point> vertices, std::span<const Side> sides,
-           std::span<const std::uint32_t> triangles, Flat flat);
+           std::span<const std::uint32_t> triangles, Flat flat, Inner inner = Inner::any);
 
 /// The sides of contours that are laid end to end over vertices numbered from 0.
 ///

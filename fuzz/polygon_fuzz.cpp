@@ -50,6 +50,27 @@ void check_mesh_layer(const Contours& contours) {
   }
 }
 
+/// Whatever rings do, they can be mended, as long as their numbers are in range and crossings few.
+void check_mended(const Contours& contours) {
+  const kzgis::Rings rings{contours.x, contours.y, contours.starts};
+  const kzgis::MeshOptions options{
+      .delaunay = contours.x.size() % 2 == 0, .split_crossings = true, .most_triangles = 5000};
+  const auto mesh = kzgis::triangulate(rings, options);
+  const auto flaws = kzgis::find_flaws(rings, 10);
+  require(flaws.size() <= 10);
+  require(flaws.empty() == kzgis::triangulate(rings).has_value());
+  if (!mesh) {
+    require(mesh.error().kind == kzgis::ErrorKind::bad_argument ||
+            (mesh.error().kind == kzgis::ErrorKind::bad_data && !contours.on_grid));
+    return;
+  }
+  Contours all = contours;
+  all.on_grid = false;
+  all.x.insert(all.x.end(), mesh->new_x.begin(), mesh->new_x.end());
+  all.y.insert(all.y.end(), mesh->new_y.begin(), mesh->new_y.end());
+  check_triangles(all, mesh->triangles.data(), mesh->triangles.size(), 0.0);
+}
+
 void check_tree(const Contours& contours) {
   std::vector<kz_ulong> starts(contours.starts.begin(), contours.starts.end());
   const KZ_GIS_PolygonTree_c tree(0, 0, 0, 0, static_cast<kz_ulong>(starts.size()), starts.data(),
@@ -77,6 +98,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   silence();
   const Contours contours = contours_of(data, size);
   check_mesh_layer(contours);
+  check_mended(contours);
   check_tree(contours);
   return 0;
 }

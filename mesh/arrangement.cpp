@@ -6,6 +6,11 @@
 // cross before the next site of either, unless in a site.  The first crossing that is in no
 // site would be one of two neighbours; so it is found before the line comes to it.
 //
+// Where crossings are looked for rather than refused, two neighbours that will cross change places
+// just before the first site behind their crossing.  Between two sites, it does not matter in which
+// order neighbours do that: whatever the order, each pair does it once, and at the next site all
+// are in the order that they have there.  So crossings need not be compared with each other.
+//
 // At a site, bundles that end there go, others begin.  One that goes on through the site stays
 // what it is, however many sides it has: sides that end in it are taken out, sides that
 // begin in its direction join it.  Taking it apart would make the time quadratic where
@@ -19,6 +24,7 @@
 #include <limits>
 #include <numeric>
 #include <optional>
+#include <queue>
 #include <set>
 #include <span>
 #include <string>
@@ -30,33 +36,49 @@ namespace kzgis::mesh {
 
 namespace {
 
+/// A polygon that cannot be taken, with a place to look at.
+Flaw flaw(std::string message, std::uint32_t ring, std::uint32_t vertex) {
+  return make_flaw(ErrorKind::bad_data, std::move(message), ring, vertex);
+}
+
+constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
+
 class Sweep {
  public:
-  explicit Sweep(const Rings& rings)
-      : sites_(rings),
-        sides_(take_sides(rings, sites_)),
-        containment_(rings.starts.size()),
+  /// @param rings           how many there are: none where containment does not count
+  /// @param most_crossings  as many are taken, and one more ends the sweep; without a number the
+  ///                        first one that is foreseen does
+  Sweep(Sites sites, std::vector<Side> sides, std::size_t rings,
+        std::optional<std::size_t> most_crossings)
+      : sites_(std::move(sites)),
+        sides_(std::move(sides)),
+        containment_(rings),
+        most_crossings_(most_crossings),
         links_(sides_.size()),
         by_left_(sorted_by(&Side::left)),
         by_right_(sorted_by(&Side::right)),
         status_(Upward{this}),
-        times_(rings.starts.size(), 0) {}
+        times_(rings, 0) {}
 
-  Result<Arrangement, Flaw> run(const Rings& rings) {
+  void run() {
     below_.assign(sites_.size(), kNone);
     const SideNumbers by_left = by_left_;
     const SideNumbers by_right = by_right_;
     std::size_t beginning = 0;
     std::size_t ending = 0;
-    for (std::uint32_t site = 0; site < sites_.size() && !crossing_; ++site) {
+    for (std::uint32_t site = 0; site < sites_.size() && !has_too_many_crossings(); ++site) {
       const std::size_t first_beginning = beginning;
       while (beginning < by_left.size() && sides_[by_left[beginning]].left == site) ++beginning;
       const std::size_t first_ending = ending;
       while (ending < by_right.size() && sides_[by_right[ending]].right == site) ++ending;
+      change_places(site);
       pass(site, by_left.subspan(first_beginning, beginning - first_beginning),
            by_right.subspan(first_ending, ending - first_ending));
     }
-    if (crossing_) return std::move(*crossing_);
+  }
+
+  Result<Arrangement, Flaw> arrangement(const Rings& rings) {
+    if (!crossings_.empty()) return crossing_flaw(sides_, crossings_.front());
     if (containment_.overlap()) return overlap();
     if (const auto repetition = containment_.repetition()) {
       return flaw("ring " + std::to_string(repetition->other) + " repeats ring " +
@@ -67,24 +89,21 @@ class Sweep {
                        std::move(containment_)};
   }
 
+  Overlay overlay() {
+    return {std::move(sites_), std::move(sides_), std::move(edges_), std::move(below_),
+            std::move(crossings_)};
+  }
+
  private:
-  /// Sides that run on top of each other.
-  struct Bundle {
-    Span line;               // from where it began to the farthest end of its sides
-    std::uint32_t first;     // of its sides; kNone when all have ended
-    std::uint32_t farthest;  // the side that ends there
-    std::uint32_t count;     // of its sides; where it is odd, they do not cancel
-    bool inside_above;
-    std::uint32_t edge;  // since the last site, if odd; else kNone
-    // An edge that has the same piece of plane above it as the bundle has.
-    std::uint32_t kept;
-    Containment::Chain chain;  // of the points just above
-    std::uint32_t rank;        // among those that come to a site, from below
+  using SideNumbers = std::span<const std::uint32_t>;
+
+  /// A place in the order along the sweep line, which a bundle takes.
+  struct Slot {
+    mutable std::uint32_t bundle;
+    Slot(std::uint32_t number) : bundle(number) {}     // NOLINT(google-explicit-constructor)
+    operator std::uint32_t() const { return bundle; }  // NOLINT(google-explicit-constructor)
   };
-  /// A side's bundle, and its neighbours there.
-  struct Link {
-    std::uint32_t bundle = kNone, next = kNone, previous = kNone;
-  };
+
   /// Order along the sweep line, from below.
   struct Upward {
     const Sweep* sweep;
@@ -99,8 +118,35 @@ class Sweep {
       return side_of(sweep->sites_, sweep->bundles_[a].line, b.site) > 0;
     }
   };
-  using Status = std::set<std::uint32_t, Upward>;
-  using SideNumbers = std::span<const std::uint32_t>;
+  using Status = std::set<Slot, Upward>;
+
+  /// Sides that run on top of each other.
+  struct Bundle {
+    Span line;               // from where it began to the farthest end of its sides
+    std::uint32_t first;     // of its sides; kNone when all have ended
+    std::uint32_t farthest;  // the side that ends there
+    std::uint32_t count;     // of its sides; where it is odd, they do not cancel
+    bool inside_above;
+    std::uint32_t edge;  // since the last site, if odd; else kNone
+    // An edge that has the same piece of plane above it as the bundle has.
+    std::uint32_t kept;
+    Containment::Chain chain;  // of the points just above
+    std::uint32_t rank;        // among those that come to a site, from below
+    bool on_line;              // whether it has a slot
+    Status::iterator slot;
+  };
+  /// A side's bundle, and its neighbours there.
+  struct Link {
+    std::uint32_t bundle = kNone, next = kNone, previous = kNone;
+  };
+  /// Two neighbours that cross before a site.
+  struct Change {
+    std::uint32_t site;
+    std::uint32_t lower, upper;
+    bool operator<(const Change& other) const { return site > other.site; }  // the next one on top
+  };
+
+  bool has_too_many_crossings() const { return crossings_.size() > most_crossings_.value_or(0); }
 
   /// The numbers of all sides, in the order of their left or right sites.
   std::vector<std::uint32_t> sorted_by(std::uint32_t Side::*end) const {
@@ -128,7 +174,7 @@ class Sweep {
     }
     for (const std::uint32_t side : ending) take_out(side);
     go_out(site, beginning);
-    if (!containment_.overlap()) {
+    if (!times_.empty() && !containment_.overlap()) {
       settle_chains(ending);
       if (containment_.overlap()) overlap_site_ = site;
     }
@@ -152,8 +198,8 @@ class Sweep {
       bundles_[*next].rank = static_cast<std::uint32_t>(coming_in_.size());
       coming_in_.push_back(*next);
     }
-    lower_ = first != status_.begin() ? *std::prev(first) : kNone;
-    upper_ = next != status_.end() ? *next : kNone;
+    lower_ = first != status_.begin() ? std::prev(first)->bundle : kNone;
+    upper_ = next != status_.end() ? next->bundle : kNone;
     return next;
   }
 
@@ -189,7 +235,8 @@ class Sweep {
     }
     const std::uint32_t bundle = free_.back();
     free_.pop_back();
-    bundles_[bundle] = {{site, site}, kNone, kNone, 0, false, kNone, kNone, kNone, kNone};
+    bundles_[bundle] = {{site, site}, kNone, kNone, 0,     false,        kNone,
+                        kNone,        kNone, kNone, false, status_.end()};
     return bundle;
   }
 
@@ -325,6 +372,7 @@ class Sweep {
         stays = place++;
       } else {
         place = status_.erase(place);
+        bundle.on_line = false;
       }
       if (bundle.first == kNone) {
         free_.push_back(number);
@@ -339,59 +387,90 @@ class Sweep {
       if (came_in && through_ == 1) {
         next = above;
       } else {
-        status_.insert(next, number);
+        bundles_[number].slot = status_.insert(next, number);
+        bundles_[number].on_line = true;
       }
     }
   }
 
-  /// Refuses the rings when two neighbours on the sweep line will cross where no site is.
-  ///
-  /// `a` is below `b` now; they cross when the one that ends first ends on the wrong side.
-  void check_crossing(std::uint32_t site, std::uint32_t a, std::uint32_t b) {
-    if (a == kNone || b == kNone || crossing_) return;
-    const Span& p = bundles_[a].line;
-    const Span& q = bundles_[b].line;
-    const bool crosses =
-        p.right < q.right ? side_of(sites_, q, p.right) > 0 : side_of(sites_, p, q.right) < 0;
-    if (!crosses || cross_in_a_site(p, q, site)) return;
-    const Side& one = sides_[bundles_[a].farthest];
-    const Side& other = sides_[bundles_[b].farthest];
-    crossing_ =
-        flaw("ring " + std::to_string(one.ring) + " crosses " +
-                 (one.ring == other.ring ? "itself" : "ring " + std::to_string(other.ring)) +
-                 " (sides from vertices " + std::to_string(one.vertex) + " and " +
-                 std::to_string(other.vertex) + ")",
-             one.ring, one.vertex);
+  /// Lets neighbours change places that cross before a site.
+  void change_places(std::uint32_t site) {
+    while (!changes_.empty() && changes_.top().site <= site && !has_too_many_crossings()) {
+      const std::uint32_t a = changes_.top().lower;
+      const std::uint32_t b = changes_.top().upper;
+      changes_.pop();
+      // Since this was foreseen, something may have come between them, or one of them ended and
+      // its number gone to another.
+      if (!bundles_[a].on_line || !bundles_[b].on_line) continue;
+      const auto lower = bundles_[a].slot;
+      const auto upper = bundles_[b].slot;
+      double crossing_x = kUnknown;
+      if (std::next(lower) != upper || !will_cross(a, b) ||
+          seen_from_crossing(bundles_[a].line, bundles_[b].line, site, crossing_x) <= 0) {
+        continue;
+      }
+      crossings_.push_back(
+          {bundles_[a].farthest, bundles_[b].farthest, bundles_[a].edge, bundles_[b].edge});
+      std::swap(lower->bundle, upper->bundle);
+      std::swap(bundles_[a].slot, bundles_[b].slot);
+      if (lower != status_.begin()) check_crossing(site - 1, *std::prev(lower), b);
+      if (std::next(upper) != status_.end()) check_crossing(site - 1, a, *std::next(upper));
+    }
   }
 
-  /// Whether two lines that cross to the right of a site do so in another site, by a binary
-  /// search for the crossing among the sites.
-  bool cross_in_a_site(const Span& p, const Span& q, std::uint32_t site) const {
+  /// Whether two bundles, `a` below `b` now, will change places: just if the one that ends first
+  /// ends on the wrong side of the other.
+  bool will_cross(std::uint32_t a, std::uint32_t b) const {
+    const Span& p = bundles_[a].line;
+    const Span& q = bundles_[b].line;
+    return p.right < q.right ? side_of(sites_, q, p.right) > 0 : side_of(sites_, p, q.right) < 0;
+  }
+
+  /// Foresees whether two neighbours on the sweep line, `a` below `b`, will cross where no site is.
+  ///
+  /// @param site  the last one that the line has passed
+  void check_crossing(std::uint32_t site, std::uint32_t a, std::uint32_t b) {
+    if (a == kNone || b == kNone || has_too_many_crossings() || !will_cross(a, b)) return;
+    const auto behind = first_site_behind_crossing(bundles_[a].line, bundles_[b].line, site);
+    if (!behind) return;
+    if (most_crossings_) {
+      changes_.push({*behind, a, b});
+    } else {
+      crossings_.push_back({bundles_[a].farthest, bundles_[b].farthest, kNone, kNone});
+    }
+  }
+
+  /// Where a site lies in the order of all sites, seen from the crossing of two lines: -1 before
+  /// it, 1 behind it, 0 in it.
+  ///
+  /// @param crossing_x  of the crossing, once a site has turned out to have it: sites above each
+  ///                    other share the answer, which may be costly
+  int seen_from_crossing(const Span& p, const Span& q, std::uint32_t site,
+                         double& crossing_x) const {
     const exact::Line one{sites_[p.left], sites_[p.right]};
     const exact::Line other{sites_[q.left], sites_[q.right]};
-    const Span& upright_last = one.a.x != one.b.x ? p : q;
-    double crossing_x = std::numeric_limits<double>::quiet_NaN();  // once it is known
+    if (sites_[site].x != crossing_x) {
+      const int order = exact::compare_with_crossing(sites_[site].x, one, other);
+      if (order != 0) return order;
+      crossing_x = sites_[site].x;
+    }
+    return side_of(sites_, one.a.x != one.b.x ? p : q, site);
+  }
+
+  /// The first site behind the crossing of two lines that cross to the right of a site; nothing
+  /// if they do so in another site.
+  std::optional<std::uint32_t> first_site_behind_crossing(const Span& p, const Span& q,
+                                                          std::uint32_t site) const {
+    double crossing_x = kUnknown;
     std::uint32_t first = site + 1;
     std::uint32_t last = std::min(p.right, q.right);
     while (first < last) {
       const std::uint32_t middle = first + (last - first) / 2;
-      // Sites above each other share their x, and the answer about it.
-      int order = sites_[middle].x == crossing_x
-                      ? 0
-                      : exact::compare_with_crossing(sites_[middle].x, one, other);
-      if (order == 0) {
-        crossing_x = sites_[middle].x;
-        order = side_of(sites_, upright_last, middle);
-      }
-      if (order == 0) return true;
+      const int order = seen_from_crossing(p, q, middle, crossing_x);
+      if (order == 0) return std::nullopt;
       (order < 0 ? first : last) = order < 0 ? middle + 1 : middle;
     }
-    return false;
-  }
-
-  /// A polygon that cannot be taken, with a place to look at.
-  static Flaw flaw(std::string message, std::uint32_t ring, std::uint32_t vertex) {
-    return make_flaw(ErrorKind::bad_data, std::move(message), ring, vertex);
+    return first;
   }
 
   Flaw overlap() const {
@@ -406,7 +485,9 @@ class Sweep {
   std::vector<Edge> edges_;
   std::vector<std::uint32_t> below_;
   Containment containment_;
-  std::optional<Flaw> crossing_;
+  std::optional<std::size_t> most_crossings_;
+  std::vector<Crossing> crossings_;
+  std::priority_queue<Change> changes_;
   std::uint32_t overlap_site_ = kNone;
 
   std::vector<Link> links_;  // of each side
@@ -428,9 +509,29 @@ class Sweep {
 
 }  // namespace
 
+Flaw crossing_flaw(std::span<const Side> sides, const Crossing& crossing) {
+  const Side& one = sides[crossing.side];
+  const Side& other = sides[crossing.other_side];
+  return flaw("ring " + std::to_string(one.ring) + " crosses " +
+                  (one.ring == other.ring ? "itself" : "ring " + std::to_string(other.ring)) +
+                  " (sides from vertices " + std::to_string(one.vertex) + " and " +
+                  std::to_string(other.vertex) + ")",
+              one.ring, one.vertex);
+}
+
 Result<Arrangement, Flaw> arrange(const Rings& rings) {
   if (auto flaw = check_rings(rings)) return std::move(*flaw);
-  return Sweep(rings).run(rings);
+  Sites sites(rings);
+  std::vector<Side> sides = take_sides(rings, sites);
+  Sweep sweep(std::move(sites), std::move(sides), rings.starts.size(), std::nullopt);
+  sweep.run();
+  return sweep.arrangement(rings);
+}
+
+Overlay overlay(Sites sites, std::vector<Side> sides, std::size_t most) {
+  Sweep sweep(std::move(sites), std::move(sides), 0, most);
+  sweep.run();
+  return sweep.overlay();
 }
 
 }  // namespace kzgis::mesh

@@ -3,7 +3,9 @@
 #ifndef KZGIS_MESH_ARRANGEMENT_H
 #define KZGIS_MESH_ARRANGEMENT_H
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "kzgis/mesh.h"
@@ -41,6 +43,34 @@ struct Arrangement {
 /// found before an overlap, and an overlap before a repetition, so that a polygon is refused for
 /// the same reason however it is turned.
 Result<Arrangement, Flaw> arrange(const Rings& rings);
+
+/// Two sides that cross where no site is, and the edges that they are part of there: kNone where
+/// sides on top of each other cancel.
+struct Crossing {
+  std::uint32_t side, other_side;
+  std::uint32_t edge, other_edge;
+};
+
+/// What `arrange` says of a crossing.
+Flaw crossing_flaw(std::span<const Side> sides, const Crossing& crossing);
+
+/// Sides put on top of each other, whatever they do.
+struct Overlay {
+  Sites sites;
+  std::vector<Side> sides;
+  std::vector<Edge> edges;  ///< as in an arrangement; `inside_above` counts if nothing crosses
+  std::vector<std::uint32_t> below;
+  std::vector<Crossing> crossings;
+};
+
+/// The same sweep over any sides, which finds all crossings instead of refusing the first.
+///
+/// After J. L. Bentley and T. A. Ottmann, "Algorithms for reporting and counting geometric
+/// intersections", IEEE Transactions on Computers C-28 (1979); O((n + k) log n) for k crossings.
+///
+/// @param sides  between the sites; their rings and vertices do not count
+/// @param most   as many crossings are looked for, and one more
+Overlay overlay(Sites sites, std::vector<Side> sides, std::size_t most);
 
 }  // namespace kzgis::mesh
 

@@ -8,11 +8,14 @@
 #include <utility>
 #include <vector>
 
+#include "exact/tiling.h"
 #include "mesh/arrangement.h"
+#include "mesh/delaunay.h"
 #include "mesh/face_sweep.h"
 #include "mesh/faces.h"
 #include "mesh/proof.h"
 #include "mesh/rings.h"
+#include "mesh/splitting.h"
 
 namespace kzgis {
 
@@ -25,20 +28,42 @@ using mesh::kNone;
 /// for a string to keep inside itself.
 Flaw no_memory() { return mesh::make_flaw(ErrorKind::out_of_memory, "out of memory"); }
 
+/// Triangles of the inside, three sites each.
+std::vector<std::uint32_t> cut(const Arrangement& arrangement, bool delaunay) {
+  std::vector<std::uint32_t> triangles;
+  for (const mesh::Face& face : mesh::take_faces(arrangement)) {
+    mesh::sweep_face(arrangement.sites, face, triangles);
+  }
+  return delaunay ? mesh::make_delaunay(arrangement, std::move(triangles)) : triangles;
+}
+
 /// Cuts a polygon into triangles, over sites until the last step: in sites, places are the same
 /// when their numbers are, which is what the proof counts by.
-Result<Mesh, Flaw> cut(const Rings& rings) {
-  const Result<Arrangement, Flaw> arranged = mesh::arrange(rings);
+Result<Mesh, Flaw> make_mesh(const Rings& rings, const MeshOptions& options) {
+  const Result<Arrangement, Flaw> arranged =
+      options.split_crossings ? mesh::split(rings, options.most_triangles) : mesh::arrange(rings);
   if (!arranged) return arranged.error();
+  // Every triangle has an edge that no other has, and at most one of its corners to itself.
+  const mesh::Sites& sites = arranged->sites;
   Mesh result;
-  for (const mesh::Face& face : mesh::take_faces(*arranged)) {
-    mesh::sweep_face(arranged->sites, face, result.triangles);
-  }
-  if (!mesh::proved(*arranged, result.triangles)) {
+  result.triangles = cut(*arranged, options.delaunay);
+  if (!mesh::proved(*arranged, result.triangles,
+                    options.delaunay ? exact::Inner::delaunay : exact::Inner::any)) {
     return mesh::make_flaw(ErrorKind::unproved,
                            "the triangles found do not tile the polygon: an error of this library");
   }
-  for (std::uint32_t& corner : result.triangles) corner = arranged->sites.vertex(corner);
+  for (std::uint32_t& corner : result.triangles) corner = sites.vertex(corner);
+  const auto own = static_cast<std::uint32_t>(rings.x.size());
+  for (std::uint32_t site = 0; site < sites.size(); ++site) {
+    if (sites.vertex(site) < own) continue;
+    const std::size_t i = sites.vertex(site) - own;
+    if (result.new_x.size() <= i) {
+      result.new_x.resize(i + 1);
+      result.new_y.resize(i + 1);
+    }
+    result.new_x[i] = sites[site].x;
+    result.new_y[i] = sites[site].y;
+  }
   return result;
 }
 
@@ -68,12 +93,39 @@ Nesting nesting_of(const mesh::Containment& containment) {
 
 }  // namespace
 
-Result<Mesh, Flaw> triangulate(const Rings& rings) {
+Result<Mesh, Flaw> triangulate(const Rings& rings, const MeshOptions& options) {
   try {
-    return cut(rings);
+    return make_mesh(rings, options);
   } catch (const std::bad_alloc&) {
     return no_memory();
   }
+}
+
+std::vector<Flaw> find_flaws(const Rings& rings, std::size_t most) {
+  std::vector<Flaw> flaws = mesh::flaws_of_numbers(rings, most);
+  if (!flaws.empty() || most == 0) return flaws;
+  mesh::Sites sites(rings);
+  std::vector<mesh::Side> sides = mesh::take_sides(rings, sites);
+  const mesh::Overlay overlay = mesh::overlay(std::move(sites), std::move(sides), most - 1);
+  for (const mesh::Crossing& crossing : overlay.crossings) {
+    flaws.push_back(mesh::crossing_flaw(overlay.sides, crossing));
+  }
+  if (!flaws.empty()) return flaws;
+  // Without the ring that an overlap or a repetition names, the next one shows.
+  std::vector<double> x(rings.x.begin(), rings.x.end());
+  std::vector<double> y(rings.y.begin(), rings.y.end());
+  while (flaws.size() < most) {
+    const Result<Arrangement, Flaw> arranged = mesh::arrange({x, y, rings.starts});
+    if (arranged) break;
+    flaws.push_back(arranged.error());
+    const auto ring = static_cast<std::size_t>(arranged.error().ring);
+    const auto first = static_cast<std::size_t>(rings.starts[ring]);
+    for (std::size_t i = first; i < mesh::end_of_ring(rings, ring); ++i) {
+      x[i] = x[first];
+      y[i] = y[first];
+    }
+  }
+  return flaws;
 }
 
 Result<Nesting, Flaw> nest(const Rings& rings) {

@@ -18,14 +18,15 @@ bool same_modulo_2(const Sites& sites, std::span<const Side> sides, std::span<co
   return exact::cancel(sites.points(), std::move(stretches), exact::Cancel::modulo_2);
 }
 
-bool proved(const Arrangement& arrangement, std::span<const std::uint32_t> triangles) {
+bool proved(const Arrangement& arrangement, std::span<const std::uint32_t> triangles,
+            exact::Inner inner) {
   std::vector<exact::Side> bounds;
   bounds.reserve(arrangement.edges.size());
   for (const Edge& edge : arrangement.edges) {
     bounds.push_back(edge.inside_above ? exact::Side{edge.left, edge.right}
                                        : exact::Side{edge.right, edge.left});
   }
-  return exact::tiles(arrangement.sites.points(), bounds, triangles, exact::Flat::refused) &&
+  return exact::tiles(arrangement.sites.points(), bounds, triangles, exact::Flat::refused, inner) &&
          same_modulo_2(arrangement.sites, arrangement.sides, arrangement.edges);
 }
 

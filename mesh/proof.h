@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <span>
 
+#include "exact/tiling.h"
 #include "mesh/arrangement.h"
 #include "mesh/rings.h"
 #include "mesh/sites.h"
@@ -29,7 +30,10 @@ bool same_modulo_2(const Sites& sites, std::span<const Side> sides, std::span<co
 /// in an odd number of triangles if it is inside by the odd-even rule, in an even number if it is
 /// not, and that these numbers are one and none as long as the sweep was right about which hand
 /// of each edge the inside lies on: that alone is taken on its word.
-bool proved(const Arrangement& arrangement, std::span<const std::uint32_t> triangles);
+///
+/// @param inner  what is to be shown of the edges between triangles besides
+bool proved(const Arrangement& arrangement, std::span<const std::uint32_t> triangles,
+            exact::Inner inner = exact::Inner::any);
 
 }  // namespace kzgis::mesh
 

@@ -86,35 +86,42 @@ std::size_t end_of_ring(const Rings& rings, std::size_t ring) {
                                         : rings.x.size();
 }
 
-std::optional<Flaw> check_rings(const Rings& rings) {
-  // So that all that a polygon is cut into can be numbered in 32 bits: sides are cut into three
-  // edges a vertex at most, since edges meet in vertices only, and each has two ends.
-  constexpr std::size_t kMost = 0x10000000;
-  if (rings.x.size() != rings.y.size() || rings.x.size() >= kMost) {
-    return make_flaw(ErrorKind::bad_argument,
-                     "x and y differ in length, or hold more than 2^28 values");
+std::vector<Flaw> flaws_of_numbers(const Rings& rings, std::size_t most) {
+  std::vector<Flaw> flaws;
+  if (rings.x.size() != rings.y.size() || rings.x.size() >= kMostVertices) {
+    flaws.push_back(make_flaw(ErrorKind::bad_argument,
+                              "x and y differ in length, or hold more than 2^28 values"));
+    return flaws;
   }
   for (std::size_t ring = 0; ring < rings.starts.size(); ++ring) {
     const std::int64_t start = rings.starts[ring];
     if (start < 0 || start > static_cast<std::int64_t>(rings.x.size()) ||
         (ring > 0 && start < rings.starts[ring - 1])) {
-      return make_flaw(ErrorKind::bad_argument,
-                       "ring " + std::to_string(ring) + " starts at vertex " +
-                           std::to_string(start) +
-                           ", before the ring in front of it or outside the coordinates",
-                       static_cast<std::int64_t>(ring), -1);
+      flaws.push_back(make_flaw(ErrorKind::bad_argument,
+                                "ring " + std::to_string(ring) + " starts at vertex " +
+                                    std::to_string(start) +
+                                    ", before the ring in front of it or outside the coordinates",
+                                static_cast<std::int64_t>(ring), -1));
+      return flaws;
     }
   }
   for (std::size_t ring = 0; ring < rings.starts.size(); ++ring) {
     for (auto i = static_cast<std::size_t>(rings.starts[ring]); i < end_of_ring(rings, ring); ++i) {
       if (exact::in_range(rings.x[i]) && exact::in_range(rings.y[i])) continue;
-      return make_flaw(ErrorKind::bad_data,
-                       "ring " + std::to_string(ring) + ", vertex " + std::to_string(i) +
-                           ": a coordinate is no number or out of range",
-                       static_cast<std::int64_t>(ring), static_cast<std::int64_t>(i));
+      if (flaws.size() >= most) return flaws;
+      flaws.push_back(make_flaw(ErrorKind::bad_data,
+                                "ring " + std::to_string(ring) + ", vertex " + std::to_string(i) +
+                                    ": a coordinate is no number or out of range",
+                                static_cast<std::int64_t>(ring), static_cast<std::int64_t>(i)));
     }
   }
-  return std::nullopt;
+  return flaws;
+}
+
+std::optional<Flaw> check_rings(const Rings& rings) {
+  std::vector<Flaw> flaws = flaws_of_numbers(rings, 1);
+  if (flaws.empty()) return std::nullopt;
+  return std::move(flaws.front());
 }
 
 std::vector<Side> take_sides(const Rings& rings, const Sites& sites) {

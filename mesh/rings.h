@@ -14,6 +14,11 @@
 
 namespace kzgis::mesh {
 
+/// There are fewer vertices than this, so that all that a polygon is cut into can be numbered in 32
+/// bits: sides are cut into three edges a vertex at most, since edges meet in vertices only, and
+/// each has two ends.
+inline constexpr std::size_t kMostVertices = 0x10000000;
+
 /// A reason why rings are refused, and where: numbers of a ring and a vertex, or -1.
 Flaw make_flaw(ErrorKind kind, std::string message, std::int64_t ring = -1,
                std::int64_t vertex = -1);
@@ -21,8 +26,13 @@ Flaw make_flaw(ErrorKind kind, std::string message, std::int64_t ring = -1,
 /// One past the last vertex of a ring.
 std::size_t end_of_ring(const Rings& rings, std::size_t ring);
 
-/// The first thing that stands in the way of working on the rings at all: arrays that do not
-/// fit each other, a coordinate out of range.
+/// What stands in the way of working on the rings at all: arrays that do not fit each other, or
+/// coordinates out of range.
+///
+/// @param most  how many flaws are looked for
+std::vector<Flaw> flaws_of_numbers(const Rings& rings, std::size_t most);
+
+/// The first of those flaws.
 std::optional<Flaw> check_rings(const Rings& rings);
 
 /// A side of a ring.

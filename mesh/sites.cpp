@@ -7,6 +7,14 @@
 
 namespace kzgis::mesh {
 
+namespace {
+
+bool before(const exact::Point& a, const exact::Point& b) {
+  return a.x != b.x ? a.x < b.x : a.y < b.y;
+}
+
+}  // namespace
+
 Sites::Sites(const Rings& rings) {
   // Vertices in front of the first ring belong to none.
   const std::size_t first =
@@ -29,6 +37,31 @@ Sites::Sites(const Rings& rings) {
     }
     site_of_[vertex] = size() - 1;
   }
+}
+
+Sites::Sites(const Sites& sites, std::vector<exact::Point> more, std::uint32_t first_vertex) {
+  std::sort(more.begin(), more.end(), before);
+  points_.reserve(sites.points_.size() + more.size());
+  vertices_.reserve(points_.capacity());
+  std::uint32_t old = 0;
+  for (const exact::Point& point : more) {
+    for (; old < sites.size() && !before(point, sites[old]); ++old) {
+      points_.push_back(sites[old]);
+      vertices_.push_back(sites.vertex(old));
+    }
+    // Whatever is at the point already stands last.
+    if (points_.empty() || before(points_.back(), point)) {
+      points_.push_back(point);
+      vertices_.push_back(first_vertex++);
+    }
+  }
+  points_.insert(points_.end(), sites.points_.begin() + old, sites.points_.end());
+  vertices_.insert(vertices_.end(), sites.vertices_.begin() + old, sites.vertices_.end());
+}
+
+std::uint32_t Sites::at(const exact::Point& place) const {
+  const auto found = std::lower_bound(points_.begin(), points_.end(), place, before);
+  return static_cast<std::uint32_t>(found - points_.begin());
 }
 
 }  // namespace kzgis::mesh

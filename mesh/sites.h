@@ -27,6 +27,16 @@ class Sites {
   /// Before: the rings have no flaw of `check_rings`.
   explicit Sites(const Rings& rings);
 
+  /// The same places and some more.
+  ///
+  /// @param more          in any order; may repeat each other and the places that are there
+  /// @param first_vertex  those that are new get vertices of their own, numbered from here in the
+  ///                      order of their places; no vertex of the caller's is known any more
+  Sites(const Sites& sites, std::vector<exact::Point> more, std::uint32_t first_vertex);
+
+  /// The site at a place, which is one.
+  std::uint32_t at(const exact::Point& place) const;
+
   std::uint32_t size() const { return static_cast<std::uint32_t>(points_.size()); }
   const exact::Point& operator[](std::uint32_t site) const { return points_[site]; }
   std::span<const exact::Point> points() const { return points_; }

@@ -1,6 +1,7 @@
 #ifndef KZGIS_MESH_H
 #define KZGIS_MESH_H
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -32,11 +33,34 @@ struct Flaw : Error {
   std::int32_t vertex = -1;
 };
 
+/// What is asked of a mesh.
+struct MeshOptions {
+  /// Constrained Delaunay triangles, the fattest there are without new vertices: of any edge
+  /// between two triangles, the corner of the one that lies off the edge is not within the circle
+  /// through the corners of the other.  Of two diagonals of four vertices on one circle, the one at
+  /// the leftmost vertex is taken, the lowest of those at the same x.
+  bool delaunay = false;
+
+  /// New vertices where sides cross, instead of a refusal.
+  ///
+  /// The polygon is then what the odd-even rule makes of the cut sides, whatever they do: rings may
+  /// cross, overlap and repeat each other.  A crossing is rounded to coordinates that doubles can
+  /// hold; no vertex of the caller's moves.  A cut side is never farther than 128 units in the last
+  /// place of the largest coordinate from where it was.
+  bool split_crossings = false;
+
+  /// What would need more new vertices, or give more triangles, is refused before the memory is
+  /// taken.
+  std::size_t most_triangles = 100'000'000;
+};
+
 /// Triangles that tile a polygon.
 struct Mesh {
   /// Three vertex numbers each, in the caller's numbering from 0, counter-clockwise, never
   /// on one line.  Where vertices coincide the first of them stands for all.
   std::vector<std::uint32_t> triangles;
+  /// Vertices that are not the caller's, numbered behind these.
+  std::vector<double> new_x, new_y;
 };
 
 /// Which ring lies in which.
@@ -46,7 +70,7 @@ struct Nesting {
   std::vector<std::int32_t> depth;
 };
 
-/// Cuts a polygon into triangles, without adding vertices.
+/// Cuts a polygon into triangles; without options, no vertex is added.
 ///
 /// Rings may touch themselves and each other, in a vertex or along edges, cross in a place
 /// where the polygon has a vertex, and have repeated vertices, spikes without area and runs of
@@ -63,8 +87,20 @@ struct Nesting {
 ///
 /// The plane sweep is that of M. I. Shamos and D. Hoey, "Geometric intersection problems"
 /// (1976), in exact arithmetic; the triangles are those of S. Hertel and K. Mehlhorn, "Fast
-/// triangulation of simple polygons" (1983).
-KZGIS_EXPORT Result<Mesh, Flaw> triangulate(const Rings& rings);
+/// triangulation of simple polygons" (1983).  Where sides are split, J. L. Bentley and
+/// T. A. Ottmann's sweep (1979) finds the crossings, and the time grows as (n + k) log n for k of
+/// them, some rounds over.
+KZGIS_EXPORT Result<Mesh, Flaw> triangulate(const Rings& rings, const MeshOptions& options = {});
+
+/// Finds what `triangulate` refuses a polygon for: places to mend.
+///
+/// Where numbers are out of range, each of them; else crossings, one for each pair of sides, about
+/// from the left to the right; where there are none, overlaps and repetitions of rings, each of
+/// which takes as long as a call of `nest`.  Throws `std::bad_alloc` without memory.
+///
+/// @param most  how many are looked for
+/// @return nothing for a polygon that can be triangulated
+KZGIS_EXPORT std::vector<Flaw> find_flaws(const Rings& rings, std::size_t most = 100);
 
 /// Finds the true containment of the rings, touching ones included; refuses what
 /// `triangulate` refuses.

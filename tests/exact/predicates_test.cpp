@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -89,6 +90,131 @@ TEST(Orientation, KeepsItsLaws) {
     ASSERT_EQ(orientation(cx, cy, ax, ay, bx, by), turn);
     ASSERT_EQ(orientation(bx, by, ax, ay, cx, cy), -turn);
   }
+}
+
+int in_circle(const std::int64_t (&p)[8], double scale) {
+  const auto s = [scale](std::int64_t v) { return static_cast<double>(v) * scale; };
+  return kzgis::exact::in_circle({s(p[0]), s(p[1])}, {s(p[2]), s(p[3])}, {s(p[4]), s(p[5])},
+                                 {s(p[6]), s(p[7])});
+}
+
+// With coordinates below 2^27 the determinant fits 128 bits.  Every other time the four points are
+// images of one in the symmetries of a circle, and the last is moved by a little or not at all.
+TEST(InCircle, AgreesWithWholeNumberArithmetic) {
+  constexpr std::uint64_t kSeed = 1934;
+  std::mt19937_64 random(kSeed);
+  int on = 0;
+  for (int i = 0; i < 20000; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << " case " << i);
+    const std::int64_t size = i % 4 < 2 ? 20 : 1 << 26;
+    const auto number = [&] {
+      return static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(2 * size)) - size;
+    };
+    std::int64_t p[8];
+    for (std::int64_t& v : p) v = number();
+    if (i % 2 == 0) {
+      const std::int64_t cx = number() / 2, cy = number() / 2, a = number() / 2, b = number() / 2;
+      const std::int64_t images[8][2] = {{a, b}, {-a, b}, {a, -b}, {-a, -b},
+                                         {b, a}, {-b, a}, {b, -a}, {-b, -a}};
+      for (int k = 0; k < 4; ++k) {
+        const auto& image = images[random() % 8];
+        p[2 * k] = cx + image[0];
+        p[2 * k + 1] = cy + image[1];
+      }
+      p[6] += static_cast<std::int64_t>(random() % 3) - 1;
+    }
+    const auto turn = [&](int a, int b, int c) {
+      return Wide{p[2 * a] - p[2 * c]} * (p[2 * b + 1] - p[2 * c + 1]) -
+             Wide{p[2 * a + 1] - p[2 * c + 1]} * (p[2 * b] - p[2 * c]);
+    };
+    if (turn(0, 1, 2) <= 0) continue;
+    Wide determinant = 0;
+    for (int k = 0; k < 3; ++k) {
+      const std::int64_t dx = p[2 * k] - p[6], dy = p[2 * k + 1] - p[7];
+      determinant += (Wide{dx} * dx + Wide{dy} * dy) * turn((k + 1) % 3, (k + 2) % 3, 3);
+    }
+    on += determinant == 0;
+    for (const double scale : {1.0, 0x1p-470, 0x1p+440}) {
+      ASSERT_EQ(in_circle(p, scale), sign(determinant));
+    }
+  }
+  EXPECT_GT(on, 300);
+}
+
+// The circle through (5, 0), (3, 4), (-3, 4) about the origin: differences from a point a hair
+// beside (0, -5) fit no double.
+TEST(InCircle, SeparatesTheDoublesOnBothSidesOfACircle) {
+  const auto place = [](double x, double y) {
+    return kzgis::exact::in_circle({5.0, 0.0}, {3.0, 4.0}, {-3.0, 4.0}, {x, y});
+  };
+  for (const double hair : {0x1p-60, 0x1p-400}) {
+    EXPECT_EQ(place(0.0, -5.0), 0);
+    EXPECT_EQ(place(hair, -5.0), -1);
+    EXPECT_EQ(place(-4.0, std::nextafter(-3.0, 0.0)), 1);
+    EXPECT_EQ(place(-4.0, std::nextafter(-3.0, -4.0)), -1);
+  }
+}
+
+// Stretches with whole ends, whose crossing is a quotient of 64-bit numbers, far below the bits of
+// doubles: multiplied out, the distance is less than one last place of the largest coordinate.
+TEST(Crossing, IsWithinALastPlaceAndBetweenTheEnds) {
+  constexpr std::uint64_t kSeed = 1979;
+  std::mt19937_64 random(kSeed);
+  int crossed = 0;
+  for (int i = 0; i < 60000; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << " case " << i);
+    const std::int64_t size = i % 3 == 0 ? 30 : 1 << 24;
+    const auto number = [&] {
+      return static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(2 * size)) - size;
+    };
+    std::int64_t ax = number(), ay = number(), bx = number(), by = number();
+    std::int64_t cx = number(), cy = number(), dx = number(), dy = number();
+    if (i % 3 == 1) {  // almost parallel
+      const std::int64_t few = 5;
+      cx = ax + static_cast<std::int64_t>(random() % few) - 2;
+      cy = ay + static_cast<std::int64_t>(random() % few) - 2;
+      dx = bx + static_cast<std::int64_t>(random() % few) - 2;
+      dy = by + static_cast<std::int64_t>(random() % few) - 2;
+    }
+    const auto turn = [](std::int64_t px, std::int64_t py, std::int64_t qx, std::int64_t qy,
+                         std::int64_t rx, std::int64_t ry) {
+      return Wide{px - rx} * (qy - ry) - Wide{py - ry} * (qx - rx);
+    };
+    const Wide c_side = turn(ax, ay, bx, by, cx, cy), d_side = turn(ax, ay, bx, by, dx, dy);
+    const Wide a_side = turn(cx, cy, dx, dy, ax, ay), b_side = turn(cx, cy, dx, dy, bx, by);
+    if (sign(c_side) * sign(d_side) >= 0 || sign(a_side) * sign(b_side) >= 0) continue;
+    ++crossed;
+    for (const double scale : {1.0, 0x1p-470, 0x1p+440}) {
+      const auto s = [scale](std::int64_t v) { return static_cast<double>(v) * scale; };
+      const kzgis::exact::Point p = kzgis::exact::crossing(Line{{s(ax), s(ay)}, {s(bx), s(by)}},
+                                                           Line{{s(cx), s(cy)}, {s(dx), s(dy)}});
+      // x = ax + (bx - ax) a_side / (a_side - b_side): held against it in units of 2^-52 of `unit`,
+      // a power of two above all coordinates.
+      const auto check = [&](double got, std::int64_t start, std::int64_t end, std::int64_t other,
+                             std::int64_t last) {
+        const double unscaled = got / scale;
+        ASSERT_LE(unscaled,
+                  static_cast<double>(std::min(std::max(start, end), std::max(other, last))));
+        ASSERT_GE(unscaled,
+                  static_cast<double>(std::max(std::min(start, end), std::min(other, last))));
+        const auto whole = static_cast<std::int64_t>(std::floor(unscaled));
+        const double fraction = unscaled - std::floor(unscaled);
+        // (whole + fraction - start) * w - (end - start) * a_side, in pieces that fit.
+        const Wide w = a_side - b_side;
+        const Wide rough = Wide{whole - start} * w - Wide{end - start} * a_side;
+        const double error = (static_cast<double>(rough) + fraction * static_cast<double>(w)) /
+                             static_cast<double>(w);
+        const std::int64_t largest =
+            std::max({std::abs(ax), std::abs(bx), std::abs(cx), std::abs(dx), std::abs(ay),
+                      std::abs(by), std::abs(cy), std::abs(dy)});
+        const double last_place = std::ldexp(1.0, std::ilogb(static_cast<double>(largest)) - 52);
+        ASSERT_LE(std::fabs(error), last_place * 1.01);
+      };
+      check(p.x, ax, bx, cx, dx);
+      check(p.y, ay, by, cy, dy);
+    }
+  }
+  EXPECT_GT(crossed, 5000);
 }
 
 // Lines through whole points and x from all over, and right at the crossing: with whole

@@ -97,4 +97,22 @@ TEST(Tiles, NotWithCoordinatesThatCannotBeJudged) {
 
 TEST(Tiles, NothingTilesAContourOfTwo) { EXPECT_TRUE(tiles({2}, kVertices, {})); }
 
+// A kite: the short diagonal is Delaunay, the long one is not, and where all four corners lie on a
+// circle both are.
+TEST(Tiles, DelaunayWhereNoCornerIsInTheCircleOfTheNext) {
+  const std::vector<Point> kite{{0.0, 0.0}, {5.0, -1.0}, {10.0, 0.0}, {5.0, 1.0}};
+  const std::vector<Point> square{{0.0, 0.0}, {2.0, 0.0}, {2.0, 2.0}, {0.0, 2.0}};
+  const auto sides = kzgis::exact::sides_of_contours(kSquare);
+  const auto delaunay = [&sides](const std::vector<Point>& places, const Triangles& triangles) {
+    return kzgis::exact::tiles(places, sides, triangles, Flat::refused,
+                               kzgis::exact::Inner::delaunay);
+  };
+  EXPECT_TRUE(delaunay(kite, {0, 1, 3, 1, 2, 3}));
+  EXPECT_FALSE(delaunay(kite, {0, 1, 2, 0, 2, 3}));
+  EXPECT_TRUE(tiles(kSquare, kite, {0, 1, 2, 0, 2, 3}));
+  EXPECT_TRUE(delaunay(square, {0, 1, 3, 1, 2, 3}));
+  EXPECT_TRUE(delaunay(square, {0, 1, 2, 0, 2, 3}));
+  EXPECT_FALSE(delaunay(square, {0, 1, 3}));
+}
+
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include "kzgis/polytree.h"
 
+#include <new>
+#include <numeric>
 #include <set>
 #include <string>
 #include <thread>
@@ -214,6 +216,21 @@ long kind_of_nesting(const kzgis::Rings& rings) {
   return 100 + nesting.depth.back();
 }
 
+long kind_of_mended(const kzgis::Rings& rings) {
+  const auto mesh = kzgis::triangulate(rings, {.delaunay = true, .split_crossings = true});
+  if (!mesh) return static_cast<long>(mesh.error().kind);
+  return 100 + static_cast<long>(mesh->triangles.size() + mesh->new_x.size());
+}
+
+/// A list has no room for the news that there is no memory for it.
+long count_flaws(const kzgis::Rings& rings) {
+  try {
+    return 100 + static_cast<long>(kzgis::find_flaws(rings).size());
+  } catch (const std::bad_alloc&) {
+    return static_cast<long>(kzgis::ErrorKind::out_of_memory);
+  }
+}
+
 std::vector<Operation> meshes() {
   static const kzgis::Rings rings{kX, kY, kRingStarts};
   // A bow tie: its sides cross.
@@ -221,10 +238,25 @@ std::vector<Operation> meshes() {
   static constexpr double kTieY[] = {0, 9, 0, 9};
   static constexpr kz_long kTieStart[] = {0};
   static const kzgis::Rings tie{kTieX, kTieY, kTieStart};
+  // So smooth that its triangles are not flipped one by one.
+  static const std::vector<double> curve_x = [] {
+    std::vector<double> x(500);
+    std::iota(x.begin(), x.end(), 0.0);
+    return x;
+  }();
+  static const std::vector<double> curve_y = [] {
+    std::vector<double> y;
+    for (const double x : curve_x) y.push_back(x * x);
+    return y;
+  }();
+  static const kzgis::Rings curve{curve_x, curve_y, kTieStart};
   const long no_memory = static_cast<long>(ErrorKind::out_of_memory);
   return {
       {"triangulate", 20, {no_memory}, [] { return kind_of(rings); }},
       {"triangulate_Refused", 5, {no_memory}, [] { return kind_of(tie); }},
+      {"triangulate_Mended", 20, {no_memory}, [] { return kind_of_mended(tie); }},
+      {"triangulate_FromScratch", 20, {no_memory}, [] { return kind_of_mended(curve); }},
+      {"find_flaws", 5, {no_memory}, [] { return count_flaws(tie); }},
       {"nest", 20, {no_memory}, [] { return kind_of_nesting(rings); }},
       {"nest_Refused", 5, {no_memory}, [] { return kind_of_nesting(tie); }},
   };

@@ -175,6 +175,8 @@ std::string mesh_polygons() {
     const kzgis::Rings rings{record.x, record.y, record.starts};
     put(os, nested(rings).depth);
     put(os, meshed(rings).triangles);
+    put(os, kzgis::triangulate(rings, {.delaunay = true, .split_crossings = true})->triangles);
+    os << kzgis::find_flaws(rings).size();
   }
   return os.str();
 }

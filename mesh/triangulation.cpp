@@ -1,0 +1,54 @@
+// Finding the neighbours of triangles, and changing them.
+
+#include "mesh/triangulation.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace kzgis::mesh {
+
+Triangulation::Triangulation(std::vector<std::uint32_t> corners)
+    : corners_(std::move(corners)), twins_(corners_.size(), kNone) {
+  // Half-edges stand in one list for each of their lower ends, and wait there for their twins: the
+  // lists are short, and nothing is sorted.
+  std::uint32_t points = 0;
+  for (const std::uint32_t corner : corners_) points = std::max(points, corner + 1);
+  std::vector<std::uint32_t> first(points, kNone);
+  std::vector<std::uint32_t> waiting(corners_.size(), kNone);
+  for (std::uint32_t h = 0; h < size(); ++h) {
+    std::uint32_t* link = &first[std::min(from(h), to(h))];
+    while (*link != kNone && (from(*link) != to(h) || to(*link) != from(h))) link = &waiting[*link];
+    if (*link == kNone) {
+      *link = h;
+    } else {
+      join(h, *link);
+      *link = waiting[*link];
+    }
+  }
+}
+
+void Triangulation::flip(std::uint32_t h) {
+  const std::uint32_t g = twins_[h];
+  const std::uint32_t h_apex = apex(h);
+  const std::uint32_t g_apex = apex(g);
+  corners_[h] = g_apex;
+  corners_[g] = h_apex;
+  join(h, twins_[previous(g)]);
+  join(g, twins_[previous(h)]);
+  join(previous(h), previous(g));
+}
+
+std::uint32_t Triangulation::add(std::uint32_t a, std::uint32_t b, std::uint32_t c) {
+  const std::uint32_t h = size();
+  corners_.insert(corners_.end(), {a, b, c});
+  twins_.insert(twins_.end(), 3, kNone);
+  return h;
+}
+
+void Triangulation::join(std::uint32_t h, std::uint32_t g) {
+  if (h != kNone) twins_[h] = g;
+  if (g != kNone) twins_[g] = h;
+}
+
+}  // namespace kzgis::mesh
