@@ -122,18 +122,18 @@ class Sweep {
 
   /// Sides that run on top of each other.
   struct Bundle {
-    Span line;               // from where it began to the farthest end of its sides
-    std::uint32_t first;     // of its sides; kNone when all have ended
-    std::uint32_t farthest;  // the side that ends there
-    std::uint32_t count;     // of its sides; where it is odd, they do not cancel
-    bool inside_above;
-    std::uint32_t edge;  // since the last site, if odd; else kNone
+    Span line;                       // from where it began to the farthest end of its sides
+    std::uint32_t first = kNone;     // of its sides; none when all have ended
+    std::uint32_t farthest = kNone;  // the side that ends there
+    std::uint32_t count = 0;         // of its sides; where it is odd, they do not cancel
+    bool inside_above = false;
+    std::uint32_t edge = kNone;  // since the last site, if odd
     // An edge that has the same piece of plane above it as the bundle has.
-    std::uint32_t kept;
-    Containment::Chain chain;  // of the points just above
-    std::uint32_t rank;        // among those that come to a site, from below
-    bool on_line;              // whether it has a slot
-    Status::iterator slot;
+    std::uint32_t kept = kNone;
+    Containment::Chain chain = kNone;  // of the points just above
+    std::uint32_t rank = kNone;        // among those that come to a site, from below
+    bool on_line = false;              // whether it has a slot
+    Status::iterator slot{};
   };
   /// A side's bundle, and its neighbours there.
   struct Link {
@@ -235,8 +235,8 @@ class Sweep {
     }
     const std::uint32_t bundle = free_.back();
     free_.pop_back();
-    bundles_[bundle] = {{site, site}, kNone, kNone, 0,     false,        kNone,
-                        kNone,        kNone, kNone, false, status_.end()};
+    bundles_[bundle] = {};
+    bundles_[bundle].line = {site, site};
     return bundle;
   }
 

@@ -61,14 +61,14 @@ class Containment {
 
  private:
   struct Group {
-    std::uint32_t place;
-    std::uint32_t size;
+    std::uint32_t place = kNone;
+    std::uint32_t size = 0;
     std::uint32_t crossed = 0;     // how many of its rings the step at hand crosses
     std::uint32_t parted = kNone;  // the group that these make up now
   };
   struct Place {
-    std::uint32_t parent;
-    std::uint32_t group;
+    std::uint32_t parent = kNone;
+    std::uint32_t group = kNone;
     std::uint32_t entering = kNone;  // a place below it, entered in the step at hand
   };
 

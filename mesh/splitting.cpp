@@ -147,6 +147,7 @@ Result<Arrangement, Flaw> split(const Rings& rings, std::size_t most) {
     if (!same_modulo_2(overlaid.sites, overlaid.sides, overlaid.edges)) break;
     const std::vector<Cut> cuts = Cutter(overlaid, snap * unit).cuts();
     std::vector<exact::Point> places;
+    places.reserve(cuts.size());
     for (const Cut& cut : cuts) places.push_back(cut.place);
     sites = Sites(overlaid.sites, std::move(places),
                   static_cast<std::uint32_t>(rings.x.size() + overlaid.sites.size() - own));

@@ -11,7 +11,7 @@ namespace kzgis::mesh {
 
 /// A straight line from a left site to a right one.
 struct Span {
-  std::uint32_t left, right;
+  std::uint32_t left = kNone, right = kNone;
 };
 
 /// Where a site lies that the sweep line has come to, seen from a side that the line crosses:

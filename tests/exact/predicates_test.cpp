@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <random>
@@ -116,20 +117,20 @@ TEST(InCircle, AgreesWithWholeNumberArithmetic) {
       const std::int64_t cx = number() / 2, cy = number() / 2, a = number() / 2, b = number() / 2;
       const std::int64_t images[8][2] = {{a, b}, {-a, b}, {a, -b}, {-a, -b},
                                          {b, a}, {-b, a}, {b, -a}, {-b, -a}};
-      for (int k = 0; k < 4; ++k) {
+      for (std::size_t k = 0; k < 4; ++k) {
         const auto& image = images[random() % 8];
         p[2 * k] = cx + image[0];
         p[2 * k + 1] = cy + image[1];
       }
       p[6] += static_cast<std::int64_t>(random() % 3) - 1;
     }
-    const auto turn = [&](int a, int b, int c) {
+    const auto turn = [&](std::size_t a, std::size_t b, std::size_t c) {
       return Wide{p[2 * a] - p[2 * c]} * (p[2 * b + 1] - p[2 * c + 1]) -
              Wide{p[2 * a + 1] - p[2 * c + 1]} * (p[2 * b] - p[2 * c]);
     };
     if (turn(0, 1, 2) <= 0) continue;
     Wide determinant = 0;
-    for (int k = 0; k < 3; ++k) {
+    for (std::size_t k = 0; k < 3; ++k) {
       const std::int64_t dx = p[2 * k] - p[6], dy = p[2 * k + 1] - p[7];
       determinant += (Wide{dx} * dx + Wide{dy} * dy) * turn((k + 1) % 3, (k + 2) % 3, 3);
     }

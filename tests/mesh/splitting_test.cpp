@@ -318,6 +318,7 @@ TEST(SplitCrossings, KeepsToTheSides) {
 TEST(SplitCrossings, RefusesMoreCrossingsThanItMayMend) {
   Polygon star;
   std::vector<std::pair<double, double>> ring;
+  ring.reserve(101);
   for (int i = 0; i < 101; ++i) ring.emplace_back((i * 37) % 101, (i * i) % 101);
   star.add(ring);
   const auto refused =
