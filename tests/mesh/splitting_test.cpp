@@ -226,9 +226,10 @@ Polygon tangle(int kind, std::mt19937_64& random) {
         case 3:
           ring.emplace_back(whole(1000000), whole(1000000));
           break;
-        case 4: {  // along one line, a few last places off it
+        case 4: {  // along one line, some last places off it
+          constexpr double kOff[] = {1e-12, 1e-11, 1e-10};
           const double x = whole(3);
-          ring.emplace_back(x / 3.0, 1e3 + 0.3 * x + whole(3) * 1e-12);
+          ring.emplace_back(x / 3.0, 1e3 + 0.3 * x + whole(3) * kOff[random() % 3]);
           break;
         }
         default:
