@@ -55,8 +55,10 @@ Sites::Sites(const Sites& sites, std::vector<exact::Point> more, std::uint32_t f
       vertices_.push_back(first_vertex++);
     }
   }
-  points_.insert(points_.end(), sites.points_.begin() + old, sites.points_.end());
-  vertices_.insert(vertices_.end(), sites.vertices_.begin() + old, sites.vertices_.end());
+  for (; old < sites.size(); ++old) {
+    points_.push_back(sites[old]);
+    vertices_.push_back(sites.vertex(old));
+  }
 }
 
 std::uint32_t Sites::at(const exact::Point& place) const {
