@@ -203,10 +203,28 @@ def write_charts():
         write(f"corpus/chart/{name}", data + struct.pack("<3d", 41, 12, 0))
 
 
+def write_terrain():
+    """Columns, tolerance and scale, then a byte for each elevation (fuzz/terrain_fuzz.cpp)."""
+    void = 0xFF
+
+    def terrain(name, columns, tolerance, scale, elevation, rows=20):
+        cells = bytes(elevation(row, column) for row in range(rows) for column in range(columns))
+        write(f"corpus/terrain/{name}", bytes([columns - 1, tolerance, scale]) + cells)
+
+    terrain("bowl", 20, 4, 0, lambda row, column: ((row - 9) ** 2 + (column - 11) ** 2) // 2)
+    terrain("plane", 15, 1, 0, lambda row, column: 100 + 3 * row - column)
+    terrain("noise", 30, 0, 1, lambda row, column: (row * 7919 + column * 104729) % 251)
+    terrain("sizes", 12, 9, 2, lambda row, column: (row * 7919 + column * 104729) % 251)
+    terrain("spikes", 40, 2, 3, lambda row, column: 255 if row * column % 17 == 1 else row * column % 5 * 50)
+    terrain("holes", 12, 3, 0, lambda row, column: void if row == column and row % 2 else 10 * (row % 3))
+    terrain("ribbon", 2, 1, 0, lambda row, column: (row + column) % 2 * row, rows=120)
+
+
 def main():
     write_charts()
     write_banks()
     write_elevations()
+    write_terrain()
     for name, (shp, shx) in {"polygons": POLYGONS, "lines": LINES, "points": POINTS,
                              "multi": MULTI, "measured": MEASURED, "empty": shapefile(5, [])}.items():
         write(f"corpus/shapefile/{name}", struct.pack("<H", len(shp)) + shp + shx)

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "kzgis/elevation.h"
+#include "kzgis/terrain.h"
 #include "memory/failing.h"
 
 namespace {
@@ -184,6 +185,11 @@ long kind_of(const kzgis::Result<kzgis::ElevationGrid>& grid) {
   return 100 + static_cast<long>(grid->elevations.size());
 }
 
+long kind_of(const kzgis::Result<kzgis::Terrain>& terrain) {
+  if (!terrain) return static_cast<long>(terrain.error().kind);
+  return 100 + static_cast<long>(terrain->triangles.size());
+}
+
 std::vector<Operation> grids() {
   using kzgis::ErrorKind;
   static const std::string path(kElevations);
@@ -203,6 +209,14 @@ std::vector<Operation> grids() {
        1,
        {no_memory},
        [] { return kind_of(kzgis::read_dem(std::span(bytes).first(100), kText)); }},
+      {"triangulate_terrain",
+       40,
+       {no_memory},
+       [] { return kind_of(kzgis::triangulate_terrain(whole, 20.0)); }},
+      {"triangulate_terrain_Whole",
+       10,
+       {no_memory},
+       [] { return kind_of(kzgis::triangulate_terrain(whole, 0.0)); }},
       {"ElevationGrid",
        0,
        {},

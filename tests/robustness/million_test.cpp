@@ -1,5 +1,6 @@
-// A polygon of a million vertices, on a thread with a stack of 256 KiB: nothing recurses by
-// the size of its input, and memory stays below a stated number of bytes per vertex.
+// A polygon of a million vertices, and a grid of elevations, on a thread with a stack of 256 KiB:
+// nothing recurses by the size of its input, and memory stays below a stated number of bytes per
+// vertex or elevation.
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -14,6 +15,7 @@
 
 #include "kzgis/polytree.h"
 #include "kzgis/shape.h"
+#include "kzgis/terrain.h"
 #include "kzgis/triangulate.h"
 #include "robustness/process_memory.h"
 #include "shape/shapefile_writer.h"
@@ -65,19 +67,19 @@ struct Input {
   }
 };
 
+void report(const char* what, std::size_t bytes, std::size_t limit) {
+  std::printf("%s: %zu bytes per vertex\n", what, bytes);
+  if (kMemoryIsTheProgramsOwn) {
+    EXPECT_LE(bytes, limit) << what;
+  }
+}
+
 class MillionVertices : public testing::Test {
  protected:
   std::mt19937_64 random_{20030417};
   Input spiral_{transformed(spiral(kManyVertices, random_), 5, -3, 3, 5)};
   // A comb's teeth make long monotone chains and deep query structures.
   Input comb_{comb(kManyVertices, random_)};
-
-  static void report(const char* what, std::size_t bytes, std::size_t limit) {
-    std::printf("%s: %zu bytes per vertex\n", what, bytes);
-    if (kMemoryIsTheProgramsOwn) {
-      EXPECT_LE(bytes, limit) << what;
-    }
-  }
 };
 
 TEST_F(MillionVertices, AreTriangulatedByTheMesh) {
@@ -151,6 +153,25 @@ TEST_F(MillionVertices, AreReadFromAShapefile) {
   std::free(x);
   std::free(y);
   report("KZ_GIS_ESRI_Shape_c", bytes, 20);  // the coordinates, and little more
+}
+
+TEST(QuarterMillionElevations, AreCoveredByTriangles) {
+  // Noise, of which nearly every point is wanted: the most that there can be to do.
+  std::mt19937_64 random(20030417);
+  kzgis::ElevationGrid grid;
+  grid.rows = grid.columns = kManyVertices >= 1000000 ? 500 : 100;
+  grid.step_x = grid.step_y = 1.0;
+  for (kz_long i = 0; i < grid.rows * grid.columns; ++i) {
+    grid.elevations.push_back(static_cast<float>(random() % 1000000));
+  }
+  for (const double tolerance : {0.0, 1.0}) {
+    const std::size_t bytes = bytes_per_vertex(grid.elevations.size(), [&grid, tolerance] {
+      const auto terrain = kzgis::triangulate_terrain(grid, tolerance);
+      ASSERT_TRUE(terrain) << terrain.error().message;
+      EXPECT_GT(terrain->x.size(), grid.elevations.size() / 10 * 9);
+    });
+    report("kzgis::triangulate_terrain", bytes, 300);
+  }
 }
 
 }  // namespace

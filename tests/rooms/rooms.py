@@ -17,7 +17,7 @@ BELOW = {
     "exact": set(),
     "coords": set(),
     "projection": {"coords", "platform"},
-    "mesh": {"exact"},
+    "mesh": {"dem", "exact"},
     "chart": {"projection", "mesh", "exact"},
     "shape": {"platform"},
     "worldmap": {"coords", "platform"},

@@ -22,6 +22,7 @@
 #include "kzgis/polytree.h"
 #include "kzgis/projection.h"
 #include "kzgis/shapefile.h"
+#include "kzgis/terrain.h"
 #include "kzgis/triangulate.h"
 #include "kzgis/utdate.h"
 #include "support/meshed.h"
@@ -167,6 +168,18 @@ std::string read_grid() {
   return os.str();
 }
 
+std::string cover_terrain() {
+  std::ostringstream os;
+  const kzgis::ElevationGrid grid = kzgis::read_dem(kElevations).value();
+  for (const double tolerance : {0.0, 5.0, 20.0}) {
+    const kzgis::Terrain terrain = kzgis::triangulate_terrain(grid, tolerance).value();
+    put(os, terrain.z);
+    put(os, terrain.triangles);
+  }
+  os << kzgis::triangulate_terrain(grid, -1.0).error().message;
+  return os.str();
+}
+
 std::string mesh_polygons() {
   std::ostringstream os;
   PolygonLayer layer("ne_50m_lakes_with_islands");
@@ -269,6 +282,7 @@ class Threads : public BankTest {
             compute_positions,
             read_profiles,
             read_grid,
+            cover_terrain,
             mesh_polygons,
             nest_polygons,
             compare_points,

@@ -5,6 +5,7 @@
 #include <kzgis/latlon.h>
 #include <kzgis/projection.h>
 #include <kzgis/shape.h>
+#include <kzgis/terrain.h>
 
 #include <iostream>
 
@@ -18,6 +19,7 @@ int main() {
   if (none.ShapeFileIsOpen() != 0) return 1;
   if (DEM_LogicalRecord().fetchElevations() != nullptr) return 1;
   if (kzgis::read_dem("none")) return 1;
+  if (kzgis::triangulate_terrain({}, -1.0)) return 1;
   std::cout << LatLon(324000L, -36000L) << '\n';
   // A quarter of a turn on the default globe.
   return x > 10018538.0 && x < 10018540.0 ? 0 : 1;
