@@ -17,6 +17,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/mesh_files/mesh_part.h"
+#include "tools/mesh_files/mesh_writer.h"
 #include "tools/support/command_error.h"
 #include "tools/support/number_text.h"
 #include "tools/support/output_file.h"
@@ -27,8 +29,6 @@
 #include "tools/support/report.h"
 #include "tools/support/shape_file.h"
 #include "tools/triangulate/mesh_projector.h"
-#include "tools/triangulate/mesh_writer.h"
-#include "tools/triangulate/record_mesh.h"
 
 namespace kzgis::tools {
 
@@ -78,8 +78,10 @@ void parse_records(const std::string& text, Options& options) {
 }
 
 const OutputFormats<MeshFormat>& formats() {
-  static const OutputFormats<MeshFormat> known{{"obj", MeshFormat::obj},
+  static const OutputFormats<MeshFormat> known{{"glb", MeshFormat::glb},
+                                               {"stl", MeshFormat::stl},
                                                {"ply", MeshFormat::ply},
+                                               {"obj", MeshFormat::obj},
                                                {"geojson", MeshFormat::geojson},
                                                {"svg", MeshFormat::svg},
                                                {"png", MeshFormat::png}};
@@ -171,7 +173,7 @@ int run(const Options& options) {
       totals.rings += record.parts.size();
       totals.triangles += mesh.triangles.size() / 3;
       totals.area += layer_area;
-      if (writer) writer->add(make_record_mesh(number, points, mesh.triangles));
+      if (writer) writer->add(make_mesh_part(number, points, mesh.triangles));
     };
     const RecordTally tally =
         walk_records(shapes, options.input, range, progress, complaints.receiver(), use);

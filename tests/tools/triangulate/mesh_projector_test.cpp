@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tools/support/projection_options.h"
-#include "tools/triangulate/record_mesh.h"
+#include "tools/mesh_files/mesh_part.h"
 
 namespace kzgis::tools {
 namespace {
