@@ -128,7 +128,8 @@ def every_type(tmp):
                    pictures.setdefault(flat, picture))
             if flat == 5:
                 expect(what + ": triangulate", run("triangulate", file, "--check"),
-                       (0, b"2 records, 2 rings, 4 triangles, area 8; 0 refused, 0 null\n", ""))
+                       (0, b"2 records, 2 rings, 4 triangles, area 8; 0 refused, 0 null\n"
+                           b"least angle 45 degrees, median 45\n", ""))
             if flat in (3, 5):
                 bank = pack(file, tmp / f"bank_{kind}_{index}")
                 expect(what + ": pack", (bank[0], bank[2]), (0, ""))
@@ -194,7 +195,8 @@ def damaged_records(tmp):
         said = f"kzgis: {line}\n"
         expect(f"{damage}: map", draw(file), (1, picture[1], said))
         expect(f"{damage}: triangulate", run("triangulate", file, "--check"),
-               (1, b"2 records, 2 rings, 4 triangles, area 8; 1 refused, 0 null\n", said))
+               (1, b"2 records, 2 rings, 4 triangles, area 8; 1 refused, 0 null\n"
+                   b"least angle 45 degrees, median 45\n", said))
         expect(f"{damage}: pack", pack(file, tmp / f"bank_{number}"), (1, bank[1], said))
         code, document = info(file)
         expect(f"{damage}: info", (code, document["errors"]), (1, [line]))

@@ -56,10 +56,7 @@ Labels::Source<Value> Labels::source(const std::string& text, const char* option
   result.field = text.substr(1);
   if (!attributes_) {
     attributes_.emplace(file_);
-    if (std::cmp_not_equal(attributes_->count(), records_)) {
-      throw CommandError(attributes_->name() + ": holds " + std::to_string(attributes_->count()) +
-                         " rows for " + std::to_string(records_) + " records");
-    }
+    attributes_->expect_rows(records_);
   }
   const std::optional<int> column = attributes_->field(result.field);
   if (!column) {

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/pack/attributes.h"
+#include "tools/support/attributes.h"
 
 namespace kzgis::tools {
 

@@ -65,7 +65,10 @@ std::vector<bool> rings_at_west_end(const Rings& rings) {
 
 /// The mesh of some of the rings, with the vertex numbers of all; on a flaw, the ring's number
 /// is right and the vertex's is not.
-Result<Mesh, Flaw> triangulate_some(const Rings& rings, const std::vector<bool>& chosen) {
+///
+/// @param first_new  the number that the first new vertex gets
+Result<Mesh, Flaw> triangulate_some(const Rings& rings, const std::vector<bool>& chosen,
+                                    const MeshOptions& options, std::size_t first_new) {
   std::vector<double> x;
   std::vector<double> y;
   std::vector<std::int32_t> starts;
@@ -79,8 +82,11 @@ Result<Mesh, Flaw> triangulate_some(const Rings& rings, const std::vector<bool>&
       number.push_back(static_cast<std::uint32_t>(v));
     }
   }
-  auto mesh = triangulate({x, y, starts});
+  auto mesh = triangulate({x, y, starts}, options);
   if (mesh) {
+    for (std::size_t i = 0; i < mesh->new_x.size(); ++i) {
+      number.push_back(static_cast<std::uint32_t>(first_new + i));
+    }
     for (std::uint32_t& vertex : mesh->triangles) vertex = number[vertex];
   }
   return mesh;
@@ -99,15 +105,31 @@ double twice_area(const Rings& rings, std::size_t ring) {
 MeshProjector::MeshProjector(const Chart& chart)
     : chart_(chart), from_base_(with_base_meridian_0(chart)) {}
 
-std::string MeshProjector::project(const Rings& rings, Mesh& mesh,
-                                   std::vector<WorldPoint>& points) const {
+Error MeshProjector::project(const Rings& rings, const MeshOptions& options, Mesh& mesh,
+                             std::vector<WorldPoint>& points) const {
   points.assign(rings.x.size(), {});
   for (std::size_t r = 0; r < rings.starts.size(); ++r) {
     std::string reason = project_ring(rings, r, points);
-    if (!reason.empty()) return reason;
+    if (!reason.empty()) return {ErrorKind::bad_argument, std::move(reason)};
   }
-  if (chart_.type() == GlobeProj) return {};
+  if (is_flat()) return make_flat(rings, options, mesh, points);
+  // The globe is whole: no side of a seam to keep to.
+  constexpr double kAnywhere = 0.0;
+  for (std::size_t i = 0; i < mesh.new_x.size(); ++i) {
+    points.emplace_back();
+    if (!project_point(mesh.new_x[i], mesh.new_y[i], kAnywhere, points.back())) {
+      return {ErrorKind::bad_argument,
+              "the projection has no place for " + pair_text(mesh.new_x[i], mesh.new_y[i])};
+    }
+  }
+  return {};
+}
 
+/// Gives the projected rings a mesh of their own.
+///
+/// @param points  those of the rings; the mesh's new vertices are put behind them
+Error MeshProjector::make_flat(const Rings& rings, const MeshOptions& options, Mesh& mesh,
+                               std::vector<WorldPoint>& points) {
   std::vector<double> x;
   std::vector<double> y;
   for (const WorldPoint& point : points) {
@@ -118,7 +140,8 @@ std::string MeshProjector::project(const Rings& rings, Mesh& mesh,
   for (std::size_t r = 0; r < rings.starts.size(); ++r) {
     // A ring about the point opposite to the base comes out with its outside inside.
     if (twice_area(rings, r) * twice_area(flat, r) < 0.0) {
-      return "ring " + std::to_string(r) + " is turned inside out by the projection";
+      return {ErrorKind::bad_argument,
+              "ring " + std::to_string(r) + " is turned inside out by the projection"};
     }
   }
   // Where a file cuts shapes at the antimeridian the halves meet again, and rounding makes
@@ -126,13 +149,18 @@ std::string MeshProjector::project(const Rings& rings, Mesh& mesh,
   mesh = {};
   std::vector<bool> chosen = rings_at_west_end(rings);
   for (int side = 0; side < 2; ++side, chosen.flip()) {
-    const auto part = triangulate_some(flat, chosen);
+    const auto part = triangulate_some(flat, chosen, options, points.size());
     if (!part && part.error().kind == ErrorKind::bad_data) {
-      return "once projected, ring " + std::to_string(part.error().ring) +
-             " crosses itself or another";
+      return {ErrorKind::bad_data, "once projected, ring " + std::to_string(part.error().ring) +
+                                       " crosses itself or another"};
     }
-    if (!part) return part.error().message;
+    if (!part) return part.error();
     mesh.triangles.insert(mesh.triangles.end(), part->triangles.begin(), part->triangles.end());
+    for (std::size_t i = 0; i < part->new_x.size(); ++i) {
+      mesh.new_x.push_back(part->new_x[i]);
+      mesh.new_y.push_back(part->new_y[i]);
+      points.push_back({part->new_x[i], part->new_y[i], 0.0});
+    }
   }
   return {};
 }

@@ -5,20 +5,20 @@
 #include <kzgis/mesh.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
+#include "tools/mesh_files/mesh_part.h"
+#include "tools/mesh_files/mesh_writer.h"
+#include "tools/support/attributes.h"
 #include "tools/support/command_error.h"
-#include "tools/support/number_text.h"
 #include "tools/support/output_file.h"
 #include "tools/support/output_format.h"
 #include "tools/support/progress.h"
@@ -26,9 +26,11 @@
 #include "tools/support/record_walk.h"
 #include "tools/support/report.h"
 #include "tools/support/shape_file.h"
+#include "tools/triangulate/extrusion.h"
+#include "tools/triangulate/heights.h"
 #include "tools/triangulate/mesh_projector.h"
-#include "tools/triangulate/mesh_writer.h"
-#include "tools/triangulate/record_mesh.h"
+#include "tools/triangulate/record_mesher.h"
+#include "tools/triangulate/summary.h"
 
 namespace kzgis::tools {
 
@@ -39,20 +41,13 @@ struct Options {
   std::string output;  ///< empty: none
   std::string format;
   bool check = false;
+  bool repair = false;
+  bool plain = false;
+  std::string extrude;  ///< empty: flat
   bool projected = false;
   ProjectionOptions projection;
   std::optional<std::uint32_t> first;
   std::optional<std::uint32_t> last;
-};
-
-/// What the summary says of the records that became triangles, and of the others.
-struct Totals {
-  std::uint64_t records = 0;
-  std::uint64_t rings = 0;
-  std::uint64_t triangles = 0;
-  double area = 0.0;
-  std::uint64_t refused = 0;
-  std::uint64_t null = 0;
 };
 
 std::optional<std::uint32_t> parse_record_number(std::string_view text) {
@@ -78,11 +73,10 @@ void parse_records(const std::string& text, Options& options) {
 }
 
 const OutputFormats<MeshFormat>& formats() {
-  static const OutputFormats<MeshFormat> known{{"obj", MeshFormat::obj},
-                                               {"ply", MeshFormat::ply},
-                                               {"geojson", MeshFormat::geojson},
-                                               {"svg", MeshFormat::svg},
-                                               {"png", MeshFormat::png}};
+  static const OutputFormats<MeshFormat> known{
+      {"glb", MeshFormat::glb}, {"stl", MeshFormat::stl},         {"ply", MeshFormat::ply},
+      {"obj", MeshFormat::obj}, {"geojson", MeshFormat::geojson}, {"svg", MeshFormat::svg},
+      {"png", MeshFormat::png}};
   return known;
 }
 
@@ -114,29 +108,60 @@ RecordRange choose_records(const Shapefile& shapes, const Options& options) {
   return range;
 }
 
-/// The last line that the user reads.
-std::string summary(const Totals& totals) {
-  // Ten digits are what sums of this length are good for.
-  std::array<char, 32> area_text{};
-  std::snprintf(area_text.data(), area_text.size(), "%.10g", totals.area);
-  return counted(totals.records, "record") + ", " + counted(totals.rings, "ring") + ", " +
-         counted(totals.triangles, "triangle") + ", area " + area_text.data() + "; " +
-         std::to_string(totals.refused) + " refused, " + std::to_string(totals.null) + " null";
+MeshOptions mesh_options(const Options& options) {
+  MeshOptions asked;
+  asked.delaunay = !options.plain;
+  asked.split_crossings = options.repair;
+  return asked;
+}
+
+/// Throws `UsageError` for a format that has no room for what is to be written.
+void check_room(MeshFormat format, const Options& options) {
+  if ((format == MeshFormat::svg || format == MeshFormat::png) && is_spatial(options)) {
+    throw UsageError("--to", "a globe does not lie flat in a picture; orthographic does");
+  }
+  if (is_flat(format) && !options.extrude.empty()) {
+    throw UsageError("--extrude", "a body does not lie flat; .glb, .stl, .ply and .obj hold it");
+  }
+}
+
+/// The table beside the shapefile, where there is one and anybody asks for it.
+///
+/// What only the format asks for is left out when the table is damaged, with a complaint; else
+/// throws `CommandError`.
+std::optional<Attributes> open_table(const Shapefile& shapes, std::optional<MeshFormat> format,
+                                     const std::optional<Heights>& heights,
+                                     Complaints& complaints) {
+  const bool needed = heights && heights->need_table();
+  const bool wanted = format && has_attributes(*format) && Attributes::exist(shapes.path());
+  if (!needed && !wanted) return std::nullopt;
+  try {
+    std::optional<Attributes> table(shapes.path());
+    table->expect_rows(shapes.size());
+    return table;
+  } catch (const CommandError& error) {
+    if (needed) throw;
+    complaints.add(error.what());
+    return std::nullopt;
+  }
 }
 
 /// Returns the exit code: 0 when every record became triangles.
 int run(const Options& options) {
   const std::optional<MeshFormat> format = choose_format(options);
-  const bool picture = format == MeshFormat::svg || format == MeshFormat::png;
-  if (picture && is_spatial(options)) {
-    throw UsageError("--to", "a globe does not lie flat in a picture; orthographic does");
-  }
+  if (format) check_room(*format, options);
+  std::optional<Heights> heights;
+  if (!options.extrude.empty()) heights.emplace(options.extrude);
   std::optional<MeshProjector> projector;
   if (options.projected) {
     projector.emplace(make_chart(options.projection.type, chart_parameters(options.projection)));
   }
+  const RecordMesher mesher(mesh_options(options), std::move(projector));
   Shapefile shapes = open_shapefile(options.input);
   const RecordRange range = choose_records(shapes, options);
+  Complaints complaints;
+  const std::optional<Attributes> table = open_table(shapes, format, heights, complaints);
+  if (heights && heights->need_table()) heights->use(*table);
 
   std::optional<OutputFile> output;
   std::unique_ptr<MeshWriter> writer;
@@ -145,61 +170,69 @@ int run(const Options& options) {
     writer = make_mesh_writer(*format, output->stream(), is_spatial(options));
   }
 
-  Totals totals;
-  Complaints complaints;
+  Summary summary;
   const bool prints = options.output == "-";
   {
     Progress progress("triangulating " + options.input, std::uint64_t{range.last} + 1 - range.first,
                       prints);
+    const auto refuse = [&](std::uint32_t number, const std::string& reason) {
+      summary.add_refused(1);
+      complaints.add(options.input + ": " + record_text(number) + reason);
+    };
     const auto use = [&](std::uint32_t number, const ShapeRecord& record) {
-      const Rings rings = record.rings();
-      std::vector<WorldPoint> points;
-      auto tried = triangulate(rings);
-      std::string reason = tried ? std::string() : tried.error().message;
-      Mesh mesh = tried ? std::move(*tried) : Mesh{};
-      for (std::size_t v = 0; v < record.x.size(); ++v) {
-        points.push_back({record.x[v], record.y[v], 0.0});
+      const auto mesh = mesher.mesh(record.rings());
+      if (!mesh) return refuse(number, mesh.error().message);
+      std::optional<double> height;
+      if (heights && !(height = heights->of(number))) {
+        return refuse(number, heights->why_none(number));
       }
-      const double layer_area = area(points, mesh.triangles);
-      if (reason.empty() && projector) reason = projector->project(rings, mesh, points);
-      if (!reason.empty()) {
-        ++totals.refused;
-        complaints.add(options.input + ": " + record_text(number) + reason);
-        return;
-      }
-      ++totals.records;
-      totals.rings += record.parts.size();
-      totals.triangles += mesh.triangles.size() / 3;
-      totals.area += layer_area;
-      if (writer) writer->add(make_record_mesh(number, points, mesh.triangles));
+      summary.add(record.parts.size(), mesh->area, mesh->crossings, mesh->added, mesh->points,
+                  mesh->triangles);
+      MeshPart part = make_mesh_part(number, mesh->points, mesh->triangles);
+      if (height) part = extrude(part, *height, is_spatial(options));
+      if (!writer) return;
+      if (table) part.attributes = table->row(static_cast<int>(number));
+      writer->add(std::move(part));
     };
     const RecordTally tally =
         walk_records(shapes, options.input, range, progress, complaints.receiver(), use);
-    totals.refused += tally.failed;
-    totals.null = tally.null;
+    summary.add_refused(tally.failed);
+    summary.add_null(tally.null);
   }
   if (writer) {
     writer->finish();
     output->commit();
   }
-  (prints ? std::cerr : std::cout) << summary(totals) << std::endl;
+  (prints ? std::cerr : std::cout) << summary.text(options.repair) << std::endl;
   return complaints.exit_code();
 }
 
 constexpr const char* kExamples = R"(
-The triangles of a record tile its polygon exactly, without new vertices, and run
-counter-clockwise.  Rings may come in any order and winding, touch each other, and
-lie in each other to any depth.  A record that is no polygon, because its rings
-cross say, is named with its reason and left out; the exit code is then 1.  Z and M
-of the records stay behind.
+The triangles of a record tile its polygon exactly and run counter-clockwise.  They
+are Delaunay triangles, the fattest there are without new vertices, unless --plain
+asks for those of the sweep, which take less time.  Rings may come in any order and
+winding, touch each other, and lie in each other to any depth.  A record that is no
+polygon, because its rings cross say, is named with its reason and left out; the
+exit code is then 1.  With --repair, sides that cross get a vertex there, and what
+an odd number of rings lies around is inside.  Z and M of the records stay behind.
+
+--extrude raises prisms: closed bodies of bottom, walls and top.  The height is in
+the unit of x and y as they come out, a number or @ and a field of the dBASE table;
+a record without a height above 0 is named and left out.  On a globe up is outwards.
 
 The summary counts the records that became triangles and gives their area in the
-square of the layer's own unit.  It goes to standard output, or to standard error
-when the mesh goes there.
+square of the layer's own unit; then the vertices added, and the least angle of all
+triangles and the median of each one's least.  It goes to standard output, or to
+standard error when the mesh goes there.
 
+  .glb      binary glTF 2.0: a node record_N for each record, with the number and
+            the fields of the dBASE table as extras; floats from the middle of the
+            record, where the node stands; z is up; the origin is in asset.extras
+  .stl      binary; floats from an origin that the header names
+  .ply      binary, doubles, with the record as a property of each face
   .obj      an object record_N for each record; x, y, z (0 unless projected)
-  .ply      ASCII, with the record as a property of each face
-  .geojson  a MultiPolygon of triangles for each record, which is a property
+  .geojson  a MultiPolygon of triangles for each record; its properties are the
+            number and the fields of the dBASE table
   .svg .png a picture, x to the right and y up
 
 With --to, coordinates are degrees and come out as the world coordinates that
@@ -210,9 +243,10 @@ for, or turns inside out, or makes cross itself.  Sides run straight between the
 projected vertices: on the globe a long one cuts below the surface.
 
 Examples:
-  kzgis triangulate countries.shp -o countries.obj
-  kzgis triangulate lakes.shp --check
+  kzgis triangulate countries.shp -o countries.glb
+  kzgis triangulate lakes.shp --repair --check
   kzgis triangulate countries.shp --to globe --radius 1 -o globe.ply
+  kzgis triangulate houses.shp --extrude @FLOORS -o houses.stl
   kzgis triangulate lakes.shp --records 3:5 -o - --format geojson
 )";
 
@@ -228,7 +262,8 @@ void add_triangulate_command(CLI::App& app, int& exit_code) {
   CLI::Option* const output =
       command
           .add_option("-o,--output", options->output,
-                      "The mesh: .obj, .ply, .geojson, .svg or .png; - for standard output")
+                      "The mesh: .glb, .stl, .ply, .obj, .geojson, .svg or .png; - for standard "
+                      "output")
           ->type_name("MESH");
   formats().add_option(command, options->format)->needs(output);
   command.add_flag("--check", options->check, "Verify every record and write nothing")
@@ -238,6 +273,12 @@ void add_triangulate_command(CLI::App& app, int& exit_code) {
           "--records", [options](const std::string& text) { parse_records(text, *options); },
           "These records alone, counted from 1; either end may be missing")
       ->type_name("A:B");
+  command.add_flag("--repair", options->repair, "Split sides where they cross");
+  CLI::Option* const plain =
+      command.add_flag("--plain", options->plain, "The sweep's own triangles: quick, and slivers");
+  command.add_flag("--delaunay")->description("Delaunay triangles (the usual)")->excludes(plain);
+  command.add_option("--extrude", options->extrude, "Raise prisms, all as high or each by a field")
+      ->type_name("HEIGHT|@FIELD");
   add_projection_options(command, options->projection);
   add_radius_option(command, options->projection);
   CLI::Option* const to = command.get_option("--to");

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "tools/mesh_files/mesh_part.h"
 #include "tools/support/projection_options.h"
-#include "tools/triangulate/record_mesh.h"
 
 namespace kzgis::tools {
 namespace {
@@ -34,12 +34,14 @@ struct Projected {
 };
 
 Projected project(const ProjectionOptions& options, const std::vector<double>& lon,
-                  const std::vector<double>& lat, const std::vector<std::int32_t>& starts = {0}) {
+                  const std::vector<double>& lat, const std::vector<std::int32_t>& starts = {0},
+                  const MeshOptions& mesh_options = {}) {
   const Rings rings{lon, lat, starts};
   Projected result;
-  result.mesh = triangulate(rings).value();
+  result.mesh = triangulate(rings, mesh_options).value();
   result.reason = MeshProjector(make_chart(options.type, chart_parameters(options)))
-                      .project(rings, result.mesh, result.points);
+                      .project(rings, mesh_options, result.mesh, result.points)
+                      .message;
   return result;
 }
 

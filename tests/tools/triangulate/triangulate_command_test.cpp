@@ -67,7 +67,9 @@ TEST_F(TriangulateCommand, TilesASquareWithAHole) {
   const Outcome outcome = run({file, "-o", path("a.obj")});
   EXPECT_EQ(outcome.failure + outcome.standard_error, "");
   EXPECT_EQ(outcome.exit_code, 0);
-  EXPECT_EQ(outcome.standard_output, "1 record, 2 rings, 8 triangles, area 8; 0 refused, 0 null\n");
+  EXPECT_EQ(outcome.standard_output,
+            "1 record, 2 rings, 8 triangles, area 8; 0 refused, 0 null\n"
+            "least angle 18.4 degrees, median 26.6\n");
   // Which triangles they are is the library's affair; the vertices stand in the file's order.
   std::istringstream lines(content(path("a.obj")));
   std::string vertices;
@@ -93,10 +95,12 @@ TEST_F(TriangulateCommand, GoesOnBehindRecordsThatFail) {
   const Outcome outcome = run({file, "--check"});
   EXPECT_EQ(outcome.failure, "");
   EXPECT_EQ(outcome.exit_code, 1);
-  EXPECT_EQ(outcome.standard_output, "1 record, 2 rings, 8 triangles, area 8; 2 refused, 1 null\n");
+  EXPECT_EQ(outcome.standard_output,
+            "1 record, 2 rings, 8 triangles, area 8; 2 refused, 1 null\n"
+            "least angle 18.4 degrees, median 26.6\n");
   EXPECT_EQ(outcome.standard_error,
             "kzgis: " + file +
-                ": record 1: ring 0 crosses itself (sides from vertices 0 and 2)\n"
+                ": record 1: ring 0 crosses itself (sides from vertices 0 and 2); try --repair\n"
                 "kzgis: " +
                 file + ": record 3: part 1 begins at point -1, in front of the first\n");
 }
@@ -117,7 +121,9 @@ TEST_F(TriangulateCommand, TakesAFileOfAnotherVersion) {
   shp[28] = 1;  // the version, little-endian
   const Outcome outcome = run({write(shp, writer.shx()) + ".shp", "--check"});
   EXPECT_EQ(outcome.failure + outcome.standard_error, "");
-  EXPECT_EQ(outcome.standard_output, "1 record, 2 rings, 8 triangles, area 8; 0 refused, 0 null\n");
+  EXPECT_EQ(outcome.standard_output,
+            "1 record, 2 rings, 8 triangles, area 8; 0 refused, 0 null\n"
+            "least angle 18.4 degrees, median 26.6\n");
 }
 
 TEST_F(TriangulateCommand, ReportsAnIndexThatIsCut) {
@@ -130,7 +136,9 @@ TEST_F(TriangulateCommand, ReportsAnIndexThatIsCut) {
   EXPECT_EQ(outcome.exit_code, 1);
   EXPECT_EQ(outcome.standard_error,
             "kzgis: " + file + ": the index is shorter than its header says\n");
-  EXPECT_EQ(outcome.standard_output, "1 record, 2 rings, 8 triangles, area 8; 0 refused, 0 null\n");
+  EXPECT_EQ(outcome.standard_output,
+            "1 record, 2 rings, 8 triangles, area 8; 0 refused, 0 null\n"
+            "least angle 18.4 degrees, median 26.6\n");
 }
 
 TEST_F(TriangulateCommand, NamesARecordThatTheProjectionRefuses) {
@@ -145,7 +153,9 @@ TEST_F(TriangulateCommand, NamesARecordThatTheProjectionRefuses) {
             "kzgis: " + file + ": record 1: the projection has no place for 0, -90\n");
   EXPECT_EQ(content(path("a.obj")).substr(0, 11), "o record_2\n");
   // The area is the layer's, in square degrees.
-  EXPECT_EQ(outcome.standard_output, "1 record, 1 ring, 1 triangle, area 50; 1 refused, 0 null\n");
+  EXPECT_EQ(outcome.standard_output,
+            "1 record, 1 ring, 1 triangle, area 50; 1 refused, 0 null\n"
+            "least angle 44 degrees, median 44\n");
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The triangles of every record, their sides, and the outlines of records over them.
 
-#include "tools/triangulate/mesh_picture.h"
+#include "tools/mesh_files/mesh_picture.h"
 
 #include <algorithm>
 #include <cmath>
@@ -33,10 +33,10 @@ struct Fit {
 };
 
 /// The whole of all meshes on the sheet, as large as its long side takes, and centred.
-Fit fit(const std::vector<RecordMesh>& meshes) {
+Fit fit(const std::vector<MeshPart>& meshes) {
   constexpr double kFar = std::numeric_limits<double>::infinity();
   double west = kFar, east = -kFar, south = kFar, north = -kFar;
-  for (const RecordMesh& mesh : meshes) {
+  for (const MeshPart& mesh : meshes) {
     for (const WorldPoint& p : mesh.vertices) {
       west = std::min(west, p.x);
       east = std::max(east, p.x);
@@ -63,7 +63,7 @@ Fit fit(const std::vector<RecordMesh>& meshes) {
 }
 
 /// All triangles as one path: filled one by one, their seams would show as hairlines.
-void fill(cairo_t* cairo, const Fit& sheet, const RecordMesh& mesh) {
+void fill(cairo_t* cairo, const Fit& sheet, const MeshPart& mesh) {
   for (std::size_t i = 0; i < mesh.triangles.size(); ++i) {
     const WorldPoint& p = mesh.vertices[mesh.triangles[i]];
     if (i % 3 == 0) {
@@ -76,8 +76,8 @@ void fill(cairo_t* cairo, const Fit& sheet, const RecordMesh& mesh) {
   cairo_fill(cairo);
 }
 
-void stroke(cairo_t* cairo, const Fit& sheet, const RecordMesh& mesh,
-            std::span<const MeshEdge> edges, double width) {
+void stroke(cairo_t* cairo, const Fit& sheet, const MeshPart& mesh, std::span<const MeshEdge> edges,
+            double width) {
   for (const auto& [from, to] : edges) {
     const WorldPoint& a = mesh.vertices[from];
     const WorldPoint& b = mesh.vertices[to];
@@ -90,7 +90,7 @@ void stroke(cairo_t* cairo, const Fit& sheet, const RecordMesh& mesh,
 
 }  // namespace
 
-void draw_meshes(const std::vector<RecordMesh>& meshes, PictureFormat format, std::ostream& out) {
+void draw_meshes(const std::vector<MeshPart>& meshes, PictureFormat format, std::ostream& out) {
   const Fit sheet = fit(meshes);
   render(out, format, sheet.width, sheet.height, [&](cairo_t* cairo) {
     set_colour(cairo, colours::paper);

@@ -1,11 +1,13 @@
 // What a dBASE table says of the records of a shapefile.
 
-#ifndef KZGIS_TOOLS_PACK_ATTRIBUTES_H
-#define KZGIS_TOOLS_PACK_ATTRIBUTES_H
+#ifndef KZGIS_TOOLS_SUPPORT_ATTRIBUTES_H
+#define KZGIS_TOOLS_SUPPORT_ATTRIBUTES_H
 
 #include <shapefil.h>
 
+#include <cstdint>
 #include <memory>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 
@@ -19,8 +21,13 @@ class Attributes {
   /// Throws `CommandError` when there is no such table.
   explicit Attributes(const std::string& file);
 
+  /// True when there is a file where the table should be.
+  static bool exist(const std::string& file);
+
   const std::string& name() const { return name_; }
   int count() const;
+  /// Throws `CommandError` unless there is a row for each of so many records.
+  void expect_rows(std::uint32_t records) const;
 
   /// The column of a field, upper and lower case alike.
   std::optional<int> field(const std::string& field_name) const;
@@ -29,6 +36,12 @@ class Attributes {
   ///
   /// @param record  counted from 1, as the shapefile's
   std::string text(int record, int field) const;
+
+  /// All values of a record under the names of their fields: an object of numbers, truth values
+  /// and texts, and null where the table has nothing.
+  ///
+  /// A text that is no UTF-8 is taken for ISO 8859-1.
+  nlohmann::ordered_json row(int record) const;
 
  private:
   struct Close {

@@ -1,4 +1,4 @@
-#include "tools/triangulate/record_mesh.h"
+#include "tools/mesh_files/mesh_part.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,25 +11,25 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::vector<double> xs(const RecordMesh& mesh) {
+std::vector<double> xs(const MeshPart& mesh) {
   std::vector<double> result;
   for (const WorldPoint& vertex : mesh.vertices) result.push_back(vertex.x);
   return result;
 }
 
-TEST(MakeRecordMesh, KeepsTheUsedPointsInTheirOrder) {
+TEST(MakeMeshPart, KeepsTheUsedPointsInTheirOrder) {
   const std::vector<WorldPoint> points{{10, 0, 0}, {11, 0, 0}, {12, 5, 0}, {13, 0, 0}, {14, 9, 0}};
   const std::vector<std::uint32_t> triangles{4, 1, 2, 2, 1, 0};
-  const RecordMesh mesh = make_record_mesh(7, points, triangles);
+  const MeshPart mesh = make_mesh_part(7, points, triangles);
   EXPECT_EQ(mesh.record, 7);
   EXPECT_THAT(xs(mesh), ElementsAre(10, 11, 12, 14));
   EXPECT_THAT(mesh.triangles, ElementsAre(3U, 1U, 2U, 2U, 1U, 0U));
   EXPECT_EQ(mesh.triangle_count(), 2U);
 }
 
-TEST(MakeRecordMesh, IsEmptyWithoutTriangles) {
+TEST(MakeMeshPart, IsEmptyWithoutTriangles) {
   const std::vector<WorldPoint> points{{1, 2, 0}, {3, 4, 0}};
-  const RecordMesh mesh = make_record_mesh(1, points, {});
+  const MeshPart mesh = make_mesh_part(1, points, {});
   EXPECT_THAT(mesh.vertices, IsEmpty());
   EXPECT_EQ(mesh.triangle_count(), 0U);
 }
