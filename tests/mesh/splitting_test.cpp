@@ -161,7 +161,7 @@ TEST(SplitCrossings, AddsNothingToASoundPolygon) {
 // whether a cell belongs to it is counted in the rings.
 TEST(SplitCrossings, RectangularTanglesCellByCell) {
   std::mt19937_64 random(kSeed);
-  for (int i = 0; i < 5000; ++i) {
+  for (int i = 0; i < 2000; ++i) {
     SCOPED_TRACE("seed " + std::to_string(kSeed) + " case " + std::to_string(i));
     constexpr int kSize = 9;
     Polygon polygon;
@@ -293,7 +293,7 @@ double odd_even_area(const Polygon& polygon) {
 
 TEST(SplitCrossingsProperty, HasTheAreaOfTheOddEvenRegion) {
   std::mt19937_64 random(kSeed + 1);
-  for (int i = 0; i < 600; ++i) {
+  for (int i = 0; i < 300; ++i) {
     SCOPED_TRACE("seed " + std::to_string(kSeed + 1) + " case " + std::to_string(i));
     const Polygon polygon = tangle(i % 6, random);
     const Mended mesh(polygon, i % 2 == 0);
@@ -307,7 +307,7 @@ TEST(SplitCrossingsProperty, HasTheAreaOfTheOddEvenRegion) {
 
 TEST(SplitCrossingsProperty, KeepsToTheSides) {
   std::mt19937_64 random(kSeed);
-  for (int i = 0; i < 360; ++i) {
+  for (int i = 0; i < 180; ++i) {
     SCOPED_TRACE("seed " + std::to_string(kSeed) + " case " + std::to_string(i));
     const Polygon polygon = tangle(i % 6, random);
     const Mended mesh(polygon, i % 2 == 0);
