@@ -33,7 +33,8 @@ bool are_alike(std::string_view a, std::string_view b) {
 }  // namespace
 
 std::string_view projection_name(projType type) {
-  return type >= CartesianProj && type <= GlobeProj ? kNames[static_cast<std::size_t>(type)] : "";
+  if (type < CartesianProj || type > GlobeProj) return {};
+  return kNames[static_cast<std::size_t>(type)];
 }
 
 std::optional<projType> find_projection(std::string_view name) {
