@@ -39,6 +39,36 @@ void Triangulation::flip(std::uint32_t h) {
   join(previous(h), previous(g));
 }
 
+std::uint32_t Triangulation::split_triangle(std::uint32_t h, std::uint32_t point) {
+  const std::uint32_t second = add(to(h), apex(h), point);
+  const std::uint32_t third = add(apex(h), from(h), point);
+  join(second, twins_[next(h)]);
+  join(third, twins_[previous(h)]);
+  corners_[previous(h)] = point;
+  join(next(h), previous(second));
+  join(next(second), previous(third));
+  join(next(third), previous(h));
+  return previous(h);
+}
+
+std::uint32_t Triangulation::split_edge(std::uint32_t h, std::uint32_t point) {
+  // The half of a triangle at the end of the half-edge becomes a triangle of its own.
+  const auto cut = [this, point](std::uint32_t edge) {
+    const std::uint32_t half = add(point, to(edge), apex(edge));
+    join(next(half), twins_[next(edge)]);
+    corners_[next(edge)] = point;
+    join(next(edge), previous(half));
+    return half;
+  };
+  const std::uint32_t g = twins_[h];
+  const std::uint32_t half = cut(h);
+  if (g != kNone) {
+    join(h, cut(g));
+    join(g, half);
+  }
+  return half;
+}
+
 std::uint32_t Triangulation::add(std::uint32_t a, std::uint32_t b, std::uint32_t c) {
   const std::uint32_t h = size();
   corners_.insert(corners_.end(), {a, b, c});

@@ -40,6 +40,13 @@ class Triangulation {
   /// behind which the new diagonal comes, in the order of their triangles.
   void flip(std::uint32_t h);
 
+  /// Puts a point into the triangle of a half-edge, which becomes three.
+  /// @return a half-edge that begins at the point
+  std::uint32_t split_triangle(std::uint32_t h, std::uint32_t point);
+  /// Puts a point on an edge: the triangle on either side, where there is one, becomes two.
+  /// @return a half-edge that begins at the point
+  std::uint32_t split_edge(std::uint32_t h, std::uint32_t point);
+
   /// Appends a triangle without neighbours; returns its first half-edge.
   std::uint32_t add(std::uint32_t a, std::uint32_t b, std::uint32_t c);
   /// Makes two half-edges each other's twins; either may be kNone.
