@@ -174,6 +174,9 @@ std::string mesh_polygons() {
     const kzgis::Rings rings{record.x, record.y, record.starts};
     put(os, nested(rings).depth);
     put(os, meshed(rings).triangles);
+    const Meshed refined = meshed(rings, {.longest_side = 1, .least_angle_deg = 20});
+    put(os, refined.triangles);
+    put(os, refined.new_x);
   }
   return os.str();
 }
