@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdint>
 #include <ctime>
+#include <limits>
+#include <numeric>
 #include <vector>
 
 #include "fuzz/contours.h"
@@ -71,6 +73,38 @@ void check_mended(const Contours& contours) {
   check_triangles(all, mesh->triangles.data(), mesh->triangles.size(), 0.0);
 }
 
+/// Any combination of options, which the bytes of the input are summed up to.
+void check_options(const Contours& contours, unsigned sum) {
+  kzgis::MeshOptions options;
+  options.delaunay = (sum & 1U) != 0;
+  options.split_crossings = (sum & 2U) != 0;
+  constexpr double kLengths[] = {std::numeric_limits<double>::infinity(), 0.3, 2.0, 1e-9};
+  constexpr double kAngles[] = {0.0, 10.0, 20.0, 25.0};
+  options.longest_side = kLengths[sum >> 2U & 3U];
+  options.least_angle_deg = kAngles[sum >> 4U & 3U];
+  options.most_triangles = 3000;
+  const auto mesh = kzgis::triangulate({contours.x, contours.y, contours.starts}, options);
+  if (!mesh) {
+    require(mesh.error().kind != kzgis::ErrorKind::unproved);
+    return;
+  }
+  require(mesh->new_x.size() == mesh->new_y.size());
+  const std::size_t vertices = contours.x.size() + mesh->new_x.size();
+  for (const std::uint32_t corner : mesh->triangles) require(corner < vertices);
+  const auto place = [&](std::uint32_t v, const std::vector<double>& own,
+                         const std::vector<double>& added) {
+    return v < own.size() ? own[v] : added[v - own.size()];
+  };
+  if (options.longest_side > 1e6) return;
+  for (std::size_t i = 0; i < mesh->triangles.size(); ++i) {
+    const std::uint32_t a = mesh->triangles[i];
+    const std::uint32_t b = mesh->triangles[i % 3 == 2 ? i - 2 : i + 1];
+    require(std::hypot(place(b, contours.x, mesh->new_x) - place(a, contours.x, mesh->new_x),
+                       place(b, contours.y, mesh->new_y) - place(a, contours.y, mesh->new_y)) <=
+            options.longest_side);
+  }
+}
+
 void check_tree(const Contours& contours) {
   std::vector<kz_ulong> starts(contours.starts.begin(), contours.starts.end());
   const KZ_GIS_PolygonTree_c tree(0, 0, 0, 0, static_cast<kz_ulong>(starts.size()), starts.data(),
@@ -99,6 +133,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const Contours contours = contours_of(data, size);
   check_mesh_layer(contours);
   check_mended(contours);
+  check_options(contours, std::accumulate(data, data + size, 0U));
   check_tree(contours);
   return 0;
 }

@@ -3,8 +3,12 @@
 
 #include "kzgis/mesh.h"
 
+#include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <new>
+#include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -14,6 +18,7 @@
 #include "mesh/face_sweep.h"
 #include "mesh/faces.h"
 #include "mesh/proof.h"
+#include "mesh/refinement.h"
 #include "mesh/rings.h"
 #include "mesh/splitting.h"
 
@@ -28,43 +33,97 @@ using mesh::kNone;
 /// for a string to keep inside itself.
 Flaw no_memory() { return mesh::make_flaw(ErrorKind::out_of_memory, "out of memory"); }
 
-/// Triangles of the inside, three sites each.
-std::vector<std::uint32_t> cut(const Arrangement& arrangement, bool delaunay) {
-  std::vector<std::uint32_t> triangles;
-  for (const mesh::Face& face : mesh::take_faces(arrangement)) {
-    mesh::sweep_face(arrangement.sites, face, triangles);
+/// How many triangles the faces are cut into.
+std::size_t count_triangles(const std::vector<mesh::Face>& faces) {
+  std::size_t count = 0;
+  for (const mesh::Face& face : faces) {
+    for (const mesh::Contour& contour : face) count += contour.size();
+    count += 2 * face.size();
+    count -= 4;
   }
-  return delaunay ? mesh::make_delaunay(arrangement, std::move(triangles)) : triangles;
+  return count;
+}
+
+/// Triangles of the inside, three sites each, unless there are too many.
+std::optional<std::vector<std::uint32_t>> cut(const Arrangement& arrangement, bool delaunay,
+                                              std::size_t most) {
+  const std::vector<mesh::Face> faces = mesh::take_faces(arrangement);
+  if (count_triangles(faces) > most) return std::nullopt;
+  std::vector<std::uint32_t> triangles;
+  for (const mesh::Face& face : faces) mesh::sweep_face(arrangement.sites, face, triangles);
+  return delaunay ? mesh::make_delaunay(arrangement, std::move(triangles)) : std::move(triangles);
+}
+
+Flaw unproved() {
+  return mesh::make_flaw(ErrorKind::unproved,
+                         "the triangles found do not tile the polygon: an error of this library");
+}
+
+/// Hands out triangles over sites and points behind them, in the numbers of vertices.
+///
+/// @param more  points that are numbered behind the sites
+Mesh mesh_of(const Rings& rings, const mesh::Sites& sites, std::vector<std::uint32_t> triangles,
+             std::span<const exact::Point> more) {
+  const auto own = static_cast<std::uint32_t>(rings.x.size());
+  std::uint32_t split = 0;  // vertices of crossings
+  for (std::uint32_t site = 0; site < sites.size(); ++site) {
+    if (sites.vertex(site) >= own) ++split;
+  }
+  Mesh result;
+  result.triangles = std::move(triangles);
+  for (std::uint32_t& corner : result.triangles) {
+    corner = corner < sites.size() ? sites.vertex(corner) : corner - sites.size() + own + split;
+  }
+  result.new_x.resize(split + more.size());
+  result.new_y.resize(split + more.size());
+  for (std::uint32_t site = 0; site < sites.size(); ++site) {
+    if (sites.vertex(site) < own) continue;
+    result.new_x[sites.vertex(site) - own] = sites[site].x;
+    result.new_y[sites.vertex(site) - own] = sites[site].y;
+  }
+  for (std::size_t i = 0; i < more.size(); ++i) {
+    result.new_x[split + i] = more[i].x;
+    result.new_y[split + i] = more[i].y;
+  }
+  return result;
+}
+
+Result<Mesh, Flaw> make_refined(const Rings& rings, const Arrangement& arrangement,
+                                std::vector<std::uint32_t> triangles, const MeshOptions& options) {
+  Result<mesh::Refined, Flaw> refined =
+      mesh::refine(rings, arrangement, std::move(triangles), options);
+  if (!refined) return std::move(refined).error();
+  if (const auto edge = mesh::find_tangled_edge(arrangement, *refined)) {
+    return mesh::coarse_flaw(rings, arrangement.sites[arrangement.edges[*edge].left]);
+  }
+  if (!mesh::proved_refined(arrangement, refined->points, refined->borders.sides,
+                            refined->triangles)) {
+    return unproved();
+  }
+  Mesh result =
+      mesh_of(rings, arrangement.sites, std::move(refined->triangles),
+              std::span<const exact::Point>(refined->points).subspan(arrangement.sites.size()));
+  result.small_corners = refined->small_corners;
+  return result;
 }
 
 /// Cuts a polygon into triangles, over sites until the last step: in sites, places are the same
 /// when their numbers are, which is what the proof counts by.
 Result<Mesh, Flaw> make_mesh(const Rings& rings, const MeshOptions& options) {
+  if (auto flaw = mesh::check_options(options)) return std::move(*flaw);
   const Result<Arrangement, Flaw> arranged =
       options.split_crossings ? mesh::split(rings, options.most_triangles) : mesh::arrange(rings);
   if (!arranged) return arranged.error();
-  // Every triangle has an edge that no other has, and at most one of its corners to itself.
-  const mesh::Sites& sites = arranged->sites;
-  Mesh result;
-  result.triangles = cut(*arranged, options.delaunay);
-  if (!mesh::proved(*arranged, result.triangles,
+  const bool refining = std::isfinite(options.longest_side) || options.least_angle_deg > 0.0;
+  std::optional<std::vector<std::uint32_t>> triangles =
+      cut(*arranged, options.delaunay || refining, options.most_triangles);
+  if (!triangles) return mesh::too_many_triangles(options.most_triangles);
+  if (refining) return make_refined(rings, *arranged, std::move(*triangles), options);
+  if (!mesh::proved(*arranged, *triangles,
                     options.delaunay ? exact::Inner::delaunay : exact::Inner::any)) {
-    return mesh::make_flaw(ErrorKind::unproved,
-                           "the triangles found do not tile the polygon: an error of this library");
+    return unproved();
   }
-  for (std::uint32_t& corner : result.triangles) corner = sites.vertex(corner);
-  const auto own = static_cast<std::uint32_t>(rings.x.size());
-  for (std::uint32_t site = 0; site < sites.size(); ++site) {
-    if (sites.vertex(site) < own) continue;
-    const std::size_t i = sites.vertex(site) - own;
-    if (result.new_x.size() <= i) {
-      result.new_x.resize(i + 1);
-      result.new_y.resize(i + 1);
-    }
-    result.new_x[i] = sites[site].x;
-    result.new_y[i] = sites[site].y;
-  }
-  return result;
+  return mesh_of(rings, arranged->sites, std::move(*triangles), {});
 }
 
 /// Parents and depths as the caller knows them.

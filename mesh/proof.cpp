@@ -30,4 +30,10 @@ bool proved(const Arrangement& arrangement, std::span<const std::uint32_t> trian
          same_modulo_2(arrangement.sites, arrangement.sides, arrangement.edges);
 }
 
+bool proved_refined(const Arrangement& arrangement, std::span<const exact::Point> points,
+                    std::span<const exact::Side> cut, std::span<const std::uint32_t> triangles) {
+  return exact::tiles(points, cut, triangles, exact::Flat::refused, exact::Inner::delaunay) &&
+         same_modulo_2(arrangement.sites, arrangement.sides, arrangement.edges);
+}
+
 }  // namespace kzgis::mesh

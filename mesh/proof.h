@@ -35,6 +35,14 @@ bool same_modulo_2(const Sites& sites, std::span<const Side> sides, std::span<co
 bool proved(const Arrangement& arrangement, std::span<const std::uint32_t> triangles,
             exact::Inner inner = exact::Inner::any);
 
+/// The same of triangles with new vertices, constrained Delaunay ones, for what the edges have
+/// become with those vertices on them.
+///
+/// @param points  of the triangles: the sites, and behind them the new vertices
+/// @param cut     each edge of the arrangement, replaced by a way over new vertices
+bool proved_refined(const Arrangement& arrangement, std::span<const exact::Point> points,
+                    std::span<const exact::Side> cut, std::span<const std::uint32_t> triangles);
+
 }  // namespace kzgis::mesh
 
 #endif

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -38,7 +39,8 @@ struct MeshOptions {
   /// Constrained Delaunay triangles, the fattest there are without new vertices: of any edge
   /// between two triangles, the corner of the one that lies off the edge is not within the circle
   /// through the corners of the other.  Of two diagonals of four vertices on one circle, the one at
-  /// the leftmost vertex is taken, the lowest of those at the same x.
+  /// the leftmost vertex is taken, the lowest of those at the same x; vertices that refinement adds
+  /// come behind all others.  A refined mesh is Delaunay without being asked.
   bool delaunay = false;
 
   /// New vertices where sides cross, instead of a refusal.
@@ -48,6 +50,22 @@ struct MeshOptions {
   /// hold; no vertex of the caller's moves.  A cut side is never farther than 128 units in the last
   /// place of the largest coordinate from where it was.
   bool split_crossings = false;
+
+  /// The length that no side of a triangle exceeds, as `std::hypot` measures it; above 0, infinity
+  /// asks for nothing.
+  ///
+  /// New vertices cut the sides of the polygon, and lie between them.  With a longest side alone, a
+  /// side is cut into equal parts, and where depends on its two ends and nothing else: two polygons
+  /// with a border in common still share it when they are refined one by one.
+  double longest_side = std::numeric_limits<double>::infinity();
+
+  /// The least angle of a triangle, in degrees, from 0, which asks for nothing, to 25.
+  ///
+  /// Where two sides of the polygon meet with less than 60 degrees of the inside between them,
+  /// triangles whose shortest side ends on these two sides may have smaller angles, and no others
+  /// may: `Mesh::small_corners` counts them.  Where a side is cut depends on what lies around it:
+  /// polygons that are refined one by one share their borders no longer.
+  double least_angle_deg = 0.0;
 
   /// What would need more new vertices, or give more triangles, is refused before the memory is
   /// taken.
@@ -59,8 +77,13 @@ struct Mesh {
   /// Three vertex numbers each, in the caller's numbering from 0, counter-clockwise, never
   /// on one line.  Where vertices coincide the first of them stands for all.
   std::vector<std::uint32_t> triangles;
-  /// Vertices that are not the caller's, numbered behind these.
+  /// Vertices that are not the caller's, numbered behind these: those in which sides were split,
+  /// then those of refinement.  Of the latter, those on a side lie within two units in the last
+  /// place of the largest coordinate of its ends; a side is a piece of a ring between vertices on
+  /// it, and what two rings share is none.
   std::vector<double> new_x, new_y;
+  /// How many triangles have an angle below the least one that was asked for.
+  std::size_t small_corners = 0;
 };
 
 /// Which ring lies in which.
@@ -77,8 +100,10 @@ struct Nesting {
 /// vertices on one line.  Refused, with `ErrorKind::bad_data`, are two sides that cross where
 /// no vertex is, two rings that overlap or repeat one another, and a coordinate out of range;
 /// with `bad_argument`, arrays that do not fit each other or hold more than 2^28 values.
-/// Nothing else is, however close to each other vertices and sides lie.  `docs/polygons.md` says
-/// what these words mean and what is proved of the triangles before they are handed out.
+/// Nothing else is, however close to each other vertices and sides lie, as long as no more is asked
+/// for: refinement ends with `bad_data` and a vertex nearby where doubles are too coarse for it,
+/// and options out of range are a `bad_argument`.  `docs/polygons.md` says what these words mean
+/// and what is proved of the triangles before they are handed out.
 ///
 /// The same input gives the same triangles.  Time grows as n log n for n vertices, however many
 /// sides lie on top of each other; but where bundles of many sides cross one another in a
@@ -89,7 +114,8 @@ struct Nesting {
 /// (1976), in exact arithmetic; the triangles are those of S. Hertel and K. Mehlhorn, "Fast
 /// triangulation of simple polygons" (1983).  Where sides are split, J. L. Bentley and
 /// T. A. Ottmann's sweep (1979) finds the crossings, and the time grows as (n + k) log n for k of
-/// them, some rounds over.
+/// them, some rounds over.  Refinement is M.-C. Rivara's (1997) to a length and J. Ruppert's (1995)
+/// to an angle; its time grows about as n log n for n triangles that come out.
 KZGIS_EXPORT Result<Mesh, Flaw> triangulate(const Rings& rings, const MeshOptions& options = {});
 
 /// Finds what `triangulate` refuses a polygon for: places to mend.

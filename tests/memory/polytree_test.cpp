@@ -204,8 +204,8 @@ std::vector<Operation> trees() {
   };
 }
 
-long kind_of(const kzgis::Rings& rings) {
-  const Meshed mesh = meshed(rings);
+long kind_of(const kzgis::Rings& rings, const kzgis::MeshOptions& options = {}) {
+  const Meshed mesh = meshed(rings, options);
   if (mesh.flaw) return static_cast<long>(mesh.flaw.kind);
   return 100 + static_cast<long>(mesh.triangles.size());
 }
@@ -257,6 +257,14 @@ std::vector<Operation> meshes() {
       {"triangulate_Mended", 20, {no_memory}, [] { return kind_of_mended(tie); }},
       {"triangulate_FromScratch", 20, {no_memory}, [] { return kind_of_mended(curve); }},
       {"find_flaws", 5, {no_memory}, [] { return count_flaws(tie); }},
+      {"triangulate_Refined",
+       60,
+       {no_memory},
+       [] { return kind_of(rings, {.longest_side = 2, .least_angle_deg = 25}); }},
+      {"triangulate_RefinedTooFar",
+       30,
+       {no_memory},
+       [] { return kind_of(rings, {.longest_side = 2, .most_triangles = 40}); }},
       {"nest", 20, {no_memory}, [] { return kind_of_nesting(rings); }},
       {"nest_Refused", 5, {no_memory}, [] { return kind_of_nesting(tie); }},
   };

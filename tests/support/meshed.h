@@ -12,8 +12,8 @@ struct Meshed : kzgis::Mesh {
   kzgis::Flaw flaw;
 };
 
-inline Meshed meshed(const kzgis::Rings& rings) {
-  kzgis::Result<kzgis::Mesh, kzgis::Flaw> result = kzgis::triangulate(rings);
+inline Meshed meshed(const kzgis::Rings& rings, const kzgis::MeshOptions& options = {}) {
+  kzgis::Result<kzgis::Mesh, kzgis::Flaw> result = kzgis::triangulate(rings, options);
   if (!result) return {{}, std::move(result).error()};
   return {std::move(*result), {}};
 }

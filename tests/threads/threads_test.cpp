@@ -190,6 +190,9 @@ std::string mesh_polygons() {
     put(os, meshed(rings).triangles);
     put(os, kzgis::triangulate(rings, {.delaunay = true, .split_crossings = true})->triangles);
     os << kzgis::find_flaws(rings).size();
+    const Meshed refined = meshed(rings, {.longest_side = 1, .least_angle_deg = 20});
+    put(os, refined.triangles);
+    put(os, refined.new_x);
   }
   return os.str();
 }
