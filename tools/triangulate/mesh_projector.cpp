@@ -48,6 +48,8 @@ std::vector<bool> rings_at_west_end(const Rings& rings) {
       if (rings.x[v] <= west + kSeamTolerance_deg) begins_there[r] = true;
     }
   }
+  // Where sides cross there is none, and the halves become one polygon: splitting them cuts out
+  // what they overlap by.
   auto nesting = nest(rings);
   if (!nesting) return chosen;
   std::vector<std::int32_t> parent = std::move(nesting->parent);
