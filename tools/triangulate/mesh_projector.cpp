@@ -156,7 +156,7 @@ Error MeshProjector::make_flat(const Rings& rings, const MeshOptions& options, M
       return {ErrorKind::bad_data, "once projected, ring " + std::to_string(part.error().ring) +
                                        " crosses itself or another"};
     }
-    if (!part) return part.error();
+    if (!part) return Error{part.error().kind, part.error().message};
     mesh.triangles.insert(mesh.triangles.end(), part->triangles.begin(), part->triangles.end());
     for (std::size_t i = 0; i < part->new_x.size(); ++i) {
       mesh.new_x.push_back(part->new_x[i]);

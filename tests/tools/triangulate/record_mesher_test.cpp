@@ -33,8 +33,8 @@ struct BowTie {
 };
 
 std::string refusal(const Rings& rings, const MeshOptions& options = {},
-                    std::optional<MeshProjector> to = std::nullopt) {
-  const auto mesh = RecordMesher(options, std::move(to)).mesh(rings);
+                    const std::optional<MeshProjector>& to = std::nullopt) {
+  const auto mesh = RecordMesher(options, to).mesh(rings);
   return mesh ? std::string() : mesh.error().message;
 }
 
