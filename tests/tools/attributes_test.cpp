@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <shapefil.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -85,6 +86,18 @@ TEST_F(AttributesTest, ExpectsARowForEachRecord) {
     ADD_FAILURE() << "nothing was said";
   } catch (const CommandError& error) {
     EXPECT_EQ(error.what(), path("layer.dbf") + ": holds 1 rows for 3 records");
+  }
+}
+
+TEST_F(AttributesTest, RefusesRowsThatAreNotThere) {
+  const std::string file = table_of(FTString, 4, 0, "a");
+  // A header of 65 bytes, and a row of five.
+  std::filesystem::resize_file(path("layer.dbf"), 69);
+  try {
+    Attributes(file).expect_rows(1);
+    ADD_FAILURE() << "nothing was said";
+  } catch (const CommandError& error) {
+    EXPECT_EQ(error.what(), path("layer.dbf") + ": ends before its last row");
   }
 }
 

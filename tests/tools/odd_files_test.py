@@ -39,6 +39,8 @@ WAYS = [
     (["info", "IN.dem.gz"], None, "dem/st_helens", [".dem.gz"]),
     (["dem", "IN.dem.gz", "-o", "OUT"], ".asc", "dem/st_helens", [".dem.gz"]),
     (["triangulate", "IN.shp", "-o", "OUT"], ".obj", "ne/ne_110m_lakes", SHAPE_PARTS),
+    (["triangulate", "IN.shp", "--records", "8:", "--extrude", "@scalerank", "-o", "OUT"], ".ply",
+     "ne/ne_50m_lakes_with_islands", [".dbf"]),
     (["project", "--to", "mercator", "IN.csv", "-o", "OUT"], ".csv", "TABLE", [".csv"]),
     (["pack", "IN.shp", "OUT", *PACKED_AS], "", "wdb/riv", [*SHAPE_PARTS, ".dbf"]),
 ]

@@ -22,6 +22,7 @@ TIMEOUT_S = 60
 # Each way to write a file of some hundred KiB at least: the arguments and the ending.
 WAYS = [
     (["triangulate", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".obj"),
+    (["triangulate", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".stl"),
     (["map", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".svg"),
     (["map", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".png"),
     (["project", "--to", "mercator", "TABLE", "-o", "OUT"], ".csv"),

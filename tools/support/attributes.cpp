@@ -106,9 +106,16 @@ bool Attributes::exist(const std::string& file) {
 int Attributes::count() const { return DBFGetRecordCount(table_.get()); }
 
 void Attributes::expect_rows(std::uint32_t records) const {
-  if (std::cmp_equal(count(), records)) return;
-  throw CommandError(name_ + ": holds " + std::to_string(count()) + " rows for " +
-                     std::to_string(records) + " records");
+  if (std::cmp_not_equal(count(), records)) {
+    throw CommandError(name_ + ": holds " + std::to_string(count()) + " rows for " +
+                       std::to_string(records) + " records");
+  }
+  // shapelib takes the header's word for it, and rows that are not there for blank ones.
+  const std::int64_t bytes =
+      table_->nHeaderLength + std::int64_t{table_->nRecordLength} * table_->nRecords;
+  if (std::cmp_less(size_of(name_), bytes)) {
+    throw CommandError(name_ + ": ends before its last row");
+  }
 }
 
 std::optional<int> Attributes::field(const std::string& field_name) const {

@@ -26,7 +26,7 @@ class Attributes {
 
   const std::string& name() const { return name_; }
   int count() const;
-  /// Throws `CommandError` unless there is a row for each of so many records.
+  /// Throws `CommandError` unless there is a row for each of so many records, to its last byte.
   void expect_rows(std::uint32_t records) const;
 
   /// The column of a field, upper and lower case alike.

@@ -48,6 +48,8 @@ std::vector<bool> rings_at_west_end(const Rings& rings) {
       if (rings.x[v] <= west + kSeamTolerance_deg) begins_there[r] = true;
     }
   }
+  // Where sides cross there is none, and the halves become one polygon: splitting them cuts out
+  // what they overlap by.
   auto nesting = nest(rings);
   if (!nesting) return chosen;
   std::vector<std::int32_t> parent = std::move(nesting->parent);
@@ -154,7 +156,7 @@ Error MeshProjector::make_flat(const Rings& rings, const MeshOptions& options, M
       return {ErrorKind::bad_data, "once projected, ring " + std::to_string(part.error().ring) +
                                        " crosses itself or another"};
     }
-    if (!part) return part.error();
+    if (!part) return Error{part.error().kind, part.error().message};
     mesh.triangles.insert(mesh.triangles.end(), part->triangles.begin(), part->triangles.end());
     for (std::size_t i = 0; i < part->new_x.size(); ++i) {
       mesh.new_x.push_back(part->new_x[i]);

@@ -26,15 +26,15 @@ bool is_mendable(const Rings& rings, const Flaw& flaw) {
   return in_range(rings.x[vertex]) && in_range(rings.y[vertex]);
 }
 
-Error refusal(Error error, bool mendable) {
-  if (mendable) error.message += "; try --repair";
-  return error;
+Error refusal(const Error& error, bool mendable) {
+  return {error.kind, error.message + (mendable ? "; try --repair" : "")};
 }
 
 }  // namespace
 
-RecordMesher::RecordMesher(const MeshOptions& options, std::optional<MeshProjector> projector)
-    : options_(options), before_projection_(options), projector_(std::move(projector)) {
+RecordMesher::RecordMesher(const MeshOptions& options,
+                           const std::optional<MeshProjector>& projector)
+    : options_(options), before_projection_(options), projector_(projector) {
   if (projector_ && projector_->is_flat()) {
     before_projection_ = {};
     before_projection_.split_crossings = options.split_crossings;

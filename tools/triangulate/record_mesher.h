@@ -29,7 +29,7 @@ class RecordMesher {
  public:
   /// @param options    what is asked of the triangles that come out
   /// @param projector  none for polygons that stay as they are
-  RecordMesher(const MeshOptions& options, std::optional<MeshProjector> projector);
+  RecordMesher(const MeshOptions& options, const std::optional<MeshProjector>& projector);
 
   /// Refuses, with a reason, what is no polygon or cannot be projected.  Of sides that cross, or
   /// rings that overlap, the reason ends with the option of the command that splits them.

@@ -156,7 +156,7 @@ int run(const Options& options) {
   if (options.projected) {
     projector.emplace(make_chart(options.projection.type, chart_parameters(options.projection)));
   }
-  const RecordMesher mesher(mesh_options(options), std::move(projector));
+  const RecordMesher mesher(mesh_options(options), projector);
   Shapefile shapes = open_shapefile(options.input);
   const RecordRange range = choose_records(shapes, options);
   Complaints complaints;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <string>
 #include <vector>
@@ -32,8 +33,8 @@ struct BowTie {
 };
 
 std::string refusal(const Rings& rings, const MeshOptions& options = {},
-                    std::optional<MeshProjector> to = std::nullopt) {
-  const auto mesh = RecordMesher(options, std::move(to)).mesh(rings);
+                    const std::optional<MeshProjector>& to = std::nullopt) {
+  const auto mesh = RecordMesher(options, to).mesh(rings);
   return mesh ? std::string() : mesh.error().message;
 }
 
@@ -106,6 +107,32 @@ TEST(RecordMesher, PutsACrossingWhereItIsOnTheMap) {
   EXPECT_NEAR(mesh->points[4].x, 0.17453292519943295, 1e-14);
   EXPECT_NEAR(mesh->points[4].y, 0.5 * mesh->points[1].y, 1e-14);
   EXPECT_EQ(mesh->area, 200.0);
+}
+
+TEST(RecordMesher, NumbersNewVerticesOneBehindTheOther) {
+  const std::vector<double> x{160,  180,  180,  160,  160,  180,  180,  160,
+                              -180, -160, -160, -180, -180, -160, -160, -180};
+  const std::vector<double> y{0, 20, 0, 20, 30, 50, 30, 50, 0, 20, 0, 20, 30, 50, 30, 50};
+  const std::vector<std::int32_t> starts{0, 4, 8, 12};
+  ProjectionOptions cartesian;
+  cartesian.type = find_projection("cartesian").value();
+  cartesian.base = NumberPair{0.0, 180.0};
+  cartesian.radius = 180.0 / std::acos(-1.0);  // so that it gives degrees
+  const MeshProjector to(make_chart(cartesian.type, chart_parameters(cartesian)));
+  const auto mesh = RecordMesher(repairing(), to).mesh({x, y, starts});
+  ASSERT_TRUE(mesh) << mesh.error().message;
+  EXPECT_EQ(mesh->added, 4U);
+  ASSERT_EQ(mesh->points.size(), 20U);
+  double area = 0.0;
+  for (std::size_t i = 0; i < mesh->triangles.size(); i += 3) {
+    const WorldPoint& a = mesh->points[mesh->triangles[i]];
+    const WorldPoint& b = mesh->points[mesh->triangles[i + 1]];
+    const WorldPoint& c = mesh->points[mesh->triangles[i + 2]];
+    const double twice = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+    EXPECT_GT(twice, 0.0);
+    area += 0.5 * twice;
+  }
+  EXPECT_NEAR(area, 4 * 200.0, 1e-9);
 }
 
 }  // namespace
