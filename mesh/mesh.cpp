@@ -74,6 +74,7 @@ Mesh mesh_of(const Rings& rings, const mesh::Sites& sites, std::vector<std::uint
   for (std::uint32_t& corner : result.triangles) {
     corner = corner < sites.size() ? sites.vertex(corner) : corner - sites.size() + own + split;
   }
+  result.crossings = split;
   result.new_x.resize(split + more.size());
   result.new_y.resize(split + more.size());
   for (std::uint32_t site = 0; site < sites.size(); ++site) {

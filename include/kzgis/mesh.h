@@ -82,6 +82,8 @@ struct Mesh {
   /// place of the largest coordinate of its ends; a side is a piece of a ring between vertices on
   /// it, and what two rings share is none.
   std::vector<double> new_x, new_y;
+  /// How many of the new vertices, the first ones, were put where sides cross.
+  std::size_t crossings = 0;
   /// How many triangles have an angle below the least one that was asked for.
   std::size_t small_corners = 0;
 };

@@ -46,6 +46,7 @@ struct Mended {
     }
     triangles = mesh->triangles;
     fresh = mesh->new_x.size();
+    EXPECT_EQ(mesh->crossings, fresh);
     x.insert(x.end(), mesh->new_x.begin(), mesh->new_x.end());
     y.insert(y.end(), mesh->new_y.begin(), mesh->new_y.end());
   }

@@ -19,6 +19,7 @@
 #include "tools/mesh_files/mesh_writer.h"
 #include "tools/support/attributes.h"
 #include "tools/support/command_error.h"
+#include "tools/support/number_text.h"
 #include "tools/support/output_file.h"
 #include "tools/support/output_format.h"
 #include "tools/support/progress.h"
@@ -43,6 +44,8 @@ struct Options {
   bool check = false;
   bool repair = false;
   bool plain = false;
+  std::optional<double> longest_side;
+  std::optional<double> least_angle_deg;
   std::string extrude;  ///< empty: flat
   bool projected = false;
   ProjectionOptions projection;
@@ -112,6 +115,8 @@ MeshOptions mesh_options(const Options& options) {
   MeshOptions asked;
   asked.delaunay = !options.plain;
   asked.split_crossings = options.repair;
+  asked.longest_side = options.longest_side.value_or(asked.longest_side);
+  asked.least_angle_deg = options.least_angle_deg.value_or(asked.least_angle_deg);
   return asked;
 }
 
@@ -216,6 +221,10 @@ polygon, because its rings cross say, is named with its reason and left out; the
 exit code is then 1.  With --repair, sides that cross get a vertex there, and what
 an odd number of rings lies around is inside.  Z and M of the records stay behind.
 
+--longest-side and --least-angle put new vertices on sides and between them until no
+side of a triangle is longer (in the unit of x and y as they come out, on a globe in
+degrees) and no angle smaller, but for the polygon's own sharp corners.
+
 --extrude raises prisms: closed bodies of bottom, walls and top.  The height is in
 the unit of x and y as they come out, a number or @ and a field of the dBASE table;
 a record without a height above 0 is named and left out.  On a globe up is outwards.
@@ -245,7 +254,7 @@ projected vertices: on the globe a long one cuts below the surface.
 Examples:
   kzgis triangulate countries.shp -o countries.glb
   kzgis triangulate lakes.shp --repair --check
-  kzgis triangulate countries.shp --to globe --radius 1 -o globe.ply
+  kzgis triangulate countries.shp --to globe --longest-side 5 -o globe.ply
   kzgis triangulate houses.shp --extrude @FLOORS -o houses.stl
   kzgis triangulate lakes.shp --records 3:5 -o - --format geojson
 )";
@@ -277,6 +286,25 @@ void add_triangulate_command(CLI::App& app, int& exit_code) {
   CLI::Option* const plain =
       command.add_flag("--plain", options->plain, "The sweep's own triangles: quick, and slivers");
   command.add_flag("--delaunay")->description("Delaunay triangles (the usual)")->excludes(plain);
+  command.add_option("--longest-side", options->longest_side, "Vertices until no side is longer")
+      ->type_name("L")
+      ->excludes(plain)
+      ->check([](const std::string& text) {
+        return parse_number(text).value_or(0.0) > 0.0
+                   ? std::string()
+                   : in_quotes(text) + " is no length; one is a number above 0";
+      });
+  command
+      .add_option("--least-angle", options->least_angle_deg,
+                  "Vertices until no angle is smaller, 25 degrees at most")
+      ->type_name("DEG")
+      ->excludes(plain)
+      ->check([](const std::string& text) {
+        const double angle = parse_number(text).value_or(-1.0);
+        return angle >= 0.0 && angle <= 25.0
+                   ? std::string()
+                   : in_quotes(text) + " is no such angle; one is a number from 0 to 25";
+      });
   command.add_option("--extrude", options->extrude, "Raise prisms, all as high or each by a field")
       ->type_name("HEIGHT|@FIELD");
   add_projection_options(command, options->projection);

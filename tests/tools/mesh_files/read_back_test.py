@@ -172,9 +172,24 @@ def check_geojson(tmp):
             point for ring in rings for point in ring}
 
 
+def check_refined(tmp):
+    path = tmp / "refined.ply"
+    write(path, "--longest-side", "0.5", "--least-angle", "20")
+    mesh = other.read_ply(path)
+    assert len(mesh.faces) > 1.2 * sum(TRIANGLES)
+    assert abs(plane_area(mesh) - AREA) < 1e-9, plane_area(mesh)
+    for face in mesh.faces:
+        a, b, c = (mesh.vertices[v] for v in face)
+        assert max(math.dist(a, b), math.dist(b, c), math.dist(c, a)) <= 0.5 + 1e-12
+    angles = least_angles(mesh)
+    # Sharp corners of the lakes are left, a few in a hundred.
+    assert angles[len(angles) // 10] >= 20.0 - 1e-9, angles[len(angles) // 10]
+
+
 def main():
     with tempfile.TemporaryDirectory() as tmp:
-        for check in (check_glb, check_stl, check_ply, check_obj, check_geojson):
+        for check in (check_glb, check_stl, check_ply, check_obj, check_geojson,
+                      check_refined):
             check(pathlib.Path(tmp))
 
 
