@@ -82,7 +82,7 @@ void check_options(const Contours& contours, unsigned sum) {
   constexpr double kAngles[] = {0.0, 10.0, 20.0, 25.0};
   options.longest_side = kLengths[sum >> 2U & 3U];
   options.least_angle_deg = kAngles[sum >> 4U & 3U];
-  options.most_triangles = 3000;
+  options.most_triangles = 500;
   const auto mesh = kzgis::triangulate({contours.x, contours.y, contours.starts}, options);
   if (!mesh) {
     require(mesh.error().kind != kzgis::ErrorKind::unproved);

@@ -32,8 +32,8 @@ class Greedy {
   /// The worst point of a triangle when it was looked at.
   struct Candidate {
     Deviation worst;
-    std::uint32_t triangle;
-    std::uint32_t look;  ///< how often the triangle had been looked at
+    std::uint32_t triangle = 0;
+    std::uint32_t look = 0;  ///< how often the triangle had been looked at
   };
   static bool comes_later(const Candidate& a, const Candidate& b);
   bool is_stale(const Candidate& candidate) const {

@@ -15,6 +15,7 @@
 #include <random>
 #include <set>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -432,7 +433,7 @@ TEST(Refinement, KeepsToTheNumberOfTriangles) {
     const std::size_t size = Refined(kSquare, options).size();
     options.most_triangles = size;
     EXPECT_EQ(Refined(kSquare, options).size(), size);
-    options.most_triangles = size / 2;
+    options.most_triangles = size - 1;
     const Refined refused(kSquare, options);
     EXPECT_EQ(refused.flaw.kind, ErrorKind::bad_argument);
   }
@@ -589,6 +590,20 @@ TEST(LeastAngle, OfSharpCornersComesToAnEnd) {
   }
 }
 
+// So that the cuts of both sides come to lie at the same distances from the corner.
+TEST(LeastAngle, CutsTheSidesOfSharpCornersAtPowersOfTwo) {
+  for (const double degrees : {50.0, 30.0, 10.0, 1.0}) {
+    SCOPED_TRACE(degrees);
+    const Refined mesh(wedge(degrees, 9.99, true), {.least_angle_deg = 25});
+    ASSERT_EQ(mesh.flaw.message, "");
+    for (const std::size_t end : {1U, 2U}) {
+      double nearest = kInfinity;
+      for (const auto& [x, y] : mesh.cuts(0, end)) nearest = std::min(nearest, std::hypot(x, y));
+      EXPECT_NEAR(nearest, std::ldexp(1.0, std::ilogb(nearest * 1.000001)), 1e-12);
+    }
+  }
+}
+
 TEST(LeastAngle, OfManyWedgesInOnePlaceComesToAnEnd) {
   std::vector<std::pair<double, double>> ring;
   constexpr int kWedges = 12;
@@ -664,6 +679,20 @@ TEST(Refinement, OfWhatDoublesHardlyHoldIsAMeshOrARefusal) {
     look_at(polygon, {.split_crossings = true,
                       .longest_side = i % 2 == 0 ? 0.3 : 0x1p-43,
                       .most_triangles = 20000});
+  }
+  // Needles in all directions: at one end of their long sides or the other, cuts would turn over.
+  std::array<std::pair<double, double>, 3> needle{{{0.1, 0.3}, {0.7, 1.1}, {0.7, 1.1 + 0x1p-52}}};
+  for (int i = 0; i < 8; ++i) {
+    SCOPED_TRACE(i);
+    if (i == 4) std::swap(needle[1], needle[2]);
+    for (auto& [x, y] : needle) std::tie(x, y) = std::pair(-y, x);
+    if (i >= 4) {
+      for (auto& [x, y] : needle) x = -x;
+    }
+    look_at({{needle.begin(), needle.end()}}, {.longest_side = 0.01});
+    if (i >= 4) {
+      for (auto& [x, y] : needle) x = -x;
+    }
   }
   look_at({{{0, 0}, {1, 0}, {1, 1e-140}, {0, 1e-140}}}, {.least_angle_deg = 25});
   look_at({{{0, 0}, {0x1p500, 0}, {0, 0x1p-480}}}, {.longest_side = 0x1p498});

@@ -122,8 +122,7 @@ std::string record_flaw(const Shapefile& shapes, std::uint32_t number, const Sha
   if (record.type != ShapeType::null && record.type != shapes.type()) {
     return "its type is " + type_text(record.type) + ", the file's " + type_text(shapes.type());
   }
-  const std::string flaw = flaw_of(record);
-  if (!flaw.empty()) return flaw;
+  if (std::string flaw = flaw_of(record); !flaw.empty()) return flaw;
   for (std::size_t i = 0; i < record.z.size(); ++i) {
     if (!std::isfinite(record.z[i])) return "point " + std::to_string(i + 1) + " has no finite z";
   }
