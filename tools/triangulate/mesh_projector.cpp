@@ -158,6 +158,7 @@ Error MeshProjector::make_flat(const Rings& rings, const MeshOptions& options, M
     }
     if (!part) return Error{part.error().kind, part.error().message};
     mesh.triangles.insert(mesh.triangles.end(), part->triangles.begin(), part->triangles.end());
+    mesh.crossings += part->crossings;
     for (std::size_t i = 0; i < part->new_x.size(); ++i) {
       mesh.new_x.push_back(part->new_x[i]);
       mesh.new_y.push_back(part->new_y[i]);

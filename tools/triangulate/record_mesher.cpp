@@ -52,7 +52,6 @@ Result<RecordMesh> RecordMesher::mesh(const Rings& rings) const {
     result.points.push_back({mesh->new_x[v], mesh->new_y[v], 0.0});
   }
   result.area = area(result.points, mesh->triangles);
-  result.crossings = mesh->crossings;
   if (projector_) {
     const Error error = projector_->project(rings, options_, *mesh, result.points);
     if (error) {
@@ -60,6 +59,7 @@ Result<RecordMesh> RecordMesher::mesh(const Rings& rings) const {
       return refusal(error, crosses);
     }
   }
+  result.crossings = mesh->crossings;
   result.added = mesh->new_x.size();
   result.triangles = std::move(mesh->triangles);
   return result;
