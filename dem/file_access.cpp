@@ -104,8 +104,8 @@ void DEM_LRA::moveToNextBlock() {
 }
 
 // The stream has moved already when the bytes are counted.  A skip that reaches the end of its
-// block therefore moves on once more, by what the block had left before it; the interface has
-// it so.
+// block therefore moves on once more, by what the block had left before it
+// (docs/classic.md).
 int DEM_LRA::skipFile(int n) {
   move_forward(n);
   if (!good()) return -1;

@@ -37,8 +37,8 @@ int DEM_LogicalRecord::setFN(const UtString& name) {
 
 /// Reads the next profile over the one before.
 ///
-/// Nothing in a profile says that it is the last.  By the interface it is the one whose row and
-/// column are record A's numbers of rows and columns; a caller that goes on all the same
+/// Nothing in a profile says that it is the last.  It is the one whose row and column are
+/// record A's numbers of rows and columns (docs/classic.md); whoever goes on all the same
 /// meets whatever the file holds behind it.
 int DEM_LogicalRecord::readRecord() {
   if (fetchLRAIngest() == 0) {

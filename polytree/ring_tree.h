@@ -22,8 +22,8 @@ namespace kzgis::polytree {
 /// if there are any it settles there, behind the others.  If not, it goes down into the
 /// first child that it lies in; where there is none it settles.  Taking children, the scan
 /// passes over the one that follows a child taken: a scan by position over a list that
-/// closes its gaps would, and the order of rings that this tells apart is part of what
-/// callers see (RingTree.PassesOverTheChildBehindOneTaken).
+/// closes its gaps would, and docs/classic.md has the order of rings that this tells apart
+/// (RingTree.PassesOverTheChildBehindOneTaken).
 ///
 /// Whether a ring lies in another is what `KZ_GIS_PolygonNode_c::Inside` says, and is found
 /// out with less work, since no two rings here share an index, and no coordinate changes

@@ -99,8 +99,8 @@ int Projection::Albers() {
     const double offset = k - cone_radius(phi0);
     const double rho = cone_radius(phi);
     const double theta = dlambda * s * 0.5;
-    // Of all flat projections this case alone has z = 0 in the place of the altitude; the
-    // interface has it so.
+    // Of all flat projections this case alone has z = 0 in the place of the altitude
+    // (docs/classic.md).
     storeWorld(std::sin(theta) * rho, k - std::cos(theta) * rho - offset, 0.0);
   } else {
     const double s1 = std::sin(phi1);  // the cone constant

@@ -163,7 +163,7 @@ const LatLon* Projection::fetchLLCoordinates(double* altitude) const {
 }
 
 // The count of world coordinates stays: after `removeCoords` it is 0 although there are three
-// again, until the next `setLLCoordinates`.  The interface has it so.
+// again, until the next `setLLCoordinates` (docs/classic.md).
 void Projection::setWorldCoordinates(double x, double y, double z) { storeWorld(x, y, z); }
 
 void Projection::setWorldCoordinates(const double* xyz) { storeWorld(xyz[0], xyz[1], xyz[2]); }

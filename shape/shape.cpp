@@ -180,9 +180,9 @@ const KZ_GIS_ESRI_ShapeHeader_c& KZ_GIS_ESRI_Shape_c::ShapeHeader() const { retu
 
 const KZ_GIS_ESRI_ShapeHeader_c& KZ_GIS_ESRI_Shape_c::IndexHeader() const { return index_header_; }
 
-// The shape file's flag guards a number that comes from the index header.  The interface has it
-// so: with the index alone open there is no count, and with the shape file alone the count is
-// that of the index opened last.
+// The shape file's flag guards a number that comes from the index header (docs/classic.md): with
+// the index alone open there is no count, and with the shape file alone the count is that of the
+// index opened last.
 kz_ulong KZ_GIS_ESRI_Shape_c::NumberOfDataRecords(kz_ulong* count) const {
   if (!shape_file_open_) return status::not_open;
   const auto header_length = static_cast<kz_ulong>(index_header_.HeaderLength());

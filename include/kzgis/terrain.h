@@ -1,4 +1,4 @@
-// Elevations as triangles: as many as the hillside needs, and no more.
+// Elevations as triangles: few where the ground is even, many where it is not.
 
 #ifndef KZGIS_TERRAIN_H
 #define KZGIS_TERRAIN_H

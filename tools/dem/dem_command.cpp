@@ -93,9 +93,9 @@ constexpr const char* kExamples = R"(
 A picture shows the relief in the light of the sun, tinted by height, with a scale
 for the colours and one for distances; --shade leaves out the colours, --tint the
 light.  Numbers keep the file's own units and coordinates; cells that the file has
-no elevation for are -32767 in a grid and left out of points.  A mesh is in metres all
-round, nowhere farther from an elevation than --tolerance, and as small as that allows;
-cells without an elevation are holes.
+no elevation for are -32767 in a grid and left out of points.  A mesh is nowhere farther
+from an elevation than --tolerance, in the file's unit, and has few triangles for that;
+it comes out in metres all round, and cells without an elevation are holes.
 
   .png .svg .pdf  a picture, north up
   .asc            an ESRI ASCII grid with its georeference

@@ -84,9 +84,9 @@ above earlier ones.
 
 The longitude of --base is the middle of every map; with --box and without --base,
 the middle of the box is.  The latitude of --base is the centre of gnomonic,
-stereographic, orthographic, postel, lambert azimuthal and globe, shapes bonne and
-werner, says which side of the equator the usual parallels of the conics lie on, and
-changes nothing else.
+stereographic, orthographic, postel, lambert azimuthal and globe, shapes bonne, says
+which pole werner is about and on which side of the equator the usual parallels of
+the conics lie, and changes nothing else.
 
 Coordinates must be degrees.  Null and empty records are skipped.  A record, or a file
 of the bank, that is damaged is reported; the picture shows what can be read; the exit

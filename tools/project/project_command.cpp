@@ -191,7 +191,8 @@ With --classic both ways are those of the class Projection of the library, to th
 last bit: longitudes run from 0 to 360, and differences to the base longitude are
 taken as they stand, so that 10 W of base 0 lies 350 degrees to the east; pi is a
 little short; conics need --parallels above 0, bonne and some conics a --base off
-the equator; six projections have no inverse.
+the equator; six projections have no inverse.  What has no place gets numbers all
+the same, such as the far side of gnomonic mirrored.
 
 Examples:
   echo 48.2,16.37 | kzgis project --to mercator

@@ -246,7 +246,8 @@ standard error when the mesh goes there.
 
 With --to, coordinates are degrees and come out as the world coordinates that
 kzgis project gives, in the unit of the radius; a globe comes out as x, y and z
-from its centre.  Nothing tears at the meridian of the base.  A record across the
+from its centre.  Nothing tears at the meridian of the base; at the opposite one a
+ring stays on its own side, east or west.  A record across the
 opposite meridian is named and left out, like one that the projection has no place
 for, or turns inside out, or makes cross itself.  Sides run straight between the
 projected vertices: on the globe a long one cuts below the surface.
