@@ -17,9 +17,9 @@ inline std::from_chars_result real_from_chars(const char* first, const char* las
 
 #else
 
-/// What `std::from_chars` does with digits, by the host's `strtod` in the locale "C": in the general
-/// format nothing may begin with "0x", in the hexadecimal one nothing be infinite or no number.
-/// Takes memory for a copy of the text, and throws `std::bad_alloc` without.
+/// What `std::from_chars` does with digits, by the host's `strtod` in the locale "C": in the
+/// general format nothing may begin with "0x", in the hexadecimal one nothing be infinite or no
+/// number. Takes memory for a copy of the text, and throws `std::bad_alloc` without.
 std::from_chars_result real_from_chars(const char* first, const char* last, double& value,
                                        std::chars_format format);
 
