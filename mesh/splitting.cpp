@@ -74,22 +74,34 @@ class Cutter {
   }
 
   /// Leads one of two edges that cross, or both, over ends of the other that are near.
+  ///
+  /// Where the edges cross a hair before their ends, one end above the other, just one edge is led
+  /// over the other's end: a new vertex would come to lie a hair beside both ends, and so on, and
+  /// if both were led they would cross again.
   bool cut_at_vertices(std::uint32_t edge, std::uint32_t other) {
     const std::size_t before = cuts_.size();
-    for (const auto& [cut, through] : {std::pair{edge, other}, std::pair{other, edge}}) {
-      for (const exact::Point& end : {line(through).a, line(through).b}) {
-        if (is_near(end, line(cut))) cuts_.push_back({cut, end});
+    for (const bool beside : {false, true}) {
+      for (const auto& [cut, through] : {std::pair{edge, other}, std::pair{other, edge}}) {
+        for (const exact::Point& end : {line(through).a, line(through).b}) {
+          if (!is_near(end, line(cut), beside)) continue;
+          cuts_.push_back({cut, end});
+          if (beside) return true;
+        }
       }
+      if (cuts_.size() > before) return true;
     }
-    return cuts_.size() > before;
+    return false;
   }
 
-  /// Whether a place lies within the snapping distance of a line, between the line's ends.
-  bool is_near(const exact::Point& place, const exact::Line& line) const {
+  /// Whether a place lies within the snapping distance of a line, between the line's ends; or
+  /// beside one of these.
+  bool is_near(const exact::Point& place, const exact::Line& line, bool beside) const {
     const double length = std::hypot(line.b.x - line.a.x, line.b.y - line.a.y);
     if (!(std::fabs(exact::doubled_area(line.a, line.b, place)) <= snap_ * length)) return false;
     const double at = along(line, place);
-    return along(line, line.a) < at && at < along(line, line.b);
+    const double first = along(line, line.a);
+    const double last = along(line, line.b);
+    return (first < at && at < last) || (beside && (first == at || at == last));
   }
 
   const Overlay& overlay_;

@@ -317,6 +317,54 @@ TEST(SplitCrossingsProperty, KeepsToTheSides) {
   }
 }
 
+// In the rounding of one crossing, two edges come to end above each other, a last place apart, and
+// cross a hair before that: new vertices would follow each other there, one a round.
+TEST(SplitCrossings, WhereEdgesEndAHairAboveEachOther) {
+  const std::vector<std::vector<std::pair<double, double>>> tenths{
+      {{60, -58}, {48, 13}, {-1, -14}, {-38, 16}, {-1, 59}, {-9, 52}, {34, -48}, {59, 30}},
+      {{36, 12},
+       {-48, 57},
+       {34, 8},
+       {-27, -8},
+       {32, -2},
+       {12, -7},
+       {60, 5},
+       {-6, 49},
+       {57, 54},
+       {-39, 52},
+       {-3, -17},
+       {51, 57},
+       {35, -2}},
+      {{-55, -15},
+       {10, 25},
+       {35, -32},
+       {56, 60},
+       {-43, -57},
+       {2, -32},
+       {38, -44},
+       {28, 19},
+       {-51, -42},
+       {52, 54},
+       {-59, -53},
+       {-49, 9},
+       {-11, -29},
+       {60, 0}},
+      {{60, -58}, {48, 13}, {-1, -14}, {-38, 16}, {-1, 59}, {-9, 52}, {34, -48}, {59, 30}},
+  };
+  Polygon polygon;
+  for (auto ring : tenths) {
+    for (auto& [x, y] : ring) {
+      x = x * 0.1 + 100.1;
+      y *= 0.1;
+    }
+    polygon.add(ring);
+  }
+  const Mended mesh(polygon, false);
+  ASSERT_EQ(mesh.message, "");
+  EXPECT_NEAR(mesh.area(), odd_even_area(polygon), 1e-9);
+  expect_near_sides(polygon, mesh);
+}
+
 TEST(SplitCrossings, RefusesMoreCrossingsThanItMayMend) {
   Polygon star;
   std::vector<std::pair<double, double>> ring;
