@@ -173,8 +173,10 @@ bool Borders::lie_on_sharp_corner(std::uint32_t a, std::uint32_t b) const {
   if (a >= sites) return lies_across(a, ways_[a - sites].edge, b);
   if (b >= sites) return lies_across(b, ways_[b - sites].edge, a);
   if (first_[a + 1] - first_[a] > first_[b + 1] - first_[b]) std::swap(a, b);
-  return std::any_of(incident_.begin() + first_[a], incident_.begin() + first_[a + 1],
-                     [&](std::uint32_t edge) { return lies_across(a, edge, b); });
+  for (std::uint32_t i = first_[a]; i < first_[a + 1]; ++i) {
+    if (lies_across(a, incident_[i], b)) return true;
+  }
+  return false;
 }
 
 Borders::Pieces Borders::pieces() const {
