@@ -1,4 +1,4 @@
-// The scene of "glTF 2.0 Specification", Khronos Group (2021), in one file; tinygltf writes its
+// The scene of Khronos glTF 2.0 (ISO/IEC 12113:2022), in one file; tinygltf writes its
 // JSON and puts the chunks together.  One buffer, three views of it: the positions of all parts,
 // their normals, their indices.
 

@@ -1,4 +1,4 @@
-// The format of 3D Systems' "StereoLithography Interface Specification" (1989), little-endian:
+// 3D Systems' StereoLithography format (1989), binary and little-endian:
 //    0  char[80]  text; must not begin with "solid", by which the other STL is known
 //   80  uint32    number of triangles
 //   84  for each  float normal[3], a[3], b[3], c[3]; uint16 0

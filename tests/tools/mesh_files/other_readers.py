@@ -90,7 +90,7 @@ def read_stl(path):
 
 
 def read_glb_json(path):
-    """The first chunk, by "glTF 2.0 Specification" (2021)."""
+    """The first chunk, by Khronos glTF 2.0 (ISO/IEC 12113:2022)."""
     data = pathlib.Path(path).read_bytes()
     magic, version, length, chunk, kind = struct.unpack_from("<4sIII4s", data)
     assert (magic, version, length, kind) == (b"glTF", 2, len(data), b"JSON")
