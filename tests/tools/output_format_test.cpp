@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <CLI/CLI.hpp>
+
+#include "tools/support/command_error.h"
+
 namespace {
 
 using kzgis::tools::OutputFormats;

@@ -4,6 +4,7 @@
 
 #include <kzgis/terrain.h>
 
+#include <CLI/CLI.hpp>
 #include <memory>
 #include <ostream>
 #include <string>

@@ -2,6 +2,7 @@
 
 #include "tools/info/info_command.h"
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <string>

@@ -2,6 +2,7 @@
 
 #include "tools/map/map_command.h"
 
+#include <CLI/CLI.hpp>
 #include <charconv>
 #include <cmath>
 #include <cstdint>

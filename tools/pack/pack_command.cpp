@@ -2,6 +2,7 @@
 
 #include "tools/pack/pack_command.h"
 
+#include <CLI/CLI.hpp>
 #include <cstddef>
 #include <iostream>
 #include <memory>

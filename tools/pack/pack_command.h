@@ -3,7 +3,9 @@
 #ifndef KZGIS_TOOLS_PACK_PACK_COMMAND_H
 #define KZGIS_TOOLS_PACK_PACK_COMMAND_H
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 namespace kzgis::tools {
 

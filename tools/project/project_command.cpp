@@ -3,6 +3,7 @@
 
 #include "tools/project/project_command.h"
 
+#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>

@@ -2,6 +2,7 @@
 
 #include "tools/support/projection_options.h"
 
+#include <CLI/CLI.hpp>
 #include <string_view>
 
 #include "tools/support/command_error.h"

@@ -5,10 +5,13 @@
 
 #include <kzgis/chart.h>
 
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 #include <utility>
+
+namespace CLI {
+class App;
+}
 
 namespace kzgis::tools {
 

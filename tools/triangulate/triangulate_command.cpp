@@ -4,6 +4,7 @@
 
 #include <kzgis/mesh.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
