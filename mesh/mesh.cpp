@@ -14,6 +14,7 @@
 
 #include "exact/tiling.h"
 #include "mesh/arrangement.h"
+#include "mesh/boundary.h"
 #include "mesh/delaunay.h"
 #include "mesh/face_sweep.h"
 #include "mesh/faces.h"
@@ -186,6 +187,20 @@ std::vector<Flaw> find_flaws(const Rings& rings, std::size_t most) {
     }
   }
   return flaws;
+}
+
+Result<Outline, Flaw> make_valid(const Rings& rings) {
+  try {
+    const Result<Arrangement, Flaw> arranged = mesh::split(rings, mesh::kMostVertices);
+    if (!arranged) return arranged.error();
+    if (!mesh::same_modulo_2(arranged->sites, arranged->sides, arranged->edges)) {
+      return mesh::make_flaw(ErrorKind::unproved,
+                             "the rings found do not bound the polygon: an error of this library");
+    }
+    return mesh::boundary_of(*arranged);
+  } catch (const std::bad_alloc&) {
+    return no_memory();
+  }
 }
 
 Result<Nesting, Flaw> nest(const Rings& rings) {

@@ -27,6 +27,15 @@ struct Rings {
   std::span<const std::int32_t> starts;  ///< each >= 0, not decreasing, within the coordinates
 };
 
+/// Rings of its own: what a function hands out that makes polygons.
+struct Outline {
+  std::vector<double> x, y;
+  std::vector<std::int32_t> starts;  ///< as in `Rings`; no ring repeats its first vertex at the end
+
+  /// The same rings to be read, as long as this lives and does not change.
+  Rings rings() const { return {x, y, starts}; }
+};
+
 /// Where the input is not a polygon: ring and vertex are numbers in the caller's arrays,
 /// counted from 0; -1 when the flaw has no place.
 struct Flaw : Error {
@@ -129,6 +138,19 @@ KZGIS_EXPORT Result<Mesh, Flaw> triangulate(const Rings& rings, const MeshOption
 /// @param most  how many are looked for
 /// @return nothing for a polygon that can be triangulated
 KZGIS_EXPORT std::vector<Flaw> find_flaws(const Rings& rings, std::size_t most = 100);
+
+/// Makes a polygon valid, whatever its rings do: the same region, bounded by other rings.
+///
+/// The region is the one that `triangulate` cuts into triangles with `split_crossings`, whose bound
+/// on how far sides move is the same.  It comes in rings that are simple and meet each other in
+/// vertices only: outer boundaries counter-clockwise, holes clockwise, each beginning at its
+/// leftmost vertex (the lowest of those at the same x), in the order of these.  What bounds nothing
+/// is gone: spikes, repeated vertices, pieces that two rings share, rings that repeat one another.
+/// Vertices on straight runs stay.
+///
+/// @return what `nest` and `triangulate` accept; no ring for a polygon without an inside.  Refused
+///         is what `triangulate` refuses with `split_crossings`
+KZGIS_EXPORT Result<Outline, Flaw> make_valid(const Rings& rings);
 
 /// Finds the true containment of the rings, touching ones included; refuses what
 /// `triangulate` refuses.

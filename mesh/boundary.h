@@ -1,0 +1,17 @@
+// The boundary of an arrangement's inside, in simple rings.
+
+#ifndef KZGIS_MESH_BOUNDARY_H
+#define KZGIS_MESH_BOUNDARY_H
+
+#include "kzgis/mesh.h"
+#include "mesh/arrangement.h"
+
+namespace kzgis::mesh {
+
+/// Rings that are simple and meet in sites only, with the inside on their left; see
+/// `kzgis::make_valid` for how they are ordered.
+Outline boundary_of(const Arrangement& arrangement);
+
+}  // namespace kzgis::mesh
+
+#endif
