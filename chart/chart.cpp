@@ -101,6 +101,19 @@ std::string complaint(projType type, const ChartParameters& p) {
   return {};
 }
 
+/// What a map shows that has no reach: as far as its scale is bearable.
+Box usual_window(projType type, const ChartParameters& p) {
+  constexpr double kSquare = 85.0511287798066;  // makes Mercator's map a square
+  const double side =
+      kind_of(type).family == Family::conic && *p.first_parallel + *p.second_parallel < 0.0 ? -1.0
+                                                                                            : 1.0;
+  double south = -90.0;
+  if (type == LambertConicProj) south = -30.0;
+  if (type == AlbersProj) south = -60.0;
+  if (type == MercatorProj) return {-180.0, -kSquare, 180.0, kSquare};
+  return side > 0.0 ? Box{-180.0, south, 180.0, 90.0} : Box{-180.0, -90.0, 180.0, -south};
+}
+
 /// Fills in what is left open and the projection uses.
 ChartParameters filled_in(projType type, ChartParameters p) {
   const Kind& kind = kind_of(type);
@@ -115,6 +128,7 @@ ChartParameters filled_in(projType type, ChartParameters p) {
   }
   if (type == MercatorProj && !p.first_parallel) p.first_parallel = 0.0;
   if (kind.reach.most > 0.0 && !p.reach_deg) p.reach_deg = kind.reach.usual;
+  if (kind.reach.most == 0.0 && !p.window) p.window = usual_window(type, p);
   return p;
 }
 
