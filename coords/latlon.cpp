@@ -99,6 +99,10 @@ double step_below_exact(double lon) {
 /// What those additions never bring into the range is not looped over: infinities and
 /// NaN stay as they are; a finite value beyond +-2^62 is wrapped by its remainder.
 double wrap_longitude(double lon) {
+  // At most one step each way, as the rule takes it, is what nearly every longitude needs.
+  if (lon < 0.0 && lon >= -kTurn_deg) lon += kTurn_deg;
+  if (lon >= kTurn_deg && lon < 2.0 * kTurn_deg) lon -= kTurn_deg;
+  if (lon >= 0.0 && lon < kTurn_deg) return lon;
   if (!std::isfinite(lon)) return lon;
   if (lon < 0.0) {
     // Steps up from a negative value mirror steps down from its magnitude, rounding to
@@ -188,15 +192,12 @@ void LatLon::setLat(const double* dms) { setLat(dms[0], dms[1], dms[2]); }
 void LatLon::setLon(const double* dms) { setLon(dms[0], dms[1], dms[2]); }
 void LatLon::setAlt(double altitude) { alt_ = altitude; }
 
-double LatLon::fetchLat() const { return lat_; }
-double LatLon::fetchLon() const { return lon_; }
 void LatLon::fetchLat(int* arcsec) const { *arcsec = truncate_to_int32(lat_ * kArcSecPerDegree); }
 void LatLon::fetchLat(long* arcsec) const { *arcsec = truncate_to_int32(lat_ * kArcSecPerDegree); }
 void LatLon::fetchLon(int* arcsec) const { *arcsec = truncate_to_int32(lon_ * kArcSecPerDegree); }
 void LatLon::fetchLon(long* arcsec) const { *arcsec = truncate_to_int32(lon_ * kArcSecPerDegree); }
 void LatLon::fetchLat(double* deg, double* min, double* sec) const { latToDMS(deg, min, sec); }
 void LatLon::fetchLon(double* deg, double* min, double* sec) const { lonToDMS(deg, min, sec); }
-double LatLon::fetchAltitude() const { return alt_; }
 
 LatLon& LatLon::operator+=(const LatLon& other) {
   lat_ += other.lat_;

@@ -50,8 +50,8 @@ constexpr double kLargest = 1e12;
 constexpr double kMost = 1e8;
 
 /// Profiles are the grid's columns; as many are stored at a time as have their elevations of
-/// one row in a line of cache, 64 bytes on most hosts.
-constexpr std::size_t kTogether = 16;
+/// one row in a few lines of cache, and as the first cache has room for a line of each.
+constexpr std::size_t kTogether = 64;
 
 bool is_sane(double value) { return std::abs(value) <= kLargest; }  // false for NaN
 
@@ -396,17 +396,13 @@ void GridReader::fill_columns(std::span<const Profile> profiles) {
         std::clamp(columns[i].to, 0, grid_.rows) - std::clamp(columns[i].from, 0, grid_.rows);
     grid_.left_out += profile.count() - static_cast<std::size_t>(inside);
   }
-  // Square by square, so that what is read and what is written share lines of cache.
-  constexpr auto kSide = static_cast<kz_long>(kTogether);
-  for (kz_long south = 0; south < grid_.rows; south += kSide) {
+  // Row by row: each profile is read in order, and what is written side by side shares lines of
+  // cache, which are waited for once.
+  for (kz_long row = 0; row < grid_.rows; ++row) {
+    float* const line = cells + static_cast<std::size_t>(grid_.rows - 1 - row) * width;
     for (std::size_t i = 0; i < profiles.size(); ++i) {
       const Column& c = columns[i];
-      const kz_long from = std::max(south, c.from);
-      const kz_long to = std::min({south + kSide, c.to, grid_.rows});
-      for (kz_long row = from; row < to; ++row) {
-        cells[static_cast<std::size_t>(grid_.rows - 1 - row) * width +
-              static_cast<std::size_t>(c.column)] = c.values[row - c.from];
-      }
+      if (row >= c.from && row < c.to) line[c.column] = c.values[row - c.from];
     }
   }
 }

@@ -3,6 +3,7 @@
 #ifndef KZGIS_DEM_NUMBER_TEXT_H
 #define KZGIS_DEM_NUMBER_TEXT_H
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -32,6 +33,27 @@ bool is_whole(const NumberText<T>& number, std::string_view text) {
   return text.find_first_not_of(' ', number.length) == std::string_view::npos;
 }
 
+/// What six characters are compared with, the first one lowest, of which so many are blanks.
+struct PlainField {
+  std::uint64_t zero;    ///< the blanks, and '0' for each digit
+  std::uint64_t excess;  ///< added to what differs, sets bit 7 of a byte that may not differ so
+};
+
+/// By the number of blanks.  Six of them are no number, and none other than these is reached.
+inline constexpr std::array<PlainField, 9> kPlainFields = [] {
+  std::array<PlainField, 9> fields{};
+  for (std::size_t blanks = 0; blanks < fields.size(); ++blanks) {
+    for (std::size_t i = 0; i < 6; ++i) {
+      const bool is_blank = i < blanks;
+      fields[blanks].zero |= std::uint64_t{is_blank ? 0x20U : 0x30U} << (8 * i);
+      // A blank differs in nothing, a digit from '0' in 9 at most.
+      const std::uint64_t excess = blanks >= 6 ? 0x80 : is_blank ? 0x7F : 0x76;
+      fields[blanks].excess |= excess << (8 * i);
+    }
+  }
+  return fields;
+}();
+
 /// The number in a field of six characters that holds nothing but blanks and then digits, as
 /// nearly all elevations do: eight bytes at a time, after D. Lemire, "Quickly parsing eight
 /// digits" (2018).  The two bytes before the field must be readable.
@@ -41,17 +63,12 @@ inline int plain_elevation(const char* field) {
     std::uint64_t bytes = 0;
     std::memcpy(&bytes, field - 2, sizeof bytes);
     bytes >>= 16;  // the first character lowest
-    // A blank is 0x20 and becomes '0', 0x30; digits are 0x30 to 0x39 and stay.  `zeroed` has
-    // their values, and `digits` is true when each is 0 to 9 and every byte without bit 4 was a
-    // blank, not another of that sort such as '!'.
-    constexpr std::uint64_t kBit4 = 0x101010101010;
-    const std::uint64_t blanks = ~bytes & kBit4;
-    const int leading = std::countr_zero(bytes & kBit4) & ~7;
-    const std::uint64_t zeroed = (bytes | kBit4) ^ 0x303030303030;
-    const bool digits = ((zeroed | (zeroed + 0x060606060606)) & 0xF0F0F0F0F0F0) == 0 &&
-                        (zeroed & (blanks >> 4) * 0xF) == 0;
-    // Blanks nowhere but in front, and not everywhere.
-    if (digits && leading < 48 && blanks == (kBit4 & ((std::uint64_t{1} << leading) - 1))) {
+    // Bit 4 tells a digit, 0x30 to 0x39, from a blank, 0x20.  Where the first one is set the
+    // digits must begin, and what is in front of it must be blanks.
+    const auto blanks = static_cast<std::size_t>(std::countr_zero(bytes & 0x101010101010)) / 8;
+    const PlainField& plain = kPlainFields[blanks];
+    const std::uint64_t zeroed = bytes ^ plain.zero;  // the values of the digits
+    if (((zeroed | (zeroed + plain.excess)) & 0x808080808080) == 0) {
       // Neighbours are joined three times: digits to pairs, pairs to fours, fours to the number.
       std::uint64_t v = zeroed << 16;  // two zeros in front make eight
       v = v * 10 + (v >> 8);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "exact/tiling.h"
+#include "mesh/apart.h"
 #include "mesh/arrangement.h"
 #include "mesh/boundary.h"
 #include "mesh/delaunay.h"
@@ -132,14 +133,16 @@ Result<Mesh, Flaw> make_mesh(const Rings& rings, const MeshOptions& options) {
 ///
 /// Depths are counted along chains of parents, each ring once: rings may lie in each other a
 /// hundred thousand deep, in any order.
-Nesting nesting_of(const mesh::Containment& containment) {
-  const std::vector<std::uint32_t> parents = containment.parents();
+///
+/// @param has_inside  of a ring's number, whether the ring has a depth
+template <class HasInside>
+Nesting nesting_of(const std::vector<std::uint32_t>& parents, HasInside has_inside) {
   Nesting nesting;
   nesting.parent.assign(parents.size(), -1);
   nesting.depth.assign(parents.size(), 0);
   std::vector<std::uint32_t> path;
   for (std::uint32_t ring = 0; ring < parents.size(); ++ring) {
-    if (!containment.has_inside(ring)) continue;
+    if (!has_inside(ring)) continue;
     if (parents[ring] != kNone) nesting.parent[ring] = static_cast<std::int32_t>(parents[ring]);
     // Up to a ring whose depth is known, and down again.
     std::uint32_t known = ring;
@@ -205,9 +208,15 @@ Result<Outline, Flaw> make_valid(const Rings& rings) {
 
 Result<Nesting, Flaw> nest(const Rings& rings) {
   try {
+    if (auto flaw = mesh::check_rings(rings)) return std::move(*flaw);
+    if (const auto parents = mesh::parents_apart(rings)) {
+      return nesting_of(*parents, [](std::uint32_t) { return true; });
+    }
     const Result<Arrangement, Flaw> arranged = mesh::arrange(rings);
     if (!arranged) return arranged.error();
-    return nesting_of(arranged->containment);
+    const mesh::Containment& containment = arranged->containment;
+    return nesting_of(containment.parents(),
+                      [&](std::uint32_t ring) { return containment.has_inside(ring); });
   } catch (const std::bad_alloc&) {
     return no_memory();
   }

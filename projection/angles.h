@@ -27,20 +27,19 @@ static_assert(kPi == 0x1.921FB5421D1p+1);
 static_assert(kHalfPi == 0x1.921FB5421D1p+0);
 static_assert(kQuarterPi == 0x1.921FB5421D1p-1);
 
-// `LatLon` owns the two rules; going through it keeps them the same to the last bit.
+// `LatLon` owns the two rules; going through it keeps them the same to the last bit.  What is
+// in range already, as nearly every angle is, does not go there.
 
 /// Longitude in degrees, wrapped into [0, 360).
 inline double wrap(double lon_deg) {
-  LatLon scratch(0.0, 0.0);
-  scratch.setLon(lon_deg);
-  return scratch.fetchLon();
+  if (lon_deg >= 0.0 && lon_deg < 360.0) return lon_deg;
+  return LatLon(0.0, lon_deg).fetchLon();
 }
 
 /// Latitude in degrees, clamped into [-90, 90].
 inline double clamp(double lat_deg) {
-  LatLon scratch(0.0, 0.0);
-  scratch.setLat(lat_deg);
-  return scratch.fetchLat();
+  if (lat_deg >= -90.0 && lat_deg <= 90.0) return lat_deg;
+  return LatLon(lat_deg, 0.0).fetchLat();
 }
 
 // The division comes first in both: the order decides the last bit.  Going there and back

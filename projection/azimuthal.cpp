@@ -24,6 +24,7 @@
 
 #include "kzgis/projection.h"
 #include "projection/angles.h"
+#include "projection/object.h"
 
 using kzgis::projection::kQuarterPi;
 
@@ -40,9 +41,9 @@ struct Aspect {
 
   // `dlambda` comes from two separately wrapped longitudes; sine and cosine forgive the
   // whole turns, but for the short pi.
-  Aspect(double phi0, double phi, double dlambda)
-      : sin_phi0(std::sin(phi0)),
-        cos_phi0(std::cos(phi0)),
+  Aspect(double base_sin_phi0, double base_cos_phi0, double phi, double dlambda)
+      : sin_phi0(base_sin_phi0),
+        cos_phi0(base_cos_phi0),
         sin_phi(std::sin(phi)),
         cos_phi(std::cos(phi)),
         sin_dlambda(std::sin(dlambda)),
@@ -62,39 +63,36 @@ struct Aspect {
 }  // namespace
 
 int Projection::Gnomonic() {
-  renewWorld();
   type_ = GnomonicProj;
-  const Aspect s(baseLatRad(), pointLatRad(), pointLonRad() - baseLonRad());
+  const Settled& base = settled();
+  const Aspect s(base.sin_phi0, base.cos_phi0, pointLatRad(), pointLonRad() - base.lambda0);
   const double cos_c = s.cos_c();
   const double x = s.sin_dlambda * (s.cos_phi * radius_) / cos_c;
   const double y = s.north() * radius_ / cos_c;
-  storeWorld(x, y, altitude_);
-  return 1;
+  return storeWorld(x, y, altitude_);
 }
 
 int Projection::Stereo() {
-  renewWorld();
   type_ = StereographicProj;
-  const Aspect s(baseLatRad(), pointLatRad(), pointLonRad() - baseLonRad());
+  const Settled& base = settled();
+  const Aspect s(base.sin_phi0, base.cos_phi0, pointLatRad(), pointLonRad() - base.lambda0);
   const double k = s.one_plus_cos_c();
   const double x = s.sin_dlambda * (radius_ * 2.0 * s.cos_phi) / k;
   const double y = s.north() * (radius_ * 2.0) / k;
-  storeWorld(x, y, altitude_);
-  return 1;
+  return storeWorld(x, y, altitude_);
 }
 
 int Projection::Orthographic() {
-  renewWorld();
   type_ = OrthographicProj;
-  const Aspect s(baseLatRad(), pointLatRad(), pointLonRad() - baseLonRad());
-  storeWorld(s.sin_dlambda * (s.cos_phi * radius_), s.north() * radius_, altitude_);
-  return 1;
+  const Settled& base = settled();
+  const Aspect s(base.sin_phi0, base.cos_phi0, pointLatRad(), pointLonRad() - base.lambda0);
+  return storeWorld(s.sin_dlambda * (s.cos_phi * radius_), s.north() * radius_, altitude_);
 }
 
 int Projection::Postel() {
-  renewWorld();
   type_ = PostelProj;
-  const Aspect s(baseLatRad(), pointLatRad(), pointLonRad() - baseLonRad());
+  const Settled& base = settled();
+  const Aspect s(base.sin_phi0, base.cos_phi0, pointLatRad(), pointLonRad() - base.lambda0);
   // At the base point the rounded cosine may exceed 1, which has no arc cosine: the base
   // must come out as (0, 0) (Postel.TheBaseItselfIsTheOriginAndNotNaN).
   const double cos_c = s.sin_phi0 * s.sin_phi + s.cos_phi0 * (s.cos_dlambda * s.cos_phi);
@@ -105,15 +103,14 @@ int Projection::Postel() {
   double length = std::sqrt(east * east + north * north);
   // The base point and its opposite have no direction; any length but 0 will do.
   if (length == 0.0) length = 1.0;
-  storeWorld(east / length * (c * radius_), north / length * (c * radius_), altitude_);
-  return 1;
+  return storeWorld(east / length * (c * radius_), north / length * (c * radius_), altitude_);
 }
 
 int Projection::LambertAzimuthal() {
-  renewWorld();
   type_ = LambertAzimuthalProj;
+  const Settled& base = settled();
   const double phi = pointLatRad();
-  const Aspect s(baseLatRad(), phi, pointLonRad() - baseLonRad());
+  const Aspect s(base.sin_phi0, base.cos_phi0, phi, pointLonRad() - base.lambda0);
   // Bases at a pole have formulas of their own, in half the distance from the north pole,
   // which place the opposite pole too.  The aspect goes by the stored degrees, not by the
   // short radians, whose cosine is 5e-10 at a pole and not 0.
@@ -133,6 +130,5 @@ int Projection::LambertAzimuthal() {
     x = s.sin_dlambda * (radius_ * 2.0 * half);
     y = s.cos_dlambda * (radius_ * 2.0 * half);
   }
-  storeWorld(x, y, altitude_);
-  return 1;
+  return storeWorld(x, y, altitude_);
 }

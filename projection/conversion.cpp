@@ -12,6 +12,7 @@
 #include <cstddef>
 
 #include "kzgis/projection.h"
+#include "projection/object.h"
 
 namespace {
 
@@ -68,7 +69,10 @@ int Projection::FromTo(LatLon position, double altitude, double** xyz) {
 }
 
 int Projection::FromTo(LatLon position, double altitude, projType type, double** xyz) {
-  setLLCoordinates(position.fetchLat(), position.fetchLon(), altitude);
+  renewWorld();
+  world_count_ = 3;
+  point_ = position;  // its angles are in range
+  altitude_ = altitude;
   if (run(*this, kForward, type) == 0) return kFailed;
   return fetchWorldCoordinates(xyz);
 }

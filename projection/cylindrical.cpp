@@ -20,6 +20,7 @@
 
 #include "kzgis/projection.h"
 #include "projection/angles.h"
+#include "projection/object.h"
 
 using kzgis::projection::clamp;
 using kzgis::projection::kPi;
@@ -27,58 +28,51 @@ using kzgis::projection::kQuarterPi;
 using kzgis::projection::wrap;
 
 int Projection::Cartesian() {
-  renewWorld();
   type_ = CartesianProj;
   // The one projection that normalises the differences and not the angles: a point just
   // west of the base comes out almost a full turn to the east.
   const double d_lon_deg = wrap(point_.fetchLon() - base_.fetchLon() + reference_.fetchLon());
   const double d_lat_deg = clamp(point_.fetchLat() - base_.fetchLat());
-  storeWorld(d_lon_deg / 180.0 * kPi * radius_, d_lat_deg / 180.0 * kPi * radius_, altitude_);
-  return 1;
+  return storeWorld(d_lon_deg / 180.0 * kPi * radius_, d_lat_deg / 180.0 * kPi * radius_,
+                    altitude_);
 }
 
 int Projection::Mercator() {
-  renewWorld();
   type_ = MercatorProj;
-  const double scale = std::cos(firstParRad());
-  const double x = (pointLonRad() - baseLonRad()) * radius_;
+  const Settled& base = settled();
+  const double x = (pointLonRad() - base.lambda0) * radius_;
   // The short pi/4 keeps the north pole finite; the south pole is log(0), minus
   // infinity, and no test is made for either.
   const double y = std::log(std::tan(pointLatRad() * 0.5 + kQuarterPi)) * radius_;
-  storeWorld(x * scale, y * scale, altitude_);
-  return 1;
+  return storeWorld(x * base.cos_phi1, y * base.cos_phi1, altitude_);
 }
 
 int Projection::LambertCylindric() {
-  renewWorld();
   type_ = LambertCylindricalProj;
-  const double x = (pointLonRad() - baseLonRad()) * radius_;
-  const double y = std::sin(pointLatRad()) * radius_ - std::sin(baseLatRad()) * radius_;
-  storeWorld(x, y, altitude_);
-  return 1;
+  const Settled& base = settled();
+  const double x = (pointLonRad() - base.lambda0) * radius_;
+  const double y = std::sin(pointLatRad()) * radius_ - base.sin_phi0 * radius_;
+  return storeWorld(x, y, altitude_);
 }
 
 int Projection::SansonFlamsteed() {
-  // This projection, Cassini-Soldner, Bonne and Werner write into the coordinates that are
-  // there; the others replace them.  The interface makes that difference.
-  ensureWorld();
   type_ = SansonFlamsteedProj;
+  const Settled& base = settled();
   const double phi = pointLatRad();
-  const double x = std::cos(phi) * ((pointLonRad() - baseLonRad()) * radius_);
-  const double y = (phi - baseLatRad()) * radius_;
-  storeWorld(x, y, altitude_);
-  return 1;
+  const double x = std::cos(phi) * ((pointLonRad() - base.lambda0) * radius_);
+  const double y = (phi - base.phi0) * radius_;
+  return storeWorld(x, y, altitude_);
 }
 
 int Projection::CassiniSoldner() {
-  ensureWorld();
   type_ = CassiniSoldnerProj;
+  const Settled& base = settled();
   const double phi = pointLatRad();
   // Snyder's series for the ellipsoid, with its eccentricity taken as zero; the closed
   // form for the sphere differs far from the base meridian.  `a` is the distance from that
   // meridian along the parallel, in radians of the globe.  Powers are repeated products, which
   // those of `std::pow` need not equal in the last bit.
-  const double a = std::cos(phi) * (pointLonRad() - baseLonRad());
+  const double a = std::cos(phi) * (pointLonRad() - base.lambda0);
   const double t = std::tan(phi);
   const double t2 = t * t;
   const double a2 = a * a;
@@ -87,19 +81,17 @@ int Projection::CassiniSoldner() {
   const double a5 = a4 * a;
   const double x = (a - a3 * t2 / 6.0 - a5 * t2 * (8.0 - t2) / 120.0) * radius_;
   const double y =
-      (a4 * t * (5.0 - t2) / 24.0 + (a2 * t * 0.5 + phi)) * radius_ - baseLatRad() * radius_;
-  storeWorld(x, y, altitude_);
-  return 1;
+      (a4 * t * (5.0 - t2) / 24.0 + (a2 * t * 0.5 + phi)) * radius_ - base.phi0 * radius_;
+  return storeWorld(x, y, altitude_);
 }
 
 // The base point does not count, and z is a place and not the altitude: the altitude has
 // lifted the point off the sphere.
 int Projection::Globe() {
-  renewWorld();
   type_ = GlobeProj;
   const double lambda = pointLonRad();
   const double phi = pointLatRad();
   const double rho = (altitude_ + radius_) * std::cos(phi);
-  storeWorld(std::cos(lambda) * rho, std::sin(lambda) * rho, std::sin(phi) * (altitude_ + radius_));
-  return 1;
+  return storeWorld(std::cos(lambda) * rho, std::sin(lambda) * rho,
+                    std::sin(phi) * (altitude_ + radius_));
 }

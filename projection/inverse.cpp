@@ -16,6 +16,7 @@
 
 #include "kzgis/projection.h"
 #include "projection/angles.h"
+#include "projection/object.h"
 
 using kzgis::projection::clamp;
 using kzgis::projection::kHalfPi;
@@ -31,14 +32,13 @@ double sign(double v) { return std::signbit(v) ? -1.0 : 1.0; }
 }  // namespace
 
 int Projection::inverseCartesian() {
-  const WorldPoint w = world();
+  const WorldPoint w = world_;
   type_ = CartesianProj;
-  // The base is added after the differences have been normalised, in degrees, and the
-  // setters normalise the sum: this is the one inverse where both steps can change a value.
+  // The base is added after the differences have been normalised, in degrees, and
+  // `LatLon` normalises the sum: this is the one inverse where both steps can change a value.
   const double d_lon_deg = wrap(w.x / radius_ / kPi * 180.0 - reference_.fetchLon());
   const double d_lat_deg = clamp(w.y / radius_ / kPi * 180.0);
-  point_.setLon(d_lon_deg + base_.fetchLon());
-  point_.setLat(d_lat_deg + base_.fetchLat());
+  point_ = LatLon(d_lat_deg + base_.fetchLat(), d_lon_deg + base_.fetchLon());
   point_.setAlt(w.z);
   return 1;
 }
@@ -46,20 +46,20 @@ int Projection::inverseCartesian() {
 // The latitude comes from y alone: the base latitude does not count, as in the forward
 // direction.
 int Projection::inverseMercator() {
-  const WorldPoint w = world();
+  const WorldPoint w = world_;
   type_ = MercatorProj;
-  const double scale = std::cos(firstParRad());
-  const double lambda = w.x / scale / radius_ + baseLonRad();
+  const double scale = settled().cos_phi1;
+  const double lambda = w.x / scale / radius_ + settled().lambda0;
   const double phi = kHalfPi - std::atan(std::exp(w.y / scale * -1.0 / radius_)) * 2.0;
   return storePoint(phi, lambda, w.z);
 }
 
 // Beyond the top and bottom of the map the arc sine, and with it the latitude, is NaN.
 int Projection::inverseLambertCylindric() {
-  const WorldPoint w = world();
+  const WorldPoint w = world_;
   type_ = LambertCylindricalProj;
-  const double lambda = baseLonRad() + w.x / radius_;
-  const double phi = std::asin(std::sin(baseLatRad()) + w.y / radius_);
+  const double lambda = settled().lambda0 + w.x / radius_;
+  const double phi = std::asin(settled().sin_phi0 + w.y / radius_);
   return storePoint(phi, lambda, w.z);
 }
 
@@ -73,30 +73,27 @@ int Projection::inverseLambertCylindric() {
 ///   Orthographic      c = asin(rho / R), the near side; NaN beyond the globe's outline
 ///   LambertAzimuthal  c = 2 asin(rho / 2R); NaN beyond the map's edge
 int Projection::inverseAzimuthal(double rho, double c, double north_sign) {
-  const WorldPoint w = world();
-  const double phi0 = baseLatRad();
-  const double lambda0 = baseLonRad();
+  const WorldPoint w = world_;
+  const Settled& base = settled();
   // The centre has no direction, and every formula for one divides 0 by 0.
-  if (rho == 0.0) return storePoint(phi0, lambda0, w.z);
+  if (rho == 0.0) return storePoint(base.phi0, base.lambda0, w.z);
 
   const double sin_c = std::sin(c);
   const double cos_c = std::cos(c);
-  const double sin_phi0 = std::sin(phi0);
-  const double cos_phi0 = std::cos(phi0);
-  const double phi = std::asin(sin_c * w.y * cos_phi0 / rho + cos_c * sin_phi0);
+  const double phi = std::asin(sin_c * w.y * base.cos_phi0 / rho + cos_c * base.sin_phi0);
   const double base_lat_deg = base_.fetchLat();
   double tangent = 0.0;
   // As in the forward direction the aspect goes by the stored degrees.
   if (std::fabs(base_lat_deg) != 90.0) {
-    tangent = sin_c * w.x / (cos_phi0 * rho * cos_c - sin_phi0 * w.y * sin_c);
+    tangent = sin_c * w.x / (base.cos_phi0 * rho * cos_c - base.sin_phi0 * w.y * sin_c);
   } else {
     tangent = w.x / ((base_lat_deg > 0.0 ? north_sign : -north_sign) * w.y);
   }
-  return storePoint(phi, std::atan(tangent) + lambda0, w.z);
+  return storePoint(phi, std::atan(tangent) + base.lambda0, w.z);
 }
 
 int Projection::inverseStereo() {
-  const WorldPoint w = world();
+  const WorldPoint w = world_;
   type_ = StereographicProj;
   const double rho = std::sqrt(w.x * w.x + w.y * w.y);
   // The sign at the poles is the opposite of the other two: longitudes come back
@@ -106,14 +103,14 @@ int Projection::inverseStereo() {
 }
 
 int Projection::inverseOrthographic() {
-  const WorldPoint w = world();
+  const WorldPoint w = world_;
   type_ = OrthographicProj;
   const double rho = std::sqrt(w.x * w.x + w.y * w.y);
   return inverseAzimuthal(rho, std::asin(rho / radius_), -1.0);
 }
 
 int Projection::inverseLambertAzimuthal() {
-  const WorldPoint w = world();
+  const WorldPoint w = world_;
   type_ = LambertAzimuthalProj;
   const double rho = std::sqrt(w.x * w.x + w.y * w.y);
   return inverseAzimuthal(rho, std::asin(rho / (radius_ * 2.0)) * 2.0, -1.0);
@@ -121,47 +118,61 @@ int Projection::inverseLambertAzimuthal() {
 
 // The formulas for two different parallels, with no test of them.  Signs are split off before
 // the powers, as a cone on parallels south of the equator needs it; the setters accept none.
-int Projection::inverseLambertConical() {
-  const WorldPoint w = world();
-  type_ = LambertConicProj;
-  const double phi1 = firstParRad();
-  const double t1 = std::tan(phi1 * 0.5 + kQuarterPi);
+const Projection::InverseCone& Projection::inverseLambertCone() {
+  if (inverse_lambert_.made) return inverse_lambert_;
+  const Settled& base = settled();
+  const double t1 = std::tan(base.phi1 * 0.5 + kQuarterPi);
   // Equal parallels give 0/0: the forward projection's separate case has no inverse.
-  const double n = std::log(std::cos(phi1) / std::cos(secondParRad())) /
-                   std::log(std::tan(secondParRad() * 0.5 + kQuarterPi) / t1);
-  const double f = std::pow(std::fabs(t1), n) * std::cos(phi1) / n * sign(t1) * radius_;
-  const double t0 = std::tan(baseLatRad() * 0.5 + kQuarterPi);
+  const double n = std::log(base.cos_phi1 / std::cos(base.phi2)) /
+                   std::log(std::tan(base.phi2 * 0.5 + kQuarterPi) / t1);
+  const double f = std::pow(std::fabs(t1), n) * base.cos_phi1 / n * sign(t1) * radius_;
+  const double t0 = std::tan(base.phi0 * 0.5 + kQuarterPi);
   const double rho0 = f / std::pow(std::fabs(t0), n) * sign(t0);
-  const double d = rho0 - w.y;
-  const double rho = std::sqrt(d * d + w.x * w.x) * sign(n);
-  const double u = f / rho;
-  const double phi = std::atan(std::pow(std::fabs(u), 1.0 / n) * sign(u)) * 2.0 - kHalfPi;
-  const double lambda = std::atan(w.x / d) / n + baseLonRad();
+  inverse_lambert_ = {.made = true, .n = n, .s = 0.0, .scale = f, .rho0 = rho0};
+  return inverse_lambert_;
+}
+
+int Projection::inverseLambertConical() {
+  const WorldPoint w = world_;
+  type_ = LambertConicProj;
+  const InverseCone& cone = inverseLambertCone();
+  const double d = cone.rho0 - w.y;
+  const double rho = std::sqrt(d * d + w.x * w.x) * sign(cone.n);
+  const double u = cone.scale / rho;
+  const double phi = std::atan(std::pow(std::fabs(u), 1.0 / cone.n) * sign(u)) * 2.0 - kHalfPi;
+  const double lambda = std::atan(w.x / d) / cone.n + settled().lambda0;
   return storePoint(phi, lambda, w.z);
 }
 
 // The formulas for two different parallels, with no test of them.  Equal ones give values that
 // do not undo the forward projection's separate case; two parallels of 0 give NaN.
-int Projection::inverseAlbers() {
-  const WorldPoint w = world();
-  type_ = AlbersProj;
-  const double phi1 = firstParRad();
-  const double n = (std::sin(secondParRad()) + std::sin(phi1)) * 0.5;
+const Projection::InverseCone& Projection::inverseAlbersCone() {
+  if (inverse_albers_.made) return inverse_albers_;
+  const Settled& base = settled();
+  const double sin_phi1 = std::sin(base.phi1);
+  const double n = (std::sin(base.phi2) + sin_phi1) * 0.5;
   const double s = n * 2.0;
-  const double cos_phi1 = std::cos(phi1);
-  const double c = cos_phi1 * cos_phi1 + s * std::sin(phi1);
-  const double rho0 = std::sqrt(c - std::sin(baseLatRad()) * s) * radius_ / n;
-  const double d = rho0 - w.y;
-  const double lambda = std::atan(w.x / d) / n + baseLonRad();
-  const double q = std::sqrt(d * d + w.x * w.x) * n / radius_;
-  const double phi = std::asin((c - q * q) / s);
+  const double c = base.cos_phi1 * base.cos_phi1 + s * sin_phi1;
+  const double rho0 = std::sqrt(c - base.sin_phi0 * s) * radius_ / n;
+  inverse_albers_ = {.made = true, .n = n, .s = s, .scale = c, .rho0 = rho0};
+  return inverse_albers_;
+}
+
+int Projection::inverseAlbers() {
+  const WorldPoint w = world_;
+  type_ = AlbersProj;
+  const InverseCone& cone = inverseAlbersCone();
+  const double d = cone.rho0 - w.y;
+  const double lambda = std::atan(w.x / d) / cone.n + settled().lambda0;
+  const double q = std::sqrt(d * d + w.x * w.x) * cone.n / radius_;
+  const double phi = std::asin((cone.scale - q * q) / cone.s);
   return storePoint(phi, lambda, w.z);
 }
 
 // The altitude is the height above the sphere.  The longitude comes from an arc sine, which
 // the sign of x carries over to the far half; on the axis rho is 0, and the longitude NaN.
 int Projection::inverseGlobe() {
-  const WorldPoint w = world();
+  const WorldPoint w = world_;
   type_ = GlobeProj;
   const double rho = std::sqrt(w.x * w.x + w.y * w.y);
   const double r = std::sqrt(w.z * w.z + rho * rho);

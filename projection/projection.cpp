@@ -3,18 +3,24 @@
 // An object holds one point twice, as a geographic point with an altitude and as world
 // coordinates.  The forward projections (cylindrical.cpp, azimuthal.cpp, conic.cpp) read the
 // first and write the second, the inverses (inverse.cpp) the other way round, and `FromTo`
-// (conversion.cpp) wraps both.  Degrees are kept everywhere in the object; the `...Rad`
-// helpers at the end of this file normalise and convert them for the formulas.
+// (conversion.cpp) wraps both.  Degrees are kept everywhere in the object; object.h normalises
+// and converts them for the formulas.
+//
+// What a formula makes of the settings alone is made once and kept (`Settled` and the cones), as
+// otherwise most of a point's time goes into the sines of a base and of parallels that stay
+// where they are.
 //
 // Results, messages and oddities are those of docs/classic.md, bit for bit.
 
 #include "kzgis/projection.h"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <iostream>
 
 #include "projection/angles.h"
+#include "projection/object.h"
 
 using kzgis::projection::clamp;
 using kzgis::projection::degrees;
@@ -88,34 +94,14 @@ Projection::Projection(projType type, double radius, double base_lat_deg, double
       second_par_(0.0, 0.0),
       reference_(0.0, 0.0) {}
 
-// A copy is deep: it has world coordinates of its own.  The copy constructor of `LatLon`
-// brings the altitude of the geographic point with it, unlike its assignment.
-Projection::Projection(const Projection& other)
-    : world_count_(other.world_count_),
-      point_(other.point_),
-      altitude_(other.altitude_),
-      type_(other.type_),
-      radius_(other.radius_),
-      base_(other.base_),
-      first_par_(other.first_par_),
-      second_par_(other.second_par_),
-      reference_(other.reference_) {
-  if (other.world_) {
-    const WorldPoint w = other.world();
-    storeWorld(w.x, w.y, w.z);
-  }
-}
+// The copy constructor of `LatLon` brings the altitude of the geographic point with it, unlike
+// its assignment.
+Projection::Projection(const Projection& other) = default;
 
 Projection& Projection::operator=(const Projection& other) {
-  if (this == &other) return *this;
-  // The array first: it is the only step that can fail.
-  if (other.world_) {
-    const WorldPoint w = other.world();
-    storeWorld(w.x, w.y, w.z);
-  } else {
-    world_.reset();
-  }
   world_count_ = other.world_count_;
+  has_world_ = other.has_world_;
+  world_ = other.world_;
   point_ = other.point_;
   point_.setAlt(other.point_.fetchAltitude());  // LatLon's assignment moves no height
   altitude_ = other.altitude_;
@@ -125,13 +111,13 @@ Projection& Projection::operator=(const Projection& other) {
   first_par_ = other.first_par_;
   second_par_ = other.second_par_;
   reference_ = other.reference_;
+  forgetSettled();
   return *this;
 }
 
 Projection::~Projection() = default;
 
 void Projection::setLLCoordinates(double lat_deg, double lon_deg, double altitude) {
-  // The array first: without memory for it the object stays as it was.
   renewWorld();
   world_count_ = 3;
   point_.setLat(lat_deg);
@@ -171,31 +157,35 @@ void Projection::setWorldCoordinates(const double* xyz) { storeWorld(xyz[0], xyz
 void Projection::setWorldCoordinates(WorldPoint point) { storeWorld(point.x, point.y, point.z); }
 
 int Projection::fetchWorldCoordinates(double* x, double* y, double* z) const {
-  const WorldPoint w = world();
-  *x = w.x;
-  *y = w.y;
-  *z = w.z;
-  return world_ ? world_count_ : 0;
+  *x = world_.x;
+  *y = world_.y;
+  *z = world_.z;
+  return has_world_ ? world_count_ : 0;
 }
 
 int Projection::fetchWorldCoordinates(double** xyz) const {
   delete[] * xyz;
   *xyz = nullptr;  // what the caller holds should the allocation below fail
-  if (!world_) return 0;
-  const auto count = static_cast<std::size_t>(world_count_);
-  *xyz = new double[count];
-  for (std::size_t i = 0; i < count; ++i) (*xyz)[i] = world_[i];
+  if (!has_world_) return 0;
+  // The count is 3, or 0 after `removeCoords` although there are coordinates again.
+  *xyz = new double[static_cast<std::size_t>(world_count_)];
+  if (world_count_ == 3) {
+    (*xyz)[0] = world_.x;
+    (*xyz)[1] = world_.y;
+    (*xyz)[2] = world_.z;
+  }
   return world_count_;
 }
 
 int Projection::fetchWorldCoordinates(WorldPoint* point) const {
-  if (!world_) return 0;
-  *point = world();
+  if (!has_world_) return 0;
+  *point = world_;
   return world_count_;
 }
 
 void Projection::removeCoords() {
-  world_.reset();
+  world_ = {0.0, 0.0, 0.0};
+  has_world_ = false;
   world_count_ = 0;
 }
 
@@ -233,6 +223,7 @@ int Projection::setGlobeRadius(double radius) {
     return 0;
   }
   radius_ = radius;
+  forgetSettled();
   return 1;
 }
 
@@ -243,10 +234,12 @@ double Projection::fetchBaseLat() const { return base_.fetchLat(); }
 double Projection::fetchBaseLon() const { return base_.fetchLon(); }
 
 int Projection::setFirstPar(double parallel_deg) {
+  forgetSettled();
   return set_parallel(first_par_, parallel_deg, "Projection::setFirstPar: ");
 }
 
 int Projection::setSecondPar(double parallel_deg) {
+  forgetSettled();
   return set_parallel(second_par_, parallel_deg, "Projection::setSecondPar: ");
 }
 
@@ -269,51 +262,22 @@ double Projection::LonToRad(double lon_deg) const {
   return radians(wrap(lon_deg + reference_.fetchLon()));
 }
 
-// What the formulas work on.  Every angle is normalised by itself before it becomes radians;
-// a difference of two of them is the formula's own affair and is not normalised again.
-double Projection::pointLatRad() const { return LatToRad(point_.fetchLat()); }
-
-double Projection::pointLonRad() const { return LonToRad(point_.fetchLon()); }
-
-double Projection::baseLatRad() const { return LatToRad(base_.fetchLat()); }
-
-double Projection::baseLonRad() const { return LonToRad(base_.fetchLon()); }
-
-double Projection::firstParRad() const { return LatToRad(fetchFirstPar()); }
-
-double Projection::secondParRad() const { return LatToRad(fetchSecondPar()); }
-
-/// Replaces the world coordinates by three zeros in a new array.
-///
-/// The array has room for three even while the count is 0 after `removeCoords`: what is
-/// stored is always a whole point.
-void Projection::renewWorld() { world_ = std::make_unique<double[]>(3); }
-
-/// Makes sure that there are world coordinates to write to.
-void Projection::ensureWorld() {
-  if (!world_) renewWorld();
+void Projection::settle() {
+  settled_.phi0 = LatToRad(base_.fetchLat());
+  settled_.lambda0 = LonToRad(base_.fetchLon());
+  settled_.sin_phi0 = std::sin(settled_.phi0);
+  settled_.cos_phi0 = std::cos(settled_.phi0);
+  settled_.phi1 = LatToRad(fetchFirstPar());
+  settled_.phi2 = LatToRad(fetchSecondPar());
+  settled_.cos_phi1 = std::cos(settled_.phi1);
+  settled_.made = true;
 }
 
-/// Writes the world coordinates, and makes room for them where there is none.
-void Projection::storeWorld(double x, double y, double z) {
-  ensureWorld();
-  world_[0] = x;
-  world_[1] = y;
-  world_[2] = z;
-}
-
-/// The world coordinates; zeros when there are none.
-WorldPoint Projection::world() const {
-  return world_ ? WorldPoint{world_[0], world_[1], world_[2]} : WorldPoint{0.0, 0.0, 0.0};
-}
-
-/// Stores what an inverse found and returns the inverse's result, 1.
-///
-/// The altitude goes into the point; the object's own altitude stays.  Both setters of an
-/// angle wrap and clamp once more, which changes nothing in values that are in range.
-int Projection::storePoint(double lat_rad, double lon_rad, double altitude) {
-  point_.setLon(LonToDeg(lon_rad));
-  point_.setLat(LatToDeg(lat_rad));
-  point_.setAlt(altitude);
-  return 1;
+/// To be called where a setting changes.
+void Projection::forgetSettled() {
+  settled_.made = false;
+  lambert_.made = false;
+  albers_.made = false;
+  inverse_lambert_.made = false;
+  inverse_albers_.made = false;
 }

@@ -26,6 +26,12 @@ inline constinit const GIS_ByteUtil_c byte_util;
 /// The streams of this library set their fail flag whenever bytes are missing, so that
 /// a short read without it would be a fault of the stream buffer.
 inline kz_ulong read_bytes(std::istream& stream, void* bytes, std::streamsize count) {
+  // Most records lie in the stream's buffer, and most of the time to read a small one went into
+  // asking the stream how it is.
+  if (stream.good() && stream.rdbuf()->in_avail() >= count) {
+    stream.rdbuf()->sgetn(static_cast<char*>(bytes), count);
+    return status::success;
+  }
   stream.read(static_cast<char*>(bytes), count);
   if (stream.fail()) return stream.eof() ? status::end_of_file : status::read_failed;
   return stream.gcount() < count ? status::short_read : status::success;

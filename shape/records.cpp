@@ -155,7 +155,9 @@ kz_ulong read_points(std::ifstream& stream, kz_long num_points, kz_long room, do
   for (kz_long done = 0; done < wanted;) {
     const kz_long in_block = std::min(kPointsPerBlock, wanted - done);
     const kz_ulong result = read_bytes(stream, block, in_block * kBytesPerPoint);
-    const auto coordinates = static_cast<kz_long>(stream.gcount() / kBytesPerCoordinate);
+    const kz_long coordinates = result == status::success
+                                    ? in_block * 2
+                                    : static_cast<kz_long>(stream.gcount() / kBytesPerCoordinate);
     if (swaps_little_endian(byte_util)) {
       byte_util.SwapBytes8(static_cast<kz_ulong>(coordinates * kBytesPerCoordinate), block);
     }

@@ -101,9 +101,9 @@ class KZGIS_EXPORT LatLon {
   void setAlt(double altitude);
 
   /// Latitude in decimal degrees, [-90, 90].
-  double fetchLat() const;
+  double fetchLat() const { return lat_; }
   /// Longitude in decimal degrees, [0, 360).
-  double fetchLon() const;
+  double fetchLon() const { return lon_; }
   /// Writes the angle in whole arc-seconds, truncated toward zero.  An angle that is
   /// not a finite number gives -2147483648.
   void fetchLat(int* arcsec) const;
@@ -115,7 +115,7 @@ class KZGIS_EXPORT LatLon {
   void fetchLat(double* deg, double* min, double* sec) const;
   void fetchLon(double* deg, double* min, double* sec) const;
   /// The altitude, in the unit it was given in.
-  double fetchAltitude() const;
+  double fetchAltitude() const { return alt_; }
 
   /// Adds the other point's angles to this one's, then normalises; the altitude stays.
   LatLon& operator+=(const LatLon& other);

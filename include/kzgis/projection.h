@@ -4,7 +4,6 @@
 #define KZGIS_PROJECTION_H
 
 #include <cstdint>
-#include <memory>
 
 #include "kzgis/export.h"
 #include "kzgis/latlon.h"
@@ -69,8 +68,8 @@ struct ProjectionTestAccess;
 /// forward projections read; the inverses store theirs in the geographic point
 /// (`fetchLLCoordinates()->fetchAltitude()`) and leave the object's alone.
 ///
-/// Where memory runs out, a pointer to an array that was passed in is null afterwards or as it
-/// was, and the object stays usable.  An inverse called by itself needs no memory.
+/// Memory is taken only for an array that is handed out.  Where it runs out, the pointer to the
+/// array is null afterwards, and the object stays usable.
 class KZGIS_EXPORT Projection {
  public:
   /// Cartesian, radius 6378000.0 (the Earth's, in metres), base point (0, 0), both
@@ -344,26 +343,63 @@ class KZGIS_EXPORT Projection {
  private:
   friend struct ProjectionTestAccess;
 
-  // Angles of the point and the settings, normalised and in radians.
+  /// What the formulas read of the settings, with the angles in radians.
+  struct Settled {
+    bool made = false;
+    double phi0 = 0.0;  // the base point
+    double lambda0 = 0.0;
+    double sin_phi0 = 0.0;
+    double cos_phi0 = 0.0;
+    double phi1 = 0.0;  // the parallels
+    double phi2 = 0.0;
+    double cos_phi1 = 0.0;
+  };
+  /// The constants of a true conic, by the names of its formulas (projection/conic.cpp and
+  /// projection/inverse.cpp).
+  struct LambertCone {
+    bool made = false;
+    double n = 0.0;
+    double t1 = 0.0;
+    double scale = 0.0;
+    double rho0 = 0.0;
+  };
+  struct AlbersCone {
+    bool made = false;
+    double s = 0.0;
+    double sin_phi1 = 0.0;
+    double k = 0.0;
+    double offset = 0.0;
+  };
+  struct InverseCone {
+    bool made = false;
+    double n = 0.0;
+    double s = 0.0;  // Albers' alone
+    double scale = 0.0;
+    double rho0 = 0.0;
+  };
+
+  // Each is made for the first point that needs it and kept until a setting changes.
+  const Settled& settled();
+  const LambertCone& lambertCone();
+  const AlbersCone& albersCone();
+  const InverseCone& inverseLambertCone();
+  const InverseCone& inverseAlbersCone();
+  void settle();
+  void forgetSettled();
+
   double pointLatRad() const;
   double pointLonRad() const;
-  double baseLatRad() const;
-  double baseLonRad() const;
-  double firstParRad() const;
-  double secondParRad() const;
-
   void renewWorld();
-  void ensureWorld();
-  void storeWorld(double x, double y, double z);
-  WorldPoint world() const;
+  int storeWorld(double x, double y, double z);
   int storePoint(double lat_rad, double lon_rad, double altitude);
 
   int inverseAzimuthal(double rho, double c, double north_sign);
 
   int world_count_ = 3;
+  bool has_world_ = false;
   LatLon point_;
   double altitude_ = 0.0;
-  std::unique_ptr<double[]> world_;  // null, or always room for three
+  WorldPoint world_{0.0, 0.0, 0.0};  // zeros while there are none
   projType type_;
   double radius_;
   LatLon base_;
@@ -372,6 +408,12 @@ class KZGIS_EXPORT Projection {
   LatLon second_par_;
   // Its longitude is added to every longitude; nothing sets it, so it stays 0.
   LatLon reference_;
+
+  Settled settled_;
+  LambertCone lambert_;
+  AlbersCone albers_;
+  InverseCone inverse_lambert_;
+  InverseCone inverse_albers_;
 };
 
 #endif

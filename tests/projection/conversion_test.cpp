@@ -256,18 +256,59 @@ TEST(InverseFromTo, ATypeOutOfRangeConvertsNothingAndSucceeds) {
   }
 }
 
-TEST(InverseFromTo, WritesIntoTheExistingArray) {
+/// What a conversion there and back gives.
+std::vector<double> there_and_back(Projection& p, int type) {
+  Out out;
+  EXPECT_EQ(p.FromTo(LatLon(50.0, 30.0), 0.25, static_cast<projType>(type), &out.xyz), 3);
+  std::vector<double> all = out.values();
+  LatLon back(0.0, 0.0);
+  p.FromTo(out.xyz, &back);
+  all.push_back(back.fetchLat());
+  all.push_back(back.fetchLon());
+  return all;
+}
+
+// What the settings alone decide is kept between conversions.
+TEST(FromTo, EveryChangeOfASettingCountsFromTheNextPointOn) {
+  for (int type = 0; type < 15; ++type) {
+    Projection p = any_projection(type);
+    const auto as_if_new = [&](const char* changed) {
+      Projection fresh(static_cast<projType>(type), p.fetchGlobeRadius(), p.fetchBaseLat(),
+                       p.fetchBaseLon());
+      fresh.setFirstPar(p.fetchFirstPar());
+      fresh.setSecondPar(p.fetchSecondPar());
+      EXPECT_EQ(there_and_back(p, type), there_and_back(fresh, type)) << type << ' ' << changed;
+    };
+    as_if_new("nothing");
+    p.setGlobeRadius(2.0);
+    as_if_new("the radius");
+    p.setFirstPar(10.0);
+    as_if_new("the first parallel");
+    p.setSecondPar(70.0);
+    as_if_new("the second parallel");
+    Projection other(GlobeProj, 3.0, -20.0, 70.0);
+    other.setFirstPar(15.0);
+    other.setSecondPar(65.0);
+    p = other;
+    as_if_new("all, by assignment");
+    const Projection copy(p);
+    p.setGlobeRadius(4.0);
+    p = copy;
+    as_if_new("all, by assignment of a copy");
+  }
+}
+
+TEST(InverseFromTo, ReplacesTheWorldCoordinates) {
   Projection p;
   p.setLLCoordinates(0.0, 0.0, 0.0);
-  const double* const array = ProjectionTestAccess::world(p);
   const double xyz[3] = {1.0, 2.0, 3.0};
   LatLon position(0.0, 0.0);
   p.FromTo(xyz, &position);
+  EXPECT_EQ(world_of(p).x, 1.0);
   p.FromTo(4.0, 5.0, 6.0);
-  EXPECT_EQ(ProjectionTestAccess::world(p), array);
-  EXPECT_EQ(array[0], 4.0);
-  EXPECT_EQ(array[1], 5.0);
-  EXPECT_EQ(array[2], 6.0);
+  EXPECT_EQ(world_of(p).x, 4.0);
+  EXPECT_EQ(world_of(p).y, 5.0);
+  EXPECT_EQ(world_of(p).z, 6.0);
 }
 
 TEST(InverseFromTo, AfterRemoveCoordsConvertsAndLeavesTheCountAtZero) {

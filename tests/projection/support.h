@@ -11,13 +11,17 @@
 
 /// Reaches what no public operation shows or sets.
 struct ProjectionTestAccess {
-  static const double* world(const Projection& p) { return p.world_.get(); }
+  static bool has_world(const Projection& p) { return p.has_world_; }
   /// Sets the parallels without the limits of setFirstPar and setSecondPar.
   static void setParallels(Projection& p, double first_deg, double second_deg) {
     p.first_par_.setLon(first_deg);
     p.second_par_.setLon(second_deg);
+    p.forgetSettled();
   }
-  static void setReferenceLon(Projection& p, double lon_deg) { p.reference_.setLon(lon_deg); }
+  static void setReferenceLon(Projection& p, double lon_deg) {
+    p.reference_.setLon(lon_deg);
+    p.forgetSettled();
+  }
 };
 
 namespace projection_test {
