@@ -15,7 +15,9 @@
 #include <utility>
 #include <vector>
 
+#include "exact/predicates.h"
 #include "mesh/faces.h"
+#include "mesh/rings.h"
 
 namespace kzgis::mesh {
 
@@ -57,6 +59,16 @@ class Cutter {
   std::vector<Contour> rings_;
 };
 
+bool comes_before(const exact::Point& a, const exact::Point& b) {
+  return a.x < b.x || (a.x == b.x && a.y < b.y);
+}
+
+void reserve(Outline& outline, std::size_t vertices, std::size_t rings) {
+  outline.x.reserve(vertices);
+  outline.y.reserve(vertices);
+  outline.starts.reserve(rings);
+}
+
 }  // namespace
 
 Outline boundary_of(const Arrangement& arrangement) {
@@ -70,14 +82,51 @@ Outline boundary_of(const Arrangement& arrangement) {
   Outline outline;
   std::size_t vertices = 0;
   for (const Contour& ring : rings) vertices += ring.size();
-  outline.x.reserve(vertices);
-  outline.y.reserve(vertices);
-  outline.starts.reserve(rings.size());
+  reserve(outline, vertices, rings.size());
   for (const Contour& ring : rings) {
     outline.starts.push_back(static_cast<std::int32_t>(outline.x.size()));
     for (const std::uint32_t site : ring) {
       outline.x.push_back(arrangement.sites[site].x);
       outline.y.push_back(arrangement.sites[site].y);
+    }
+  }
+  return outline;
+}
+
+Outline boundary_of(const Rings& rings, std::span<const std::int32_t> depths) {
+  struct Start {
+    exact::Point place;
+    std::size_t ring, vertex;
+  };
+  const auto point = [&rings](std::size_t i) { return exact::Point{rings.x[i], rings.y[i]}; };
+  std::vector<Start> starts;
+  for (std::size_t ring = 0; ring < rings.starts.size(); ++ring) {
+    Start start{point(static_cast<std::size_t>(rings.starts[ring])), ring,
+                static_cast<std::size_t>(rings.starts[ring])};
+    for (std::size_t i = start.vertex; i < end_of_ring(rings, ring); ++i) {
+      if (comes_before(point(i), start.place)) start = {point(i), ring, i};
+    }
+    starts.push_back(start);
+  }
+  std::sort(starts.begin(), starts.end(),
+            [](const Start& a, const Start& b) { return comes_before(a.place, b.place); });
+  Outline outline;
+  reserve(outline, rings.x.size(), starts.size());
+  for (const Start& start : starts) {
+    const auto first = static_cast<std::size_t>(rings.starts[start.ring]);
+    std::size_t end = end_of_ring(rings, start.ring);
+    if (rings.x[first] == rings.x[end - 1] && rings.y[first] == rings.y[end - 1]) --end;
+    const std::size_t n = end - first;
+    // The leftmost vertex repeated as the last one is the first.
+    const std::size_t at = start.vertex < end ? start.vertex - first : 0;
+    const int turn = exact::orientation(point(first + (at + n - 1) % n), point(first + at),
+                                        point(first + (at + 1) % n));
+    const bool backwards = (turn > 0) != (depths[start.ring] % 2 != 0);
+    outline.starts.push_back(static_cast<std::int32_t>(outline.x.size()));
+    for (std::size_t i = 0; i < n; ++i) {
+      const std::size_t vertex = first + (backwards ? at + n - i : at + i) % n;
+      outline.x.push_back(rings.x[vertex]);
+      outline.y.push_back(rings.y[vertex]);
     }
   }
   return outline;

@@ -194,6 +194,11 @@ std::vector<Flaw> find_flaws(const Rings& rings, std::size_t most) {
 
 Result<Outline, Flaw> make_valid(const Rings& rings) {
   try {
+    if (auto flaw = mesh::check_rings(rings)) return std::move(*flaw);
+    if (const auto parents = mesh::parents_apart(rings)) {
+      const Nesting nesting = nesting_of(*parents, [](std::uint32_t) { return true; });
+      return mesh::boundary_of(rings, nesting.depth);
+    }
     const Result<Arrangement, Flaw> arranged = mesh::split(rings, mesh::kMostVertices);
     if (!arranged) return arranged.error();
     if (!mesh::same_modulo_2(arranged->sites, arranged->sides, arranged->edges)) {
