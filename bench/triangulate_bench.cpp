@@ -15,18 +15,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <ctime>
 #include <memory>
 #include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
-#ifdef KZGIS_BENCH_CGAL
-#include <CGAL/Constrained_Delaunay_triangulation_2.h>
-#include <CGAL/Constrained_triangulation_face_base_2.h>
-#include <CGAL/Exact_predicates_inexact_constructions_kernel.h>
-#include <CGAL/Triangulation_face_base_with_info_2.h>
-#endif
 #ifdef KZGIS_BENCH_GEOS
 #include <geos_c.h>
 #endif
@@ -34,6 +28,9 @@
 #include <GL/glu.h>
 #endif
 
+#ifdef KZGIS_BENCH_CGAL
+#include "cgal_peer.h"
+#endif
 #include "kzgis/mesh.h"
 #include "kzgis/triangulate.h"
 #include "triangulate/polygons.h"
@@ -100,6 +97,24 @@ double mesh(benchmark::State& state, const Input& input) {
   return doubled_area_of(input, result.triangles, kz_ulong{0});
 }
 
+/// The counter is how many times as long as without it: plain ones follow, just as many.
+double delaunay(benchmark::State& state, const Input& input) {
+  const kzgis::Rings rings{input.x, input.y, input.starts};
+  kzgis::Mesh result;
+  const std::clock_t start = std::clock();
+  for (auto _ : state) {
+    result = kzgis::triangulate(rings, {.delaunay = true}).value();
+    benchmark::DoNotOptimize(result.triangles.data());
+  }
+  const std::clock_t between = std::clock();
+  for (benchmark::IterationCount i = 0; i < state.iterations(); ++i) {
+    benchmark::DoNotOptimize(kzgis::triangulate(rings).value().triangles.data());
+  }
+  state.counters["of_plain"] =
+      static_cast<double>(between - start) / static_cast<double>(std::clock() - between);
+  return doubled_area_of(input, result.triangles, kz_ulong{0});
+}
+
 double classic(benchmark::State& state, const Input& input) {
   const std::size_t n = input.points.size();
   const auto vertices = std::make_unique<double[][2]>(n + 1);
@@ -125,57 +140,15 @@ double classic(benchmark::State& state, const Input& input) {
 #ifdef KZGIS_BENCH_CGAL
 
 double cgal(benchmark::State& state, const Input& input) {
-  struct FaceInfo {
-    bool seen = false;
-    bool inside = false;
-  };
-  using Kernel = CGAL::Exact_predicates_inexact_constructions_kernel;
-  using FaceBase = CGAL::Triangulation_face_base_with_info_2<FaceInfo, Kernel>;
-  using Structure = CGAL::Triangulation_data_structure_2<
-      CGAL::Triangulation_vertex_base_2<Kernel>,
-      CGAL::Constrained_triangulation_face_base_2<Kernel, FaceBase>>;
-  using Triangulation =
-      CGAL::Constrained_Delaunay_triangulation_2<Kernel, Structure,
-                                                 CGAL::No_constraint_intersection_tag>;
-  std::vector<std::array<Kernel::Point_2, 3>> result;
+  const std::vector<std::int32_t> counts(input.counts.begin(), input.counts.end());
+  std::vector<CgalTriangle> result;
   for (auto _ : state) {
-    result.clear();
-    std::vector<Kernel::Point_2> points;
-    std::vector<std::pair<std::size_t, std::size_t>> sides;
-    for (const Point& p : input.points) points.emplace_back(p.x, p.y);
-    std::size_t begin = 0;
-    for (const kz_long count : input.counts) {
-      const auto size = static_cast<std::size_t>(count);
-      for (std::size_t i = 0; i < size; ++i) sides.emplace_back(begin + i, begin + (i + 1) % size);
-      begin += size;
-    }
-    Triangulation triangulation;
-    triangulation.insert_constraints(points.begin(), points.end(), sides.begin(), sides.end());
-    // From the infinite face inwards; every side that is crossed changes the side.
-    std::vector<std::pair<Triangulation::Face_handle, bool>> open{
-        {triangulation.infinite_face(), false}};
-    while (!open.empty()) {
-      const auto [face, inside] = open.back();
-      open.pop_back();
-      if (face->info().seen) continue;
-      face->info() = {true, inside};
-      for (int i = 0; i < 3; ++i) {
-        const bool crossed = face->is_constrained(i);
-        if (!face->neighbor(i)->info().seen) {
-          open.emplace_back(face->neighbor(i), inside != crossed);
-        }
-      }
-    }
-    for (const Triangulation::Face_handle face : triangulation.finite_face_handles()) {
-      if (!face->info().inside) continue;
-      result.push_back(
-          {face->vertex(0)->point(), face->vertex(1)->point(), face->vertex(2)->point()});
-    }
+    result = cgal_triangles(input.x, input.y, counts);
     benchmark::DoNotOptimize(result.data());
   }
   double sum = 0.0;
-  for (const auto& [a, b, c] : result) {
-    sum += doubled_area_of({a.x(), a.y()}, {b.x(), b.y()}, {c.x(), c.y()});
+  for (const CgalTriangle& t : result) {
+    sum += doubled_area_of({t[0], t[1]}, {t[2], t[3]}, {t[4], t[5]});
   }
   return sum;
 }
@@ -275,7 +248,9 @@ struct Subject {
 };
 
 constexpr Subject kSubjects[] = {
-    {"kzgis", mesh, 1000000}, {"kzgis classic", classic, 1000000},
+    {"kzgis", mesh, 1000000},
+    {"kzgis Delaunay", delaunay, 1000000},
+    {"kzgis classic", classic, 1000000},
 #ifdef KZGIS_BENCH_CGAL
     {"CGAL", cgal, 1000000},
 #endif

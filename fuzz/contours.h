@@ -3,6 +3,7 @@
 #ifndef KZGIS_FUZZ_CONTOURS_H
 #define KZGIS_FUZZ_CONTOURS_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -24,9 +25,9 @@ struct Contours {
 /// and infinities among them.  A byte 0xFF in front of a vertex starts a new ring.  The next
 /// four bits are how often all rings are repeated, shifted; where the upper three are set,
 /// a hundred times as often and, if odd, not as rings of their own but as one with the last:
-/// up to 10,000 vertices from a few bytes.
+/// up to 10,000 vertices, or rings, from a few bytes.
 inline Contours contours_of(const std::uint8_t* data, std::size_t size) {
-  constexpr std::size_t kMostVertices = 10000;
+  constexpr std::size_t kMost = 10000;
   Contours contours;
   if (size == 0) return contours;
   contours.on_grid = (data[0] & 1U) == 0;
@@ -55,7 +56,7 @@ inline Contours contours_of(const std::uint8_t* data, std::size_t size) {
   }
   const std::size_t vertices = contours.x.size();
   const std::size_t rings = contours.starts.size();
-  for (unsigned n = 1; n <= repeats && (n + 1) * vertices <= kMostVertices; ++n) {
+  for (unsigned n = 1; n <= repeats && (n + 1) * std::max(vertices, rings) <= kMost; ++n) {
     for (std::size_t r = 0; r < rings && !in_one; ++r) {
       contours.starts.push_back(static_cast<kz_long>(n * vertices) + contours.starts[r]);
     }

@@ -132,8 +132,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   silence();
   const Contours contours = contours_of(data, size);
   check_mesh_layer(contours);
-  check_mended(contours);
-  check_options(contours, std::accumulate(data, data + size, 0U));
+  // What many vertices do is seen without options, and would take most of the time here.
+  if (contours.x.size() <= 1000) {
+    check_mended(contours);
+    check_options(contours, std::accumulate(data, data + size, 0U));
+  }
   check_tree(contours);
   return 0;
 }
