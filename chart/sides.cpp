@@ -11,15 +11,20 @@
 namespace kzgis::chart {
 namespace {
 
+bool on_poles(double lat, double other) {
+  return std::fabs(lat) >= 90.0 && std::fabs(other) >= 90.0;
+}
+
 /// How far to the east a side goes.
 ///
 /// @param as_given  not the short way
 double way(double lon, double lat, double end_lon, double end_lat, bool as_given) {
   double d = end_lon - lon;
   if (!(std::fabs(d) <= 720.0)) d = wrap(end_lon) - wrap(lon);
-  const bool on_poles = std::fabs(lat) >= 90.0 && std::fabs(end_lat) >= 90.0;
   // Two turns along a pole are none, by the odd-even rule.
-  if (on_poles || as_given) return d - 720.0 * std::round(d / 720.0);
+  if (on_poles(lat, end_lat) || as_given) {
+    return std::fabs(d) <= 360.0 ? d : d - 720.0 * std::round(d / 720.0);
+  }
   return std::fabs(d) <= 180.0 ? d : d - 360.0 * std::round(d / 360.0);
 }
 
@@ -47,7 +52,7 @@ class Builder {
   /// Closes a ring.
   void close() {
     add(n_, false);
-    if (turns_ == 0 && falls_flat()) add(n_, true);
+    if (falls_flat()) add(n_, true);
     if (turns_ % 2 != 0) {
       double sum = 0.0;
       for (const double lat : course_.lat) sum += lat;
@@ -77,14 +82,16 @@ class Builder {
     }
   }
 
-  /// Whether the ring lies on one meridian only because its sides go the short way.
+  /// Whether the ring, apart from poles, lies on one meridian only because its sides go the short
+  /// way.
   bool falls_flat() const {
     bool wide = false;
     for (std::size_t i = 0; i < n_; ++i) {
       const std::size_t j = i + 1 == n_ ? 0 : i + 1;
+      const double a = course_.lat[i];
+      const double b = course_.lat[j];
       constexpr double kNothing = 1e-9;
-      if (std::fabs(way(raw_lon_[i], course_.lat[i], raw_lon_[j], course_.lat[j], false)) >
-          kNothing) {
+      if (!on_poles(a, b) && std::fabs(way(raw_lon_[i], a, raw_lon_[j], b, false)) > kNothing) {
         return false;
       }
       wide = wide || std::fabs(raw_lon_[j] - raw_lon_[i]) > 180.0;

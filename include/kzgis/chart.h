@@ -59,7 +59,11 @@ struct ChartParameters {
   std::optional<double> reach_deg{};
 
   /// What outlines and frame of the other maps show, in degrees: x is the longitude from the base
-  /// meridian, within -180 to 180, y the latitude.  Points are projected outside of it too.
+  /// meridian, within -180 to 180, y the latitude.  By itself it is all of the globe, but
+  /// Mercator's map ends at 85.0511287798066 degrees, where it is a square, and a conic of northern
+  /// parallels ends 30 (Lambert) or 60 (Albers) degrees south of the equator, one of southern
+  /// parallels as far north of it.  Mercator and the Lambert conic show nothing beyond 89.99
+  /// degrees where they have no place for a pole. Points are projected outside of the window too.
   std::optional<Box> window{};
 };
 
@@ -154,7 +158,7 @@ class KZGIS_EXPORT Chart {
   static Result<Chart> make(projType type, const ChartParameters& parameters = {});
 
   projType type() const { return type_; }
-  /// As given to `make`, with parallels and reach filled in where the projection uses them.
+  /// As given to `make`, with parallels, reach and window filled in where the projection uses them.
   const ChartParameters& parameters() const { return parameters_; }
 
   // Spans are of one length each; where they are not, the shortest counts, and the rest of the

@@ -17,9 +17,9 @@ namespace kzgis {
 //
 // A side is straight in degrees.  One of more than 180 degrees of longitude goes the short way
 // round the globe, unless both its ends lie on a pole.  A ring that goes round the globe holds a
-// pole: that of its own hemisphere, which the mean latitude of its vertices tells.  (A ring that
-// would lie on one meridian if its sides went the short way is a band round the globe, and they go
-// as they are given.)
+// pole: that of its own hemisphere, which the mean latitude of its vertices tells.  (A ring that,
+// apart from poles, would lie on one meridian if its sides went the short way is a band round the
+// globe, and they go as they are given.)
 //
 // What is drawn is what `Chart::parameters` states as the chart's window or reach; azimuthal maps
 // of the whole globe end 1e-6 radians before the antipode.  Maps with a window are torn along the
