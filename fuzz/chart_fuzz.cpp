@@ -1,4 +1,5 @@
-// Fuzzes `Chart` and `project_classic`: any parameters, any points, there and back.
+// Fuzzes `Chart` and `project_classic`: any parameters, any points, there and back; and the points
+// as rings and lines, drawn on the plane.
 //
 // Input: a byte for the projection, a byte of flags, six numbers for the parameters; with a
 // window its four numbers; the rest are points of three numbers each.  A number is a double as it
@@ -12,10 +13,12 @@
 #include <cstring>
 #include <numbers>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "fuzz/harness.h"
 #include "kzgis/chart.h"
+#include "kzgis/outline.h"
 
 namespace {
 
@@ -31,7 +34,8 @@ enum Flags : unsigned {
   kSecond = 4,
   kReach = 8,
   kWindow = 16,
-  kRadius = 32
+  kRadius = 32,
+  kCoarse = 64
 };
 
 class Input {
@@ -224,6 +228,36 @@ void check_classic(projType type, const ChartParameters& parameters, const Point
   require(here == apart);
 }
 
+/// The points as rings, a new one where an altitude is negative: valid areas come of them, and of
+/// nothing that is not finite.
+void check_outlines(const Chart& chart, const Points& degrees, double tolerance) {
+  // As many as can be swept in a moment, however they cross.
+  constexpr std::size_t kMost = 200;
+  const std::size_t n = std::min(degrees.a.size(), kMost);
+  std::vector<std::int32_t> starts;
+  bool finite = true;
+  for (std::size_t i = 0; i < n; ++i) {
+    if (i == 0 || degrees.c[i] < 0.0) starts.push_back(static_cast<std::int32_t>(i));
+    finite = finite && std::isfinite(degrees.a[i]) && std::isfinite(degrees.b[i]);
+  }
+  const kzgis::Rings rings{std::span(degrees.b).first(n), std::span(degrees.a).first(n), starts};
+  const auto area = kzgis::project_area(chart, rings, tolerance);
+  const auto lines = kzgis::project_lines(chart, rings, tolerance);
+  // Beyond these, coordinates on the plane leave the range of exact arithmetic.
+  const double radius = chart.parameters().radius;
+  if (radius < 1e-100 || radius > 1e100) return;
+  require(area.has_value() == (finite && chart.type() != GlobeProj));
+  require(lines.has_value() == area.has_value());
+  if (!area) return;
+  for (const kzgis::Outline* const outline : {&*area, &*lines}) {
+    for (const double x : outline->x) require(std::isfinite(x));
+    for (const double y : outline->y) require(std::isfinite(y));
+  }
+  const auto nesting = kzgis::nest(area->rings());
+  require(nesting.has_value());
+  for (const std::int32_t depth : nesting->depth) require(depth > 0);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -265,6 +299,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (chart) {
     check_both_ways(*chart, degrees, world);
     check_classic(type, parameters, degrees);
+    check_outlines(*chart, degrees, parameters.radius * ((flags & kCoarse) != 0 ? 0.1 : 0.001));
   } else {
     require(chart.error().kind == kzgis::ErrorKind::bad_argument && !chart.error().message.empty());
   }
