@@ -115,8 +115,6 @@ Projection& Projection::operator=(const Projection& other) {
   return *this;
 }
 
-Projection::~Projection() = default;
-
 void Projection::setLLCoordinates(double lat_deg, double lon_deg, double altitude) {
   renewWorld();
   world_count_ = 3;

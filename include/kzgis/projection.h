@@ -87,7 +87,7 @@ class KZGIS_EXPORT Projection {
   Projection(const Projection& other);
   /// The same; pointers from `fetchLLCoordinates` stay valid and see the new point.
   Projection& operator=(const Projection& other);
-  ~Projection();
+  ~Projection() = default;
 
   /// Sets the point to convert and drops the world coordinates of the former one.
   ///

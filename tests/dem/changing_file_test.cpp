@@ -15,6 +15,7 @@
 
 #include "dem/dem_writer.h"
 #include "kzgis/elevation.h"
+#include "support/counted_reads.h"
 #include "support/time_limit.h"
 
 namespace {
@@ -29,7 +30,10 @@ Interruption interruption;
 
 }  // namespace
 
+long counted_reads = 0;
+
 extern "C" std::size_t fread(void* bytes, std::size_t size, std::size_t count, std::FILE* stream) {
+  ++counted_reads;
   if (interruption.reads_to_go >= 0 && interruption.reads_to_go-- == 0) interruption.change();
   static const auto real =
       reinterpret_cast<std::size_t (*)(void*, std::size_t, std::size_t, std::FILE*)>(
@@ -97,6 +101,13 @@ TEST_F(ReadDemOfAFile, ThatStaysAsItIsGivesAllOfIt) {
   EXPECT_EQ(grid_->columns, kProfiles);
   EXPECT_EQ(grid_->rows, 4);
   EXPECT_EQ(grid_->at(0, 299), 302.0F);
+}
+
+TEST_F(ReadDemOfAFile, IsReadOnceForEachWindow) {
+  const long before = counted_reads;
+  EXPECT_FALSE(read(1000, [] {}));
+  EXPECT_GT(counted_reads, before);
+  EXPECT_LE(counted_reads - before, static_cast<long>(whole_.size()) / 65536 + 1);
 }
 
 TEST_F(ReadDemOfAFile, ThatGetsShorterEndsThereOrWhereItWasReadTo) {

@@ -238,6 +238,11 @@ std::vector<Operation> meshes() {
   static constexpr double kTieY[] = {0, 9, 0, 9};
   static constexpr kz_long kTieStart[] = {0};
   static const kzgis::Rings tie{kTieX, kTieY, kTieStart};
+  // Two triangles with a vertex in common: not apart.
+  static constexpr double kPairX[] = {0, 2, 1, 1, 2, 0};
+  static constexpr double kPairY[] = {0, 0, 1, 1, 2, 2};
+  static constexpr kz_long kPairStarts[] = {0, 3};
+  static const kzgis::Rings pair{kPairX, kPairY, kPairStarts};
   // So smooth that its triangles are not flipped one by one.
   static const std::vector<double> curve_x = [] {
     std::vector<double> x(500);
@@ -265,7 +270,8 @@ std::vector<Operation> meshes() {
        30,
        {no_memory},
        [] { return kind_of(rings, {.longest_side = 2, .most_triangles = 40}); }},
-      {"nest", 20, {no_memory}, [] { return kind_of_nesting(rings); }},
+      {"nest", 5, {no_memory}, [] { return kind_of_nesting(rings); }},
+      {"nest_Touching", 20, {no_memory}, [] { return kind_of_nesting(pair); }},
       {"nest_Refused", 5, {no_memory}, [] { return kind_of_nesting(tie); }},
   };
 }
