@@ -15,6 +15,7 @@
 
 #include "chart/angles.h"
 #include "chart/domain.h"
+#include "chart/families.h"
 
 namespace kzgis::chart {
 namespace {
@@ -44,8 +45,8 @@ class Disc : public Domain {
     side_ = &side;
     end_ = side.end();
     steepness_ = (std::fabs(end_ - side.lon) + std::fabs(side.end_lat - side.lat)) * kDegree;
-    const double first = inwards(side.lon, side.lat);
-    const double last = inwards(side.end_lon, side.end_lat);
+    const double first = inwards_of_vertex(side.lon, side.lat);
+    const double last = inwards_of_vertex(side.end_lon, side.end_lat);
     crossings_.clear();
     find(0.0, first, 1.0, last);
     count_start(is_in(first));
@@ -90,18 +91,29 @@ class Disc : public Domain {
            cos_base_ * cos_lat * haversine(lon.sin);
   }
 
+  /// The same of a vertex, which sides of a ring have two by two.
+  double inwards_of_vertex(double lon, double lat) {
+    for (const Vertex& vertex : latest_) {
+      if (vertex.lon == lon && vertex.lat == lat) return vertex.inwards;
+    }
+    latest_[0] = latest_[1];
+    latest_[1] = {lon, lat, inwards(lon, lat)};
+    return latest_[1].inwards;
+  }
+
   double lon_at(double t) const { return side_->lon + t * (end_ - side_->lon); }
   double lat_at(double t) const { return side_->lat + t * (side_->end_lat - side_->lat); }
   double inwards_at(double t) const { return inwards(lon_at(t), lat_at(t)); }
 
   /// Lists where the side comes over the limb between two of its points.
   void find(double t0, double in0, double t1, double in1) {
+    constexpr double kLeastStep = 1e-15;  // for maps of next to nothing
     const double step = steepness_ * (t1 - t0);
-    const double bulge = step * step / 16.0;
+    const double bulge = t1 - t0 > kLeastStep ? step * step / 16.0 : 0.0;
     if (is_in(in0) == is_in(in1)) {
       const double limb = closed_ ? -slack_ : slack_;
-      if (std::min(std::fabs(in0 - limb), std::fabs(in1 - limb)) > bulge || bulge < slack_) return;
-    } else if (bulge < slack_) {
+      if (std::min(std::fabs(in0 - limb), std::fabs(in1 - limb)) > bulge || bulge <= slack_) return;
+    } else if (bulge <= slack_) {
       crossings_.push_back(bisect(t0, t1, is_in(in0)));
       return;
     }
@@ -116,7 +128,7 @@ class Disc : public Domain {
   double bisect(double t0, double t1, bool in0) const {
     for (;;) {
       const double t = 0.5 * (t0 + t1);
-      if (t <= t0 || t >= t1) return t;
+      if (t <= t0 || t >= t1 || t1 - t0 < 0x1p-60) return t;
       (is_in(inwards_at(t)) == in0 ? t0 : t1) = t;
     }
   }
@@ -195,6 +207,11 @@ class Disc : public Domain {
   double slack_ = 0.0;  // of haversines at the limb
   bool over_pole_ = false;
   double start_lat_ = 0.0;
+
+  struct Vertex {
+    double lon, lat, inwards;
+  };
+  Vertex latest_[2] = {{kNoPlace, 0.0, 0.0}, {kNoPlace, 0.0, 0.0}};
 
   // Of the side at hand.
   const Side* side_ = nullptr;

@@ -32,6 +32,9 @@ using chart::Point;
 using chart::Tracer;
 
 constexpr std::size_t kMostVertices = 0x10000000;
+// Squares of coordinates are to be numbers, and exact arithmetic is to take them.
+constexpr double kLeastRadius = 1e-100;
+constexpr double kMostRadius = 1e100;
 
 /// Points of rings or lines, one behind the other.
 using Way = std::vector<Point>;
@@ -60,11 +63,27 @@ std::optional<Error> complaint(const Chart& chart, double tolerance) {
   if (chart.type() == GlobeProj) {
     return Error{ErrorKind::bad_argument, "the globe is no plane to draw on"};
   }
+  const double radius = chart.parameters().radius;
+  if (!(radius >= kLeastRadius && radius <= kMostRadius)) {
+    return Error{ErrorKind::bad_argument,
+                 "the radius " + chart::text_of(radius) + " does not lie within 1e-100 to 1e100"};
+  }
   if (!(tolerance > 0.0 && std::isfinite(tolerance))) {
     return Error{ErrorKind::bad_argument,
                  "the tolerance " + chart::text_of(tolerance) + " is not a finite number above 0"};
   }
   return std::nullopt;
+}
+
+std::size_t end_of_ring(const Rings& rings, std::size_t ring) {
+  return ring + 1 < rings.starts.size() ? static_cast<std::size_t>(rings.starts[ring + 1])
+                                        : rings.x.size();
+}
+
+std::size_t size_of(const std::vector<Way>& ways) {
+  std::size_t size = 0;
+  for (const Way& way : ways) size += way.size();
+  return size;
 }
 
 std::optional<Flaw> complaint(const Rings& rings) {
@@ -85,9 +104,7 @@ std::optional<Flaw> complaint(const Rings& rings) {
   }
   for (std::size_t ring = 0; ring < rings.starts.size(); ++ring) {
     const auto first = static_cast<std::size_t>(rings.starts[ring]);
-    const std::size_t end =
-        ring + 1 < rings.starts.size() ? static_cast<std::size_t>(rings.starts[ring + 1]) : n;
-    for (std::size_t i = first; i < end; ++i) {
+    for (std::size_t i = first; i < end_of_ring(rings, ring); ++i) {
       if (std::isfinite(rings.x[i]) && std::isfinite(rings.y[i])) continue;
       return refusal(ErrorKind::bad_data, "vertex " + std::to_string(i) + " is not finite",
                      static_cast<std::int64_t>(ring), static_cast<std::int64_t>(i));
@@ -303,27 +320,29 @@ class Closer {
   std::uint32_t first_ = 0;
 };
 
+/// A coordinate; smaller ones than exact arithmetic takes are as good as none.
+double taken(double coordinate) { return std::fabs(coordinate) < 0x1p-480 ? 0.0 : coordinate; }
+
 Outline laid_out(const std::vector<Way>& ways) {
   Outline outline;
+  outline.x.reserve(size_of(ways));
+  outline.y.reserve(size_of(ways));
+  outline.starts.reserve(ways.size());
   for (const Way& way : ways) {
     outline.starts.push_back(static_cast<std::int32_t>(outline.x.size()));
     for (const Point& p : way) {
-      outline.x.push_back(p.x);
-      outline.y.push_back(p.y);
+      outline.x.push_back(taken(p.x));
+      outline.y.push_back(taken(p.y));
     }
   }
   return outline;
 }
 
-std::size_t end_of_ring(const Rings& rings, std::size_t ring) {
-  return ring + 1 < rings.starts.size() ? static_cast<std::size_t>(rings.starts[ring + 1])
-                                        : rings.x.size();
-}
-
-std::size_t size_of(const std::vector<Way>& ways) {
-  std::size_t size = 0;
-  for (const Way& way : ways) size += way.size();
-  return size;
+/// Rings that cross where the curves did not, made valid.
+Result<Outline, Flaw> valid(const std::vector<Way>& rings) {
+  if (size_of(rings) >= kMostVertices) return too_many();
+  const Outline outline = laid_out(rings);
+  return make_valid(outline.rings());
 }
 
 Result<Outline, Flaw> draw_area(const Chart& chart, const Rings& degrees, double tolerance) {
@@ -342,9 +361,7 @@ Result<Outline, Flaw> draw_area(const Chart& chart, const Rings& degrees, double
   }
   const bool starts_inside = drawing.takes_start();
   Closer(drawing, drawing.runs(), starts_inside).close(rings);
-  if (size_of(rings) >= kMostVertices) return too_many();
-  const Outline outline = laid_out(rings);
-  return make_valid(outline.rings());
+  return valid(rings);
 }
 
 Result<Outline, Flaw> draw_lines(const Chart& chart, const Rings& degrees, double tolerance) {
@@ -376,9 +393,7 @@ Result<Outline> draw_frame(const Chart& chart, double tolerance) {
   const Drawing drawing(chart, tolerance, false);
   std::vector<Way> rings;
   Closer(drawing, {}, true).close(rings);
-  if (size_of(rings) >= kMostVertices) return too_many();
-  const Outline outline = laid_out(rings);
-  auto frame = make_valid(outline.rings());
+  auto frame = valid(rings);
   if (!frame) return frame.error();
   return std::move(*frame);
 }

@@ -67,7 +67,9 @@ class Builder {
     const std::vector<double>& lon = course_.lon;
     const std::vector<double>& lat = course_.lat;
     const double d = way(raw_lon_[a], lat[a], raw_lon_[b], lat[b], as_given);
-    const auto turns = static_cast<std::int32_t>(std::lround((lon[a] + d - lon[b]) / 360.0));
+    const double beyond = lon[a] + d - lon[b];
+    const auto turns =
+        std::fabs(beyond) < 180.0 ? 0 : static_cast<std::int32_t>(std::lround(beyond / 360.0));
     turns_ += turns;
     if (lat[a] == lat[b] && lon[a] == lon[b] && turns == 0) return;
     const auto from = static_cast<std::uint32_t>(a);

@@ -53,10 +53,10 @@ class Curve {
     const double t = 0.5 * (t0 + t1);
     const Point quarter = at(0.5 * (t0 + t));
     const Point three_quarters = at(0.5 * (t + t1));
-    const bool straight = span_ * (t1 - t0) <= kLongStep_deg &&
-                          distance(quarter, p0, p1) <= kFine * tolerance_ &&
-                          distance(middle, p0, p1) <= kFine * tolerance_ &&
-                          distance(three_quarters, p0, p1) <= kFine * tolerance_;
+    // What is no number departs from nothing.
+    const auto departs = [&](const Point& p) { return distance(p, p0, p1) > kFine * tolerance_; };
+    const bool straight = span_ * (t1 - t0) <= kLongStep_deg && !departs(quarter) &&
+                          !departs(middle) && !departs(three_quarters);
     if (straight || depth == 0) {
       points_.push_back(p1);
       return;
@@ -128,19 +128,19 @@ Point Tracer::place(double lon, double lat) const {
 }
 
 void Tracer::place(const std::vector<double>& lon, const std::vector<double>& lat,
-                   std::vector<Point>& points) const {
-  std::vector<double> x(lon.size());
-  std::vector<double> y(lon.size());
-  chart_.project(lat, lon, x, y);
+                   std::vector<Point>& points) {
+  x_.resize(lon.size());
+  y_.resize(lon.size());
+  chart_.project(lat, lon, x_, y_);
   points.resize(lon.size());
-  for (std::size_t i = 0; i < points.size(); ++i) points[i] = {x[i], y[i]};
+  for (std::size_t i = 0; i < points.size(); ++i) points[i] = {x_[i], y_[i]};
 }
 
 void Tracer::draw(double lon, double lat, Point start, double end_lon, double end_lat, Point end,
                   std::vector<Point>& points) const {
   const double width = std::fabs(end_lon - lon);
   const double height = std::fabs(end_lat - lat);
-  const double chord = std::hypot(end.x - start.x, end.y - start.y);
+  const double chord = std::fabs(end.x - start.x) + std::fabs(end.y - start.y);
   const double arc = (width + height) * kDegree * radius_;
   // No point of a curve is farther from its ends than half its length.
   if (std::max(chord, arc) <= tolerance_) return;

@@ -26,7 +26,7 @@ class Tracer {
 
   /// The same for many, in the same order.
   void place(const std::vector<double>& lon, const std::vector<double>& lat,
-             std::vector<Point>& points) const;
+             std::vector<Point>& points);
 
   /// Appends the points that a side needs between its ends, which lie at `start` and `end`.
   void draw(double lon, double lat, Point start, double end_lon, double end_lat, Point end,
@@ -42,6 +42,7 @@ class Tracer {
   double tolerance_;
   double radius_;
   bool is_torn_;
+  std::vector<double> x_, y_;  // kept for their memory
 };
 
 }  // namespace kzgis::chart

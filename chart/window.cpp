@@ -16,6 +16,10 @@ class Window : public Domain {
   Window(const Box& box, bool closed) : box_(box), closed_(closed) {}
 
   void cut(const Side& side, std::vector<Piece>& pieces) override {
+    if (side.turns == 0 && holds(side.lon, side.lat) && holds(side.end_lon, side.end_lat)) {
+      pieces.push_back({side.lon, side.lat, side.end_lon, side.end_lat, {}, {}});
+      return;
+    }
     // Copies of the cylinder, unrolled, that the side runs over.
     const int step = side.turns < 0 ? -1 : 1;
     for (int turn = 0; turn != side.turns + step; turn += step) cut_copy(side, turn, pieces);
@@ -44,6 +48,10 @@ class Window : public Domain {
   }
 
  private:
+  bool holds(double lon, double lat) const {
+    return box_.min_x < lon && lon < box_.max_x && box_.min_y < lat && lat < box_.max_y;
+  }
+
   /// Cuts the side as it lies when the cylinder has been turned back `turn` times.
   void cut_copy(const Side& side, int turn, std::vector<Piece>& pieces) {
     // The ends without rounding where they lie in the copy.

@@ -36,8 +36,9 @@ namespace kzgis {
 ///
 /// @param tolerance  in world coordinates, > 0; a trillionth of the radius at least is taken
 /// @return rings as of `make_valid`.  Refused are, with ring and vertex, coordinates that are not
-///         finite (`bad_data`); with `bad_argument` the globe, which is no plane, a tolerance that
-///         is none, arrays that do not fit each other, and what would take 2^28 vertices
+///         finite (`bad_data`); with `bad_argument` the globe, which is no plane, a radius outside
+///         of 1e-100 to 1e100, a tolerance that is none, arrays that do not fit each other, and
+///         what would take 2^28 vertices
 KZGIS_EXPORT Result<Outline, Flaw> project_area(const Chart& chart, const Rings& degrees,
                                                 double tolerance);
 
@@ -50,7 +51,7 @@ KZGIS_EXPORT Result<Outline, Flaw> project_lines(const Chart& chart, const Rings
 
 /// The edge of the map, as rings of `make_valid`.
 ///
-/// @return refused are the globe, and a tolerance that is none
+/// @return refused are the globe, such a radius, and a tolerance that is none
 KZGIS_EXPORT Result<Outline> chart_frame(const Chart& chart, double tolerance);
 
 /// Meridians and parallels, as lines.
@@ -59,7 +60,7 @@ KZGIS_EXPORT Result<Outline> chart_frame(const Chart& chart, double tolerance);
 /// they are about a step apart from each other; those of 0, 90, 180 and 270 degrees meet there.
 ///
 /// @param step_deg  from 1/60 to 90
-/// @return refused are the globe, a step out of range, and a tolerance that is none
+/// @return refused are the globe, such a radius, a step out of range, and a tolerance that is none
 KZGIS_EXPORT Result<Outline> graticule(const Chart& chart, double step_deg, double tolerance);
 
 }  // namespace kzgis
