@@ -13,6 +13,8 @@
 #include <random>
 #include <vector>
 
+#include "support/sanitized.h"
+
 namespace {
 
 using kzgis::mesh::Containment;
@@ -125,7 +127,7 @@ TEST(ContainmentProperty, OfRandomSetsIsThatOfTheSets) {
   std::mt19937_64 random(kSeed);
   int overlaps = 0;
   int forests = 0;
-  for (int round = 0; round < 60000; ++round) {
+  for (int round = 0; round < 60000 / kWatchedShare; ++round) {
     SCOPED_TRACE(testing::Message() << "seed " << kSeed << " round " << round);
     const auto rings = static_cast<std::uint32_t>(1 + random() % 5);
     std::vector<Set> points;
@@ -138,14 +140,14 @@ TEST(ContainmentProperty, OfRandomSetsIsThatOfTheSets) {
     if (walk.containment.overlap()) ++overlaps;
     if (!walk.containment.overlap() && !walk.containment.repetition()) ++forests;
   }
-  EXPECT_GT(overlaps, 10000);
-  EXPECT_GT(forests, 3000);
+  EXPECT_GT(overlaps, 10000 / kWatchedShare);
+  EXPECT_GT(forests, 3000 / kWatchedShare);
 }
 
 TEST(ContainmentProperty, OfRandomForestsIsTheForest) {
   constexpr std::uint64_t kSeed = 21;
   std::mt19937_64 random(kSeed);
-  for (int round = 0; round < 3000; ++round) {
+  for (int round = 0; round < 3000 / kWatchedShare; ++round) {
     SCOPED_TRACE(testing::Message() << "seed " << kSeed << " round " << round);
     // Every ring in one before it, or in none; points in the innermost parts, many times.
     const auto rings = static_cast<std::uint32_t>(1 + random() % 24);

@@ -17,6 +17,7 @@
 
 #include "support/meshed.h"
 #include "support/polygon_layer.h"
+#include "support/sanitized.h"
 #include "triangulate/polygons.h"
 #include "triangulate/tiling.h"
 
@@ -212,7 +213,7 @@ std::vector<std::string> remarks(const std::string& name) {
     EXPECT_GT(expected, 0.0);
     EXPECT_NEAR(area(triangles_of(polygon, mesh)), expected, 1e-12 * expected);
     // Overlays of thousands of triangles take their time.
-    if (polygon.x.size() < 1000) expect_tiled(polygon, mesh);
+    if (polygon.x.size() < 1000 / kWatchedShare) expect_tiled(polygon, mesh);
   }
   return result;
 }
@@ -236,7 +237,7 @@ TEST(GeosOnSampleLayers, AgreesThatEveryRecordIsTiledOrCrossesItself) {
 
 TEST(GeosOnFamilies, FindsThemValidAndTiled) {
   for (const Family& family : families()) {
-    for (std::uint64_t seed = kSeed; seed < kSeed + 25; ++seed) {
+    for (std::uint64_t seed = kSeed; seed < kSeed + 24 / kWatchedShare; ++seed) {
       std::mt19937_64 random(seed);
       IntPolygon made = family.make(3 + static_cast<int>(random() % 60), random);
       made = transformed(std::move(made), 3, -2, 2, 3);
@@ -292,7 +293,7 @@ TEST(GeosOnRandomRings, AgreesOnWhatIsTiledAndWhatIsRefused) {
   int valid = 0;
   int touching = 0;
   int refused = 0;
-  for (int round = 0; round < 40000; ++round) {
+  for (int round = 0; round < 40000 / kWatchedShare; ++round) {
     const std::uint64_t extent = 3 + random() % 8;
     std::vector<IntRing> rings(1 + random() % 3);
     Polygon polygon;
@@ -326,15 +327,15 @@ TEST(GeosOnRandomRings, AgreesOnWhatIsTiledAndWhatIsRefused) {
     ++(reason(geometry) == "Valid Geometry" ? valid : touching);
     if (HasFailure()) break;
   }
-  EXPECT_GT(valid, 300);
-  EXPECT_GT(touching, 300);
-  EXPECT_GT(refused, 300);
+  EXPECT_GT(valid, 300 / kWatchedShare);
+  EXPECT_GT(touching, 300 / kWatchedShare);
+  EXPECT_GT(refused, 300 / kWatchedShare);
 }
 
 TEST(GeosOnRandomRings, FindsNoValidOneRefused) {
   std::mt19937_64 random(kSeed + 1);
   int valid = 0;
-  for (int round = 0; round < 30000; ++round) {
+  for (int round = 0; round < 30000 / kWatchedShare; ++round) {
     IntRing ring(3 + random() % 4);
     for (IntPoint& p : ring) {
       p = {static_cast<std::int64_t>(random() % 9), static_cast<std::int64_t>(random() % 9)};
@@ -350,7 +351,7 @@ TEST(GeosOnRandomRings, FindsNoValidOneRefused) {
     ASSERT_EQ(area(triangles_of(polygon, mesh)), area(alone))
         << "seed " << kSeed + 1 << " round " << round;
   }
-  EXPECT_GT(valid, 5000);
+  EXPECT_GT(valid, 5000 / kWatchedShare);
 }
 
 // Mended polygons.
@@ -381,7 +382,7 @@ void expect_mended(const Polygon& polygon, bool delaunay) {
 
 TEST(GeosOnCrossingRings, MakesTheSameOfThem) {
   std::mt19937_64 random(kSeed + 2);
-  for (int round = 0; round < 300; ++round) {
+  for (int round = 0; round < 300 / kWatchedShare; ++round) {
     SCOPED_TRACE("seed " + std::to_string(kSeed + 2) + " round " + std::to_string(round));
     // Whole numbers, few and many.
     const std::uint64_t extent = round % 2 == 0 ? 12 : 4000;

@@ -20,12 +20,6 @@ namespace {
 using judge::Ring;
 using judge::Verdict;
 
-#ifdef KZGIS_SANITIZED
-constexpr int kShare = 4;  // everything takes so many times longer
-#else
-constexpr int kShare = 1;
-#endif
-
 std::string text(const std::vector<Ring>& rings) {
   std::string result;
   for (const Ring& ring : rings) {
@@ -141,7 +135,7 @@ TEST(VerdictProperty, OfRandomRingsOnASmallGrid) {
   constexpr std::uint64_t kSeed = 1976;
   std::mt19937_64 random(kSeed);
   std::array<int, 4> kinds{};
-  for (int round = 0; round < 12000 / kShare; ++round) {
+  for (int round = 0; round < 12000 / kWatchedShare; ++round) {
     SCOPED_TRACE(testing::Message() << "seed " << kSeed << " round " << round);
     std::vector<Ring> rings;
     const std::uint64_t size = 3 + random() % 3;
@@ -152,9 +146,9 @@ TEST(VerdictProperty, OfRandomRingsOnASmallGrid) {
     ASSERT_FALSE(HasFailure());
     ++kinds[judge::verdict_on(rings).kind];
   }
-  EXPECT_GT(kinds[Verdict::polygon], 1000 / kShare);
-  EXPECT_GT(kinds[Verdict::crosses], 1000 / kShare);
-  EXPECT_GT(kinds[Verdict::overlaps], 30 / kShare);
+  EXPECT_GT(kinds[Verdict::polygon], 1000 / kWatchedShare);
+  EXPECT_GT(kinds[Verdict::crosses], 1000 / kWatchedShare);
+  EXPECT_GT(kinds[Verdict::overlaps], 30 / kWatchedShare);
 }
 
 // Ways along the lines of a grid: sides lie on top of each other all over, cross in vertices and
@@ -163,7 +157,7 @@ TEST(VerdictProperty, OfWaysAlongAGrid) {
   constexpr std::uint64_t kSeed = 1983;
   std::mt19937_64 random(kSeed);
   std::array<int, 4> kinds{};
-  for (int round = 0; round < 12000 / kShare; ++round) {
+  for (int round = 0; round < 12000 / kWatchedShare; ++round) {
     SCOPED_TRACE(testing::Message() << "seed " << kSeed << " round " << round);
     std::vector<Ring> rings;
     for (auto count = 1 + random() % 3; count > 0; --count) {
@@ -187,9 +181,9 @@ TEST(VerdictProperty, OfWaysAlongAGrid) {
     ASSERT_FALSE(HasFailure());
     ++kinds[judge::verdict_on(rings).kind];
   }
-  EXPECT_GT(kinds[Verdict::polygon], 3000 / kShare);
-  EXPECT_GT(kinds[Verdict::overlaps], 300 / kShare);
-  EXPECT_GE(kinds[Verdict::repeats], 10 / kShare);
+  EXPECT_GT(kinds[Verdict::polygon], 3000 / kWatchedShare);
+  EXPECT_GT(kinds[Verdict::overlaps], 300 / kWatchedShare);
+  EXPECT_GE(kinds[Verdict::repeats], 10 / kWatchedShare);
 }
 
 // Slivers on one side whose areas, summed in doubles, come out as anything.
@@ -197,7 +191,7 @@ TEST(VerdictProperty, OfSliversThatShareASide) {
   constexpr std::uint64_t kSeed = 240;
   std::mt19937_64 random(kSeed);
   int nested = 0;
-  for (int round = 0; round < 3000 / kShare; ++round) {
+  for (int round = 0; round < 3000 / kWatchedShare; ++round) {
     SCOPED_TRACE(testing::Message() << "seed " << kSeed << " round " << round);
     const auto far = [&] { return static_cast<std::int64_t>(random() % (1U << 28)); };
     const judge::Point end{far(), far()};
@@ -213,7 +207,7 @@ TEST(VerdictProperty, OfSliversThatShareASide) {
     nested +=
         verdict.kind == Verdict::polygon && verdict.parent != std::vector<std::int32_t>{-1, -1};
   }
-  EXPECT_GT(nested, 500 / kShare);
+  EXPECT_GT(nested, 500 / kWatchedShare);
 }
 
 // On a decimal grid hardly a coordinate is what it was meant to be: a vertex that lies on a side by
@@ -224,7 +218,7 @@ TEST(VerdictProperty, OfDecimalsIsTheSameInAllSymmetries) {
   std::mt19937_64 random(kSeed);
   int taken = 0;
   int refused = 0;
-  for (int round = 0; round < 6000 / kShare; ++round) {
+  for (int round = 0; round < 6000 / kWatchedShare; ++round) {
     SCOPED_TRACE(testing::Message() << "seed " << kSeed << " round " << round);
     const auto n = 4 + random() % 4;
     const double step = std::array{0.1, 0.01, 1e-9, 0.3, 1.0 / 3.0, 1e7 / 7.0}[random() % 6];
@@ -260,8 +254,8 @@ TEST(VerdictProperty, OfDecimalsIsTheSameInAllSymmetries) {
       }
     }
   }
-  EXPECT_GT(taken, 500 / kShare);
-  EXPECT_GT(refused, 500 / kShare);
+  EXPECT_GT(taken, 500 / kWatchedShare);
+  EXPECT_GT(refused, 500 / kWatchedShare);
 }
 
 }  // namespace

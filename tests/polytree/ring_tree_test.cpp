@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "polytree/rings.h"
+#include "support/sanitized.h"
 
 namespace {
 
@@ -210,7 +211,7 @@ TEST(RingTree, ParentsBeforeChildrenGiveTheTrueTree) {
 TEST(RingTree, FollowsTheRuleInEveryOrder) {
   constexpr std::uint64_t kSeed = 64;
   std::mt19937_64 random(kSeed);
-  for (int run = 0; run < 200; ++run) {
+  for (int run = 0; run < 200 / kWatchedShare; ++run) {
     SCOPED_TRACE(testing::Message() << "seed " << kSeed << " run " << run);
     std::vector<std::size_t> parents;
     auto rectangles = random_nest(random, 1 + random() % 400, parents);
@@ -241,7 +242,7 @@ TEST(RingTree, FollowsTheRuleInDeepNests) {
   // few units in the last place from a side; outermost first, or in parts, or anyhow.
   constexpr std::uint64_t kSeed = 67;
   std::mt19937_64 random(kSeed);
-  for (int run = 0; run < 600; ++run) {
+  for (int run = 0; run < 600 / kWatchedShare; ++run) {
     SCOPED_TRACE(testing::Message() << "seed " << kSeed << " run " << run);
     const int shape = static_cast<int>(random() % 3);
     const int odd = run % 3 == 0 ? 0 : 1 + static_cast<int>(random() % 30);

@@ -25,4 +25,11 @@
 #define KZGIS_SANITIZED
 #endif
 
+/// By how many times a test that a sanitizer watches does less of the same.
+#ifdef KZGIS_SANITIZED
+inline constexpr int kWatchedShare = 12;
+#else
+inline constexpr int kWatchedShare = 1;
+#endif
+
 #endif
