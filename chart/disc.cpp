@@ -63,16 +63,18 @@ class Disc : public Domain {
   Place start() const override { return {0, 0.0}; }
 
   Point at(const Place& place, double, double, const Tracer& tracer) const override {
-    const double angle = place.along - kHalfPi;
-    const double radius = radius_of(tracer);
-    return {radius * std::cos(angle), radius * std::sin(angle)};
+    return on_limb(place.along, radius_of(tracer));
   }
 
   void follow(const Place& from, const Place& to, const Tracer& tracer,
               std::vector<Point>& points) const override {
-    if (!(from < to || to < from)) points.push_back(at(from, 0.0, 0.0, tracer));
     const double end = from < to ? to.along : to.along + 2.0 * kPi;
-    tracer.draw_arc(radius_of(tracer), from.along - kHalfPi, end - kHalfPi, points);
+    const double radius = radius_of(tracer);
+    const double step = 2.0 * kPi / tracer.chords_of_circle(radius);
+    // Vertices of the limb are the same for all that ends there, so that neighbours share them.
+    for (double i = std::floor(from.along / step); i * step <= end; ++i) {
+      if (i * step > from.along || from.along == 0.0) points.push_back(on_limb(i * step, radius));
+    }
   }
 
  private:
@@ -192,6 +194,10 @@ class Disc : public Domain {
       }
       if (south) flip();
     }
+  }
+
+  static Point on_limb(double along, double radius) {
+    return {radius * std::cos(along - kHalfPi), radius * std::sin(along - kHalfPi)};
   }
 
   double radius_of(const Tracer& tracer) const {

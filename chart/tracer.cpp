@@ -154,13 +154,12 @@ void Tracer::draw(double lon, double lat, Point start, double end_lon, double en
   curve.thin_out(start, points);
 }
 
-void Tracer::draw_arc(double radius, double from, double to, std::vector<Point>& points) const {
-  const double step = 2.0 * std::acos(std::max(-0.5, 1.0 - tolerance_ / radius));
-  const double count = std::max(1.0, std::ceil((to - from) / step));
-  for (double i = 1.0; i < count; ++i) {
-    const double angle = from + (to - from) * (i / count);
-    points.push_back({radius * std::cos(angle), radius * std::sin(angle)});
-  }
+double Tracer::chords_of_circle(double radius) const {
+  // Where the globe is seen from the side, degrees of it lie within the tolerance of the limb: finer
+  // chords keep what lies there from crossing them.
+  const double tolerance = chart_.type() == OrthographicProj ? tolerance_ / 64.0 : tolerance_;
+  const double step = 2.0 * std::acos(std::max(0.5, 1.0 - tolerance / radius));
+  return std::ceil(2.0 * kPi / step);
 }
 
 }  // namespace kzgis::chart

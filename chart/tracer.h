@@ -32,8 +32,8 @@ class Tracer {
   void draw(double lon, double lat, Point start, double end_lon, double end_lat, Point end,
             std::vector<Point>& points) const;
 
-  /// Appends the points that an arc about the origin needs between two angles, in radians.
-  void draw_arc(double radius, double from, double to, std::vector<Point>& points) const;
+  /// Into how many chords a circle about the origin is divided.
+  double chords_of_circle(double radius) const;
 
   double radius() const { return radius_; }
 
