@@ -30,10 +30,10 @@ Box bounds_of_frame(const Chart& chart, double tolerance) {
 double width_of(const Box& box) { return box.max_x - box.min_x; }
 double height_of(const Box& box) { return box.max_y - box.min_y; }
 
-/// The rectangle about the map, to a fraction of a pixel of the largest page.
+/// The rectangle about the map, to a fraction of a pixel of a large page.
 Box extent_of(const Chart& chart) {
   const Box about = bounds_of_frame(chart, 1e-2);
-  return bounds_of_frame(chart, 1e-6 * std::max(width_of(about), height_of(about)));
+  return bounds_of_frame(chart, 1e-5 * std::max(width_of(about), height_of(about)));
 }
 
 bool holds(const Box& box, double x, double y) {

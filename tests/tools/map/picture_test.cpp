@@ -114,8 +114,8 @@ TEST(Picture, LandIsLandAndSeaIsSeaInEveryProjection) {
   const std::vector<StyledLayer> layers = world();
   Sheet sheet{700, 700, 0.0, ""};
   for (int type = 0; type <= 14; ++type) {
-    for (const double base_lon : {0.0, 90.0, 180.0, -100.0}) {
-      for (const double base_lat : {0.0, 45.0, 90.0, -90.0, -30.0}) {
+    for (const double base_lon : {0.0, 180.0, -100.0}) {
+      for (const double base_lat : {0.0, 45.0, 90.0, -30.0}) {
         MapRequest request;
         request.type = static_cast<projType>(type);
         request.base = std::pair{base_lat, base_lon};
