@@ -49,12 +49,13 @@ std::vector<int> spacings(double step_deg) {
   return result;
 }
 
-/// The last parallel on which meridians so far apart are still about a step apart.
+/// The last parallel on which meridians so far apart are not yet crowded: as at 75 degrees where
+/// all of them are drawn, which leaves maps on cylinders in peace.
 double last_parallel(double step_deg, double spacing_deg) {
   const auto parallels = static_cast<int>(std::ceil((90.0 - kRounding) / step_deg)) - 1;
   for (int i = parallels; i > 0; --i) {
     const double lat = i * step_deg;
-    if (spacing_deg * chart::sin_cos(lat).cos >= 0.5 * step_deg) return lat;
+    if (spacing_deg * chart::sin_cos(lat).cos >= 0.25 * step_deg) return lat;
   }
   return 0.0;
 }

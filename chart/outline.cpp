@@ -215,7 +215,9 @@ class Drawing {
   }
 
   Point end_of(const Place& place, double lon, double lat, std::uint32_t vertex) const {
-    return place.on_edge() ? domain_->at(place, lon, lat, tracer_) : vertices_[vertex];
+    if (place.on_edge()) return domain_->at(place, lon, lat, tracer_);
+    // A line may end on the meridian where the map is torn, at either end of the map.
+    return lon == 180.0 ? tracer_.place(lon, lat) : vertices_[vertex];
   }
 
   void finish() {

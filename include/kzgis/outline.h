@@ -57,7 +57,8 @@ KZGIS_EXPORT Result<Outline> chart_frame(const Chart& chart, double tolerance);
 /// Meridians and parallels, as lines.
 ///
 /// They are multiples of the step.  Towards the poles meridians end, at the last parallel where
-/// they are about a step apart from each other; those of 0, 90, 180 and 270 degrees meet there.
+/// they are a quarter of a step apart from each other or more; those of 0, 90, 180 and 270 degrees
+/// meet there.
 ///
 /// @param step_deg  from 1/60 to 90
 /// @return refused are the globe, such a radius, a step out of range, and a tolerance that is none

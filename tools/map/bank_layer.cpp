@@ -14,15 +14,17 @@ namespace {
 
 /// The points of a segment in degrees, without those nearer than the precision to the last one
 /// kept.  The first and the last stay.
-GeoLine thinned(const Segment& segment, std::int64_t precision_arcsec) {
-  GeoLine line;
+Outline thinned(const Segment& segment, std::int64_t precision_arcsec) {
+  Outline line;
+  line.starts.push_back(0);
   std::size_t kept = 0;
   for (std::size_t i = 0; i < segment.lat.size(); ++i) {
     const std::int64_t dlat = segment.lat[i] - segment.lat[kept];
     const std::int64_t dlon = segment.lon[i] - segment.lon[kept];
     const bool is_near = dlat * dlat + dlon * dlon < precision_arcsec * precision_arcsec;
     if (i > 0 && is_near && i + 1 < segment.lat.size()) continue;
-    line.push_back({segment.lon[i] / 3600.0, segment.lat[i] / 3600.0});
+    line.x.push_back(segment.lon[i] / 3600.0);
+    line.y.push_back(segment.lat[i] / 3600.0);
     kept = i;
   }
   return line;
@@ -88,7 +90,7 @@ Layer read_bank_layer(const std::string& directory, const BankTheme& theme,
   Layer layer;
   layer.kind = LayerKind::lines;
   for (const Segment& segment : bank->segments) {
-    layer.records.push_back({thinned(segment, precision_arcsec)});
+    layer.records.push_back(thinned(segment, precision_arcsec));
   }
   return layer;
 }

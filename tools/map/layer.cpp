@@ -3,7 +3,6 @@
 #include "tools/map/layer.h"
 
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 #include "tools/support/command_error.h"
@@ -17,17 +16,10 @@ namespace {
 using tools::CommandError;
 using tools::ShapeKind;
 
-/// The rings or lines of a record; points come as one part.
-Parts parts_of(const ShapeRecord& record) {
-  Parts parts;
-  const auto add = [&parts](const tools::Part& part) {
-    GeoLine& line = parts.emplace_back();
-    line.reserve(part.x.size());
-    for (std::size_t i = 0; i < part.x.size(); ++i) line.push_back({part.x[i], part.y[i]});
-  };
-  if (record.parts.empty()) add({record.x, record.y});
-  for (std::size_t i = 0; i < record.parts.size(); ++i) add(tools::part_of(record, i));
-  return parts;
+Outline owned(const ShapeRecord& record) {
+  return {{record.x.begin(), record.x.end()},
+          {record.y.begin(), record.y.end()},
+          {record.parts.begin(), record.parts.end()}};
 }
 
 /// Throws `CommandError` at the first place that is none.
@@ -60,7 +52,7 @@ Layer read_layer(const std::string& file, const tools::Complain& complain) {
                       [&](std::uint32_t number, const ShapeRecord& record) {
                         if (record.x.empty()) return;
                         check_degrees(file, number, record);
-                        layer.records.push_back(parts_of(record));
+                        layer.records.push_back(owned(record));
                         layer.numbers.push_back(number);
                       });
   return layer;

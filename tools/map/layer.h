@@ -3,23 +3,23 @@
 #ifndef KZGIS_TOOLS_MAP_LAYER_H
 #define KZGIS_TOOLS_MAP_LAYER_H
 
+#include <kzgis/mesh.h>
+
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "tools/map/geo.h"
 #include "tools/support/record_walk.h"
 
 namespace kzgis::map {
 
 enum class LayerKind { points, lines, polygons };
 
-/// One record of a shapefile: its rings, its lines, or one part with all its points.
-using Parts = std::vector<GeoLine>;
-
 struct Layer {
   LayerKind kind = LayerKind::points;
-  std::vector<Parts> records;               ///< null and empty records are left out
+  /// In degrees, x the longitude: the rings or lines of each, or its points.  Null and empty
+  /// records are left out.
+  std::vector<Outline> records;
   std::vector<std::uint32_t> numbers = {};  ///< of each of them in the file, counted from 1
 };
 

@@ -16,8 +16,8 @@
 
 #include "tools/map/bank_layer.h"
 #include "tools/map/layer.h"
+#include "tools/map/map_chart.h"
 #include "tools/map/painter.h"
-#include "tools/map/plane.h"
 #include "tools/map/style.h"
 #include "tools/map/triangle_sides.h"
 #include "tools/picture/render.h"
@@ -40,9 +40,7 @@ struct MapOptions {
   std::string output;
   std::string format;
   std::vector<Role> styles;
-  tools::ProjectionOptions projection;
-  std::optional<double> horizon_deg;
-  std::optional<Window> box;
+  MapRequest request;
   std::string size;
   double graticule_deg = 15.0;
   std::string title;
@@ -127,7 +125,7 @@ std::string check_size(const std::string& text) {
 }
 
 /// Reads "S,W,N,E".  Throws `UsageError`.
-Window parse_box(const std::string& text) {
+Box parse_box(const std::string& text) {
   std::vector<double> sides;
   std::istringstream fields(text);
   for (std::string field; std::getline(fields, field, ',');) {
@@ -141,7 +139,7 @@ Window parse_box(const std::string& text) {
     throw tools::UsageError(
         "--box", "'" + text + "' is no box; one looks like 34,-12,71,42: south, west, north, east");
   }
-  return {sides[1], sides[3], sides[0], sides[2]};
+  return {sides[1], sides[0], sides[3], sides[2]};
 }
 
 /// Reads "land,water".  Throws `UsageError`.
@@ -159,9 +157,9 @@ std::vector<Role> parse_styles(const std::string& text) {
 }
 
 /// The size asked for, which `check_size` let pass, or the usual one.
-void set_size(Sheet& sheet, const Plane& plane, const std::string& size) {
+void set_size(Sheet& sheet, const Chart& chart, const std::string& size) {
   if (size.empty()) {
-    set_usual_size(sheet, plane);
+    set_usual_size(sheet, chart);
     return;
   }
   const std::size_t x = size.find('x');
@@ -187,7 +185,7 @@ void add_mesh(const std::string& file, StyledLayer& styled, const tools::Complai
   tools::Progress progress("triangulating " + file, layer.records.size());
   for (std::size_t i = 0; i < layer.records.size(); ++i) {
     progress.update(i);
-    TriangleSides sides = triangle_sides(layer.records[i]);
+    TriangleSides sides = triangle_sides(layer.records[i].rings());
     if (sides.flaw) {
       complain(file + ": record " + std::to_string(layer.numbers[i]) + ": " + sides.flaw.message);
     }
@@ -238,15 +236,16 @@ int run(const MapOptions& options) {
     throw tools::UsageError("FILE", "a shapefile to draw is missing, or --bank");
   }
   const tools::PictureFormat format = formats().choose(options.output, options.format);
-  const Plane plane({options.projection, options.horizon_deg, options.box});
+  const Chart chart = map_chart(options.request);
   Sheet sheet;
   sheet.graticule_deg = options.graticule_deg;
   sheet.title = options.title;
-  set_size(sheet, plane, options.size);
+  sheet.globe = options.request.type == GlobeProj;
+  set_size(sheet, chart, options.size);
   tools::Complaints complaints;
   const std::vector<StyledLayer> layers = read_layers(options, complaints.receiver());
 
-  const Page page = lay_out(plane, sheet);
+  const Page page = lay_out(chart, sheet);
   tools::OutputFile output(options.output);
   tools::render(output.stream(), format, sheet.width, sheet.height,
                 [&](cairo_t* cairo) { paint(cairo, page, sheet, layers); });
@@ -270,16 +269,17 @@ void add_map_command(CLI::App& app, int& exit_code) {
                    "The picture: .png, .svg or .pdf; - for standard output")
       ->required()
       ->type_name("PICTURE");
-  add_projection_options(*command, options->projection);
+  add_projection_options(*command, options->request);
   command
-      ->add_option("--horizon", options->horizon_deg,
+      ->add_option("--horizon", options->request.horizon_deg,
                    "How far an azimuthal map reaches from its centre, in degrees: gnomonic 60 "
                    "unless said, stereographic 90, orthographic and globe 90, postel and "
                    "lambert azimuthal 180")
       ->type_name("DEG");
   command
       ->add_option_function<std::string>(
-          "--box", [options](const std::string& text) { options->box = map::parse_box(text); },
+          "--box",
+          [options](const std::string& text) { options->request.box = map::parse_box(text); },
           "Show this part of a map that is not azimuthal, in degrees")
       ->type_name("S,W,N,E");
   command

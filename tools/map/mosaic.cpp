@@ -6,21 +6,40 @@
 #include <tuple>
 #include <utility>
 
+#include "tools/map/coasts.h"
+
 namespace kzgis::map {
 namespace {
 
 /// An edge of a shape's outline.  Neighbours run along it in opposite directions, so its ends
 /// are kept in an order of their own.
 struct Edge {
-  Geo a, b;  // in order, whichever way the ring runs
+  double lon, lat, end_lon, end_lat;  // in order, whichever way the ring runs
   std::size_t shape;
 
-  auto ends() const { return std::tie(a.lon, a.lat, b.lon, b.lat); }
+  auto ends() const { return std::tie(lon, lat, end_lon, end_lat); }
 };
 
-Edge make_edge(const Geo& a, const Geo& b, std::size_t shape) {
-  if (std::tie(b.lon, b.lat) < std::tie(a.lon, a.lat)) return {b, a, shape};
-  return {a, b, shape};
+/// @param i  the vertex of the shape's outline that the edge ends in
+Edge make_edge(const Outline& outline, std::size_t i, std::size_t shape) {
+  const Edge edge{outline.x[i - 1], outline.y[i - 1], outline.x[i], outline.y[i], shape};
+  if (std::tie(edge.end_lon, edge.end_lat) < std::tie(edge.lon, edge.lat)) {
+    return {edge.end_lon, edge.end_lat, edge.lon, edge.lat, shape};
+  }
+  return edge;
+}
+
+/// Calls `use(i)` for every vertex that an edge ends in.
+template <typename Use>
+void for_each_edge(const Outline& outline, Use use) {
+  std::size_t line = 0;
+  for (std::size_t i = 0; i < outline.x.size(); ++i) {
+    if (line < outline.starts.size() && static_cast<std::size_t>(outline.starts[line]) == i) {
+      ++line;
+    } else {
+      use(i);
+    }
+  }
 }
 
 bool before(const Edge& x, const Edge& y) {
@@ -28,14 +47,11 @@ bool before(const Edge& x, const Edge& y) {
 }
 
 /// Every edge of every outline, equal ones side by side, those of the first shape first.
-std::vector<Edge> sorted_edges(const std::vector<Shape>& shapes) {
+std::vector<Edge> sorted_edges(const std::vector<Outline>& outlines) {
   std::vector<Edge> edges;
-  for (std::size_t s = 0; s < shapes.size(); ++s) {
-    for (const GeoLine& line : shapes[s].outlines) {
-      for (std::size_t i = 1; i < line.size(); ++i) {
-        edges.push_back(make_edge(line[i - 1], line[i], s));
-      }
-    }
+  for (std::size_t s = 0; s < outlines.size(); ++s) {
+    for_each_edge(outlines[s],
+                  [&](std::size_t i) { edges.push_back(make_edge(outlines[s], i, s)); });
   }
   std::sort(edges.begin(), edges.end(), before);
   return edges;
@@ -55,38 +71,37 @@ std::vector<Edge> shared_edges(const std::vector<Edge>& edges, Mosaic& mosaic) {
   return shared;
 }
 
-/// Leaves the coasts in the shape's outlines and moves the borders that it is the first
-/// shape of to `borders`.
-void split_outlines(Shape& shape, std::size_t index, const std::vector<Edge>& shared,
-                    std::vector<GeoLine>& borders) {
-  std::vector<GeoLine> coasts;
-  for (const GeoLine& line : shape.outlines) {
-    std::vector<GeoLine>* previous = nullptr;
-    for (std::size_t i = 1; i < line.size(); ++i) {
-      const Edge edge = make_edge(line[i - 1], line[i], 0);
-      const auto found = std::lower_bound(shared.begin(), shared.end(), edge, before);
-      const bool is_shared = found != shared.end() && found->ends() == edge.ends();
-      std::vector<GeoLine>* target = is_shared ? &borders : &coasts;
-      if (is_shared && found->shape != index) {
-        previous = nullptr;  // its first shape draws it
-        continue;
-      }
-      if (target != previous) target->push_back({line[i - 1]});
-      target->back().push_back(line[i]);
-      previous = target;
-    }
-  }
-  shape.outlines = std::move(coasts);
+/// Leaves the coasts in the shape's outline and moves the borders that it is the first shape of to
+/// `borders`.
+void split_outline(Outline& outline, std::size_t index, const std::vector<Edge>& shared,
+                   Outline& borders) {
+  Outline coasts;
+  const Outline* previous = nullptr;
+  std::size_t last = 0;
+  for_each_edge(outline, [&](std::size_t i) {
+    const Edge edge = make_edge(outline, i, 0);
+    const auto found = std::lower_bound(shared.begin(), shared.end(), edge, before);
+    const bool is_shared = found != shared.end() && found->ends() == edge.ends();
+    Outline& lines = is_shared ? borders : coasts;
+    const bool goes_on = previous == &lines && last + 1 == i;
+    previous = nullptr;
+    if (is_shared && found->shape != index) return;  // its first shape draws it
+    if (!goes_on) begin_line(lines, outline.x[i - 1], outline.y[i - 1]);
+    go_to(lines, outline.x[i], outline.y[i]);
+    previous = &lines;
+    last = i;
+  });
+  outline = std::move(coasts);
 }
 
 }  // namespace
 
-Mosaic take_mosaic(std::vector<Shape>& shapes) {
+Mosaic take_mosaic(std::vector<Outline>& outlines) {
   Mosaic mosaic;
-  mosaic.neighbours.resize(shapes.size());
-  const std::vector<Edge> shared = shared_edges(sorted_edges(shapes), mosaic);
-  for (std::size_t i = 0; i < shapes.size(); ++i) {
-    split_outlines(shapes[i], i, shared, mosaic.borders);
+  mosaic.neighbours.resize(outlines.size());
+  const std::vector<Edge> shared = shared_edges(sorted_edges(outlines), mosaic);
+  for (std::size_t i = 0; i < outlines.size(); ++i) {
+    split_outline(outlines[i], i, shared, mosaic.borders);
   }
   return mosaic;
 }

@@ -3,11 +3,10 @@
 #ifndef KZGIS_TOOLS_MAP_MOSAIC_H
 #define KZGIS_TOOLS_MAP_MOSAIC_H
 
+#include <kzgis/mesh.h>
+
 #include <cstddef>
 #include <vector>
-
-#include "tools/map/geo.h"
-#include "tools/map/unwrap.h"
 
 namespace kzgis::map {
 
@@ -16,12 +15,12 @@ namespace kzgis::map {
 /// vertex.
 struct Mosaic {
   std::vector<std::vector<std::size_t>> neighbours;  ///< of each shape, by its index
-  std::vector<GeoLine> borders;                      ///< the shared edges, each once
+  Outline borders;                                   ///< the shared edges as lines, each once
 };
 
-/// Finds the shared edges and takes them out of the shapes' outlines: what is left there is
-/// coast.
-Mosaic take_mosaic(std::vector<Shape>& shapes);
+/// Finds the shared edges and takes them out of the shapes' outlines, lines in degrees each: what
+/// is left there is coast.
+Mosaic take_mosaic(std::vector<Outline>& outlines);
 
 /// Gives each shape one of `count` tints, as an index, so that neighbours differ as long as
 /// there are tints enough; all are used about equally often.

@@ -1,63 +1,99 @@
-// How large a map is on its plane, and where on the page that lies.
+// How large a map is on its chart, and where on the page that lies.
 
 #include "tools/map/page.h"
 
 #include <algorithm>
-#include <limits>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+
+#include "tools/support/command_error.h"
 
 namespace kzgis::map {
 namespace {
 
-/// The rectangle about the points added; without one, an empty one.
-struct Extent {
-  double left = std::numeric_limits<double>::infinity();
-  double right = -std::numeric_limits<double>::infinity();
-  double bottom = std::numeric_limits<double>::infinity();
-  double top = -std::numeric_limits<double>::infinity();
+/// What was drawn, or the end of the subcommand.
+template <typename E>
+Outline drawn(Result<Outline, E> outline) {
+  if (!outline) tools::fail(outline.error());
+  return std::move(*outline);
+}
 
-  void add(const PlanePoint& p) {
-    left = std::min(left, p.x);
-    right = std::max(right, p.x);
-    bottom = std::min(bottom, p.y);
-    top = std::max(top, p.y);
-  }
-};
+Box bounds_of_frame(const Chart& chart, double tolerance) {
+  const Outline frame = drawn(chart_frame(chart, tolerance));
+  if (frame.x.empty()) throw tools::UsageError("--box: this projection shows nothing of it");
+  const auto [west, east] = std::minmax_element(frame.x.begin(), frame.x.end());
+  const auto [south, north] = std::minmax_element(frame.y.begin(), frame.y.end());
+  return {*west, *south, *east, *north};
+}
 
-// A projection takes the window's border to the border of the map, so the border alone
-// gives the extent.
-Extent extent_of(const Plane& plane) {
-  if (plane.is_disc()) {
-    const double r = plane.limb_radius();
-    return {-r, r, -r, r};
-  }
-  constexpr int kSteps = 360;
-  const Window& w = plane.window();
-  Extent extent;
-  for (int i = 0; i <= kSteps; ++i) {
-    const double t = static_cast<double>(i) / kSteps;
-    const double lon = w.west + t * (w.east - w.west);
-    const double lat = w.south + t * (w.north - w.south);
-    extent.add(plane.place({lon, w.south}));
-    extent.add(plane.place({lon, w.north}));
-    extent.add(plane.place({w.west, lat}));
-    extent.add(plane.place({w.east, lat}));
-  }
-  return extent;
+double width_of(const Box& box) { return box.max_x - box.min_x; }
+double height_of(const Box& box) { return box.max_y - box.min_y; }
+
+/// The rectangle about the map, to a fraction of a pixel of a large page.
+Box extent_of(const Chart& chart) {
+  const Box about = bounds_of_frame(chart, 1e-2);
+  return bounds_of_frame(chart, 1e-5 * std::max(width_of(about), height_of(about)));
+}
+
+bool holds(const Box& box, double x, double y) {
+  return box.min_x <= x && x <= box.max_x && box.min_y <= y && y <= box.max_y;
 }
 
 }  // namespace
 
-double aspect(const Plane& plane) {
-  const Extent e = extent_of(plane);
-  return (e.right - e.left) / (e.top - e.bottom);
+double aspect(const Chart& chart) {
+  const Box extent = extent_of(chart);
+  return width_of(extent) / height_of(extent);
 }
 
-Page::Page(const Plane& plane, double left, double top, double width, double height)
-    : plane_(plane) {
-  const Extent e = extent_of(plane);
-  scale_ = std::min(width / (e.right - e.left), height / (e.top - e.bottom));
-  left_ = left + 0.5 * width - 0.5 * (e.left + e.right) * scale_;
-  top_ = top + 0.5 * height + 0.5 * (e.top + e.bottom) * scale_;
+Page::Page(const Chart& chart, double left, double top, double width, double height)
+    : chart_(chart) {
+  const Box extent = extent_of(chart);
+  scale_ = std::min(width / width_of(extent), height / height_of(extent));
+  left_ = left + 0.5 * width - 0.5 * (extent.min_x + extent.max_x) * scale_;
+  top_ = top + 0.5 * height + 0.5 * (extent.min_y + extent.max_y) * scale_;
+  radius_ = 0.5 * width_of(extent);
+}
+
+Outline Page::area(const Rings& degrees) const {
+  return to_page(drawn(project_area(chart_, degrees, tolerance())));
+}
+
+Outline Page::lines(const Rings& degrees) const {
+  return to_page(drawn(project_lines(chart_, degrees, tolerance())));
+}
+
+Outline Page::graticule(double step_deg) const {
+  return to_page(drawn(kzgis::graticule(chart_, step_deg, tolerance())));
+}
+
+// So long and even a curve shows its chords sooner than coasts do.
+Outline Page::frame() const { return to_page(drawn(chart_frame(chart_, 0.1 * tolerance()))); }
+
+std::optional<Pixel> Page::place(double lon, double lat) const {
+  double x = 0.0;
+  double y = 0.0;
+  if (chart_.project({&lat, 1}, {&lon, 1}, {&x, 1}, {&y, 1}) != 0) return std::nullopt;
+  const ChartParameters& shown = chart_.parameters();
+  const bool is_shown =
+      shown.reach_deg ? std::hypot(x, y) <= radius_
+                      : holds(*shown.window, std::remainder(lon - shown.base_lon, 360.0), lat);
+  if (!is_shown) return std::nullopt;
+  return Pixel{left_ + x * scale_, top_ - y * scale_};
+}
+
+double Page::tolerance() const {
+  constexpr double kTolerance_px = 0.12;
+  return kTolerance_px / scale_;
+}
+
+Outline Page::to_page(Outline drawn) const {
+  for (std::size_t i = 0; i < drawn.x.size(); ++i) {
+    drawn.x[i] = left_ + drawn.x[i] * scale_;
+    drawn.y[i] = top_ - drawn.y[i] * scale_;
+  }
+  return drawn;
 }
 
 }  // namespace kzgis::map

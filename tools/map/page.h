@@ -1,51 +1,59 @@
-// From the plane of a projection to the page.
+// A chart on the page.
 
 #ifndef KZGIS_TOOLS_MAP_PAGE_H
 #define KZGIS_TOOLS_MAP_PAGE_H
 
-#include <cmath>
+#include <kzgis/chart.h>
+#include <kzgis/outline.h>
 
-#include "tools/map/geo.h"
-#include "tools/map/plane.h"
+#include <optional>
 
 namespace kzgis::map {
 
-/// Where a position lands on the page.
-struct PagePoint {
-  Pixel at;
-  bool visible;  ///< and then finite
-
-  bool finite() const { return std::isfinite(at.x) && std::isfinite(at.y); }
+/// A point on the page, x to the right and y down, in pixels (points in a PDF).
+struct Pixel {
+  double x;
+  double y;
 };
 
-/// Width over height of what a plane shows.
-double aspect(const Plane& plane);
+/// Width over height of what a chart shows.  Throws `UsageError` when that is nothing.
+double aspect(const Chart& chart);
 
-/// A plane fitted into a rectangle of the page and centred there.
+/// A chart fitted into a rectangle of the page and centred there.
+///
+/// What it draws comes in pixels, cut at the edge of the map; curves are followed to a fraction of
+/// a pixel.  What the library refuses to draw ends the subcommand.
 class Page {
  public:
-  /// @param plane  borrowed
-  Page(const Plane& plane, double left, double top, double width, double height);
+  /// Throws `UsageError` when the chart shows nothing.
+  Page(const Chart& chart, double left, double top, double width, double height);
 
-  const Plane& plane() const { return plane_; }
+  const Chart& chart() const { return chart_; }
 
-  PagePoint place(const Geo& position) const {
-    const PlanePoint p = plane_.place(position);
-    const PagePoint placed{to_page(p.x, p.y), p.visible};
-    return {placed.at, placed.visible && placed.finite()};
-  }
+  /// Rings to be filled with the even-odd rule.
+  Outline area(const Rings& degrees) const;
+  Outline lines(const Rings& degrees) const;
+  Outline graticule(double step_deg) const;
+  /// The edge of the map, as rings.
+  Outline frame() const;
 
-  /// The middle of a disc map, and its limb's radius in pixels.
-  Pixel centre() const { return to_page(0.0, 0.0); }
-  double limb_radius() const { return plane_.limb_radius() * scale_; }
+  /// Where a position lands; nothing when the map does not show it.
+  std::optional<Pixel> place(double lon, double lat) const;
+
+  /// The middle of a round map, and its radius in pixels.
+  Pixel centre() const { return {left_, top_}; }
+  double radius() const { return radius_ * scale_; }
 
  private:
-  Pixel to_page(double x, double y) const { return {left_ + x * scale_, top_ - y * scale_}; }
+  /// How far curves may be from their chords, on the chart.
+  double tolerance() const;
+  Outline to_page(Outline drawn) const;
 
-  const Plane& plane_;
+  Chart chart_;
   double scale_;  // pixels per globe radius
-  double left_;
+  double left_;   // where the origin of the chart is
   double top_;
+  double radius_;
 };
 
 }  // namespace kzgis::map

@@ -5,10 +5,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <optional>
+#include <utility>
 
+#include "tools/map/coasts.h"
 #include "tools/map/mosaic.h"
-#include "tools/map/path.h"
-#include "tools/map/unwrap.h"
 #include "tools/support/progress.h"
 
 namespace kzgis::map {
@@ -52,82 +53,76 @@ class Painter {
   /// @param filled  layers cover the land; without them, the colour of the sea would say
   ///                that there is none
   void begin_map(bool filled) {
-    frame_ = frame_path(page_);
+    frame_ = page_.frame();
     set(filled ? colours::ocean : colours::chart);
     cairo_paint(cairo_);
   }
 
-  /// Polygons: the seams that only close rings, the areas, borders between neighbours, the mesh,
-  /// and the coasts over everything.
+  /// Polygons: the areas, borders between neighbours, the mesh, and the coasts over everything.
   void fills(const StyledLayer& styled) {
-    const std::vector<Parts>& records = styled.layer.records;
-    std::vector<Shape> shapes;
-    shapes.reserve(records.size());
-    for (const Parts& record : records) shapes.push_back(prepare_polygon(record, base_lon()));
+    const std::vector<Outline>& records = styled.layer.records;
+    std::vector<Outline> coasts;
+    std::vector<Outline> seams;
+    for (const Outline& record : records) {
+      auto [real, closing] = coasts_of(record.rings());
+      coasts.push_back(std::move(real));
+      seams.push_back(std::move(closing));
+    }
     Mosaic mosaic;
     std::vector<std::size_t> tint;
     if (styled.role == Role::countries) {
-      mosaic = take_mosaic(shapes);
+      mosaic = take_mosaic(coasts);
       tint = assign_tints(mosaic, tools::kTints.size());
     }
 
-    tools::Progress progress("drawing", shapes.size());
-    for (std::size_t i = 0; i < shapes.size(); ++i) {
+    tools::Progress progress("drawing", records.size());
+    for (std::size_t i = 0; i < records.size(); ++i) {
       progress.update(i);
       const Colour colour = styled.role == Role::countries ? tools::kTints[tint[i]]
                             : styled.role == Role::water   ? colours::ocean
                                                            : colours::land;
-      // What closes rings at the antimeridian is not there to be seen: the fill's colour
-      // over it hides the hairline between the two halves.
-      stroke(stroke_path(page_, shapes[i].seams), colour, 1.2);
-      add(fill_path(page_, shapes[i].rings), true);
+      // Two records may be halves of one land: the fill's colour over what parts them at the
+      // antimeridian hides the hairline there.
+      stroke(seams[i], colour, 1.2);
+      add(page_.area(records[i].rings()), true);
       set(colour);
       cairo_fill(cairo_);
     }
-    stroke(stroke_path(page_, mosaic.borders), colours::border, 1.0);
+    stroke(mosaic.borders, colours::border, 1.0);
     mesh(styled);
     const Colour shore = styled.role == Role::water ? colours::river : colours::coast;
-    for (const Shape& shape : shapes) stroke(stroke_path(page_, shape.outlines), shore, 0.85);
+    for (const Outline& coast : coasts) stroke(coast, shore, 0.85);
   }
 
   void lines(const StyledLayer& styled) {
     const auto [colour, width] = pen_of(styled.role);
-    for (const Parts& record : styled.layer.records) {
-      stroke(stroke_path(page_, styled.layer.kind == LayerKind::polygons
-                                    ? prepare_polygon(record, base_lon()).outlines
-                                    : prepare_lines(record, base_lon())),
-             colour, width);
+    for (const Outline& record : styled.layer.records) {
+      const bool closed = styled.layer.kind == LayerKind::polygons;
+      stroke(closed ? coasts_of(record.rings()).real : record, colour, width);
     }
     mesh(styled);
   }
 
-  // A side is straight in degrees, however long: none is taken the short way round the globe.
   void mesh(const StyledLayer& styled) {
-    for (std::vector<GeoLine> sides : styled.mesh) {
-      shift_longitudes(sides, base_lon());
-      stroke(stroke_path(page_, sides), colours::mesh, 0.5);
-    }
+    for (const Outline& sides : styled.mesh) stroke(sides, colours::mesh, 0.5);
   }
 
   void points(const StyledLayer& styled) {
-    for (const Parts& record : styled.layer.records) {
-      for (const GeoLine& part : record) {
-        for (const Geo& p : part) point(p);
-      }
+    for (const Outline& record : styled.layer.records) {
+      for (std::size_t i = 0; i < record.x.size(); ++i) point(record.x[i], record.y[i]);
     }
   }
 
   void draw_graticule() {
     if (sheet_.graticule_deg <= 0.0) return;
-    const PagePath path = stroke_path(page_, graticule(sheet_.graticule_deg, base_lon()));
-    add(path, false);
+    add(page_.graticule(sheet_.graticule_deg), false);
     set(colours::graticule, 0.33);
     cairo_set_line_width(cairo_, 0.75 * unit_);
     cairo_stroke(cairo_);
   }
 
   void end_map() {
-    if (page_.plane().type() == GlobeProj) shade_globe();
+    if (sheet_.globe) shade_globe();
     // What lies beyond the frame is covered with paper: clipped to it instead, every
     // stroke would carry a copy of the frame into an SVG or PDF.
     add(frame_, true);
@@ -153,25 +148,30 @@ class Painter {
   }
 
  private:
-  double base_lon() const { return page_.plane().base_lon(); }
-
   void set(const Colour& c, double alpha = 1.0) {
     cairo_set_source_rgba(cairo_, c.red, c.green, c.blue, alpha);
   }
 
-  /// Makes a path the current one.
-  void add(const PagePath& path, bool close) {
+  /// Makes rings or lines on the page the current path.
+  void add(const Outline& path, bool close) {
     cairo_new_path(cairo_);
-    for (const std::vector<Pixel>& piece : path) {
-      if (piece.empty()) continue;
-      cairo_move_to(cairo_, piece.front().x, piece.front().y);
-      for (std::size_t i = 1; i < piece.size(); ++i) cairo_line_to(cairo_, piece[i].x, piece[i].y);
-      if (close) cairo_close_path(cairo_);
+    std::size_t line = 0;
+    for (std::size_t i = 0; i < path.x.size(); ++i) {
+      if (line < path.starts.size() && static_cast<std::size_t>(path.starts[line]) == i) {
+        if (close && i > 0) cairo_close_path(cairo_);
+        cairo_move_to(cairo_, path.x[i], path.y[i]);
+        ++line;
+      } else {
+        cairo_line_to(cairo_, path.x[i], path.y[i]);
+      }
     }
+    if (close) cairo_close_path(cairo_);
   }
 
-  void stroke(const PagePath& path, const Colour& colour, double width) {
-    if (path.empty()) return;
+  /// Draws lines in degrees.
+  void stroke(const Outline& lines, const Colour& colour, double width) {
+    const Outline path = page_.lines(lines.rings());
+    if (path.x.empty()) return;
     add(path, false);
     set(colour);
     cairo_set_line_width(cairo_, std::max(width * unit_, kThinnest_px));
@@ -179,12 +179,11 @@ class Painter {
   }
 
   /// A dot with a rim that sets it off from what lies below.
-  void point(const Geo& position) {
-    const Geo relative{std::remainder(position.lon - base_lon(), 360.0), position.lat};
-    const PagePoint p = page_.place(relative);
-    if (!p.visible || !p.finite()) return;
+  void point(double lon, double lat) {
+    const std::optional<Pixel> at = page_.place(lon, lat);
+    if (!at) return;
     cairo_new_path(cairo_);
-    cairo_arc(cairo_, p.at.x, p.at.y, 2.1 * unit_, 0.0, 2.0 * M_PI);
+    cairo_arc(cairo_, at->x, at->y, 2.1 * unit_, 0.0, 2.0 * M_PI);
     set(colours::places);
     cairo_fill_preserve(cairo_);
     set(colours::paper, 0.9);
@@ -195,7 +194,7 @@ class Painter {
   // Light from the upper left; the plain orthographic map stays flat.
   void shade_globe() {
     const Pixel c = page_.centre();
-    const double r = page_.limb_radius();
+    const double r = page_.radius();
     cairo_pattern_t* light = cairo_pattern_create_radial(c.x - 0.38 * r, c.y - 0.42 * r, 0.0,
                                                          c.x - 0.12 * r, c.y - 0.14 * r, 1.22 * r);
     cairo_pattern_add_color_stop_rgba(light, 0.0, 1.0, 1.0, 1.0, 0.42);
@@ -212,7 +211,7 @@ class Painter {
   const Page& page_;
   const Sheet& sheet_;
   double unit_;
-  PagePath frame_;
+  Outline frame_;
 };
 
 bool is_filled(const StyledLayer& styled) {
@@ -221,18 +220,18 @@ bool is_filled(const StyledLayer& styled) {
 
 }  // namespace
 
-void set_usual_size(Sheet& sheet, const Plane& plane) {
+void set_usual_size(Sheet& sheet, const Chart& chart) {
   constexpr double kLongSide = 1600.0;
-  const double ratio = aspect(plane);
+  const double ratio = aspect(chart);
   sheet.width = ratio >= 1.0 ? kLongSide : std::max(1.0, std::round(kLongSide * ratio));
   sheet.height = ratio >= 1.0 ? std::max(1.0, std::round(kLongSide / ratio)) : kLongSide;
   const Margins margins = margins_of(sheet);
   sheet.height = std::round(sheet.height + margins.top - margins.side);
 }
 
-Page lay_out(const Plane& plane, const Sheet& sheet) {
+Page lay_out(const Chart& chart, const Sheet& sheet) {
   const Margins margins = margins_of(sheet);
-  return Page(plane, margins.side, margins.top, sheet.width - 2.0 * margins.side,
+  return Page(chart, margins.side, margins.top, sheet.width - 2.0 * margins.side,
               sheet.height - margins.top - margins.side);
 }
 

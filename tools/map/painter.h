@@ -10,7 +10,6 @@
 
 #include "tools/map/layer.h"
 #include "tools/map/page.h"
-#include "tools/map/plane.h"
 #include "tools/map/style.h"
 
 namespace kzgis::map {
@@ -20,7 +19,7 @@ struct StyledLayer {
   Role role = Role::land;
   /// Of each record the sides between its triangles, in degrees as the file has them; empty
   /// when they are not to be drawn.
-  std::vector<std::vector<GeoLine>> mesh = {};
+  std::vector<Outline> mesh = {};
 };
 
 /// What a picture looks like apart from its layers.
@@ -29,13 +28,14 @@ struct Sheet {
   double height = 0.0;
   double graticule_deg = 15.0;  ///< 0: none
   std::string title;            ///< empty: none
+  bool globe = false;           ///< the map is round and shaded like a ball
 };
 
 /// The sheet's size when the user names none: the map's own shape, 1600 on the long side.
-void set_usual_size(Sheet& sheet, const Plane& plane);
+void set_usual_size(Sheet& sheet, const Chart& chart);
 
-/// Fits the plane between the sheet's margins; `plane` is borrowed.
-Page lay_out(const Plane& plane, const Sheet& sheet);
+/// Fits the chart between the sheet's margins.
+Page lay_out(const Chart& chart, const Sheet& sheet);
 
 /// Draws the whole sheet: paper, sea, layers, graticule, frame, title.
 ///

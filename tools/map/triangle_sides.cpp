@@ -4,30 +4,22 @@
 
 #include <utility>
 
+#include "tools/map/coasts.h"
 #include "tools/support/mesh_edges.h"
 
 namespace kzgis::map {
 
-// Rings go into one array each for x and y, as the library takes them.
-TriangleSides triangle_sides(const Parts& rings) {
-  std::vector<double> x;
-  std::vector<double> y;
-  std::vector<std::int32_t> starts;
-  for (const GeoLine& ring : rings) {
-    starts.push_back(static_cast<std::int32_t>(x.size()));
-    for (const Geo& p : ring) {
-      x.push_back(p.lon);
-      y.push_back(p.lat);
-    }
-  }
+// A side of a triangle is straight in degrees, however long.
+TriangleSides triangle_sides(const Rings& rings) {
   TriangleSides sides;
-  auto mesh = triangulate({x, y, starts});
+  auto mesh = triangulate(rings);
   if (!mesh) {
     sides.flaw = std::move(mesh).error();
     return sides;
   }
   for (const auto& [from, to] : tools::mesh_edges(mesh->triangles).inner) {
-    sides.lines.push_back({{x[from], y[from]}, {x[to], y[to]}});
+    begin_line(sides.lines, rings.x[from], rings.y[from]);
+    go_all_the_way_to(sides.lines, rings.x[to], rings.y[to]);
   }
   return sides;
 }

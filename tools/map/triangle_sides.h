@@ -3,21 +3,18 @@
 #ifndef KZGIS_TOOLS_MAP_TRIANGLE_SIDES_H
 #define KZGIS_TOOLS_MAP_TRIANGLE_SIDES_H
 
-#include <vector>
-
-#include "kzgis/mesh.h"
-#include "tools/map/layer.h"
+#include <kzgis/mesh.h>
 
 namespace kzgis::map {
 
 /// The sides between the triangles of a polygon record.
 struct TriangleSides {
-  std::vector<GeoLine> lines;  ///< each once, in the record's own longitudes
-  Flaw flaw;                   ///< when set, there are none
+  Outline lines;  ///< each once, in degrees as the record has them
+  Flaw flaw;      ///< when set, there are none
 };
 
 /// Cuts a polygon record into triangles, in the plane of longitude and latitude.
-TriangleSides triangle_sides(const Parts& rings);
+TriangleSides triangle_sides(const Rings& rings);
 
 }  // namespace kzgis::map
 

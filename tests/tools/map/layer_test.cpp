@@ -36,10 +36,9 @@ TEST_F(ReadLayer, KeepsPartsApart) {
       arc_content({0, 4}, {{0, 0}, {0, 5}, {5, 5}, {0, 0}, {1, 2}, {1, 3}, {2, 3}, {1, 2}}, 5))));
   EXPECT_EQ(layer.kind, LayerKind::polygons);
   ASSERT_EQ(layer.records.size(), 1u);
-  ASSERT_EQ(layer.records[0].size(), 2u);
-  EXPECT_EQ(layer.records[0][1].size(), 4u);
-  EXPECT_EQ(layer.records[0][1][2].lon, 2.0);
-  EXPECT_EQ(layer.records[0][1][2].lat, 3.0);
+  EXPECT_THAT(layer.records[0].starts, ElementsAre(0, 4));
+  EXPECT_THAT(layer.records[0].x, ElementsAre(0, 0, 5, 0, 1, 1, 2, 1));
+  EXPECT_THAT(layer.records[0].y, ElementsAre(0, 5, 5, 0, 2, 3, 3, 2));
   EXPECT_THAT(lines_, IsEmpty());
 }
 
@@ -47,10 +46,10 @@ TEST_F(ReadLayer, KnowsTheKinds) {
   const Layer points = read(write(ShapefileWriter(1).add(point_content(3, 4))));
   EXPECT_EQ(points.kind, LayerKind::points);
   ASSERT_EQ(points.records.size(), 1u);
-  EXPECT_EQ(points.records[0][0][0].lat, 4.0);
+  EXPECT_THAT(points.records[0].y, ElementsAre(4.0));
   const Layer many = read(write(ShapefileWriter(8).add(multi_point_content(kTriangle))));
   EXPECT_EQ(many.kind, LayerKind::points);
-  EXPECT_EQ(many.records.at(0).at(0).size(), 4u);
+  EXPECT_EQ(many.records.at(0).x.size(), 4u);
   EXPECT_EQ(read(write(ShapefileWriter(3).add(arc_content({0}, kTriangle)))).kind,
             LayerKind::lines);
   EXPECT_TRUE(read(write(ShapefileWriter(0).add(null_content()))).records.empty());

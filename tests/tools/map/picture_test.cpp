@@ -8,7 +8,9 @@
 #include <sstream>
 #include <string>
 
+#include "lines.h"
 #include "tools/map/layer.h"
+#include "tools/map/map_chart.h"
 #include "tools/map/page.h"
 #include "tools/map/painter.h"
 #include "tools/picture/render.h"
@@ -40,8 +42,8 @@ constexpr Place kPlaces[] = {
 
 class Picture {
  public:
-  Picture(Plane& plane, const Sheet& sheet, const std::vector<StyledLayer>& layers)
-      : page_(lay_out(plane, sheet)),
+  Picture(const Chart& chart, const Sheet& sheet, const std::vector<StyledLayer>& layers)
+      : page_(lay_out(chart, sheet)),
         surface_(cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(sheet.width),
                                             static_cast<int>(sheet.height)),
                  cairo_surface_destroy) {
@@ -79,27 +81,28 @@ std::vector<StyledLayer> world() {
 }
 
 // Land is yellowish and the sea bluish, in the globe's shadow too.
-void expect_right(const Picture& picture, Plane& plane, const std::string& label) {
+void expect_right(const Picture& picture, bool in_the_dark, const std::string& label) {
+  const Page& page = picture.page();
+  const ChartParameters& shown = page.chart().parameters();
   int seen = 0;
   for (const Place& place : kPlaces) {
-    const Geo p{std::remainder(place.lon - plane.base_lon(), 360.0), place.lat};
-    const PagePoint at = picture.page().place(p);
-    if (!at.visible) continue;
-    if (plane.is_disc()) {
+    const std::optional<Pixel> at = page.place(place.lon, place.lat);
+    if (!at) continue;
+    if (shown.reach_deg) {
       // The rim of a map of the whole globe squeezes land into less than a pixel; the
       // globe's is in the dark.
       const double share =
-          std::hypot(at.at.x - picture.page().centre().x, at.at.y - picture.page().centre().y) /
-          picture.page().limb_radius();
-      if (share > (plane.type() == GlobeProj ? 0.8 : 0.96)) continue;
+          std::hypot(at->x - page.centre().x, at->y - page.centre().y) / page.radius();
+      if (share > (in_the_dark ? 0.8 : 0.96)) continue;
     } else {
       // Lines at the border, and where latitudes lie closer than lines are wide, are no land.
-      const Window& w = plane.window();
-      const bool under_frame = w.east - std::fabs(p.lon) < 6.0 || w.north - p.lat < 0.3;
-      if (under_frame || p.lat - w.south < 3.0) continue;
+      const Box& w = *shown.window;
+      const double lon = std::remainder(place.lon - shown.base_lon, 360.0);
+      const bool under_frame = w.max_x - std::fabs(lon) < 6.0 || w.max_y - place.lat < 0.3;
+      if (under_frame || place.lat - w.min_y < 3.0) continue;
     }
     ++seen;
-    const Picture::Rgb colour = picture.at(at.at);
+    const Picture::Rgb colour = picture.at(*at);
     EXPECT_EQ(colour.red > colour.blue, place.land)
         << label << ": " << place.name << " is " << colour.red << ' ' << colour.green << ' '
         << colour.blue;
@@ -111,20 +114,20 @@ TEST(Picture, LandIsLandAndSeaIsSeaInEveryProjection) {
   const std::vector<StyledLayer> layers = world();
   Sheet sheet{700, 700, 0.0, ""};
   for (int type = 0; type <= 14; ++type) {
-    for (const double base_lon : {0.0, 90.0, 180.0, -100.0}) {
-      for (const double base_lat : {0.0, 45.0, 90.0, -90.0, -30.0}) {
-        PlaneRequest request;
+    for (const double base_lon : {0.0, 180.0, -100.0}) {
+      for (const double base_lat : {0.0, 45.0, 90.0, -30.0}) {
+        MapRequest request;
         request.type = static_cast<projType>(type);
         request.base = std::pair{base_lat, base_lon};
         const bool latitude_matters = (type >= GnomonicProj && type <= LambertAzimuthalProj) ||
                                       type == BonneProj || type == WernerProj || type == GlobeProj;
         if (!latitude_matters && base_lat != 45.0) continue;
         if (type == BonneProj && base_lat == 0.0) continue;
-        Plane plane(request);
-        const Picture picture(plane, sheet, layers);
+        sheet.globe = type == GlobeProj;
+        const Picture picture(map_chart(request), sheet, layers);
         std::ostringstream label;
         label << "type " << type << " base " << base_lat << ", " << base_lon;
-        expect_right(picture, plane, label.str());
+        expect_right(picture, sheet.globe, label.str());
         for (const Pixel& corner : {Pixel{1, 1}, Pixel{698, 1}, Pixel{1, 698}, Pixel{698, 698}}) {
           const Picture::Rgb colour = picture.at(corner);
           EXPECT_EQ(colour.red + colour.green + colour.blue, 3 * 255) << label.str();
@@ -137,13 +140,12 @@ TEST(Picture, LandIsLandAndSeaIsSeaInEveryProjection) {
 TEST(Picture, TheTwoHalvesOfChukotkaMeetWithoutAHairline) {
   Sheet sheet{900, 900, 0.0, ""};
   for (const projType type : {StereographicProj, CartesianProj, SansonFlamsteedProj}) {
-    PlaneRequest request;
+    MapRequest request;
     request.type = type;
     request.base = std::pair{67.0, 173.37};  // so that the seam runs through pixels
-    Plane plane(request);
-    const Picture picture(plane, sheet, world());
+    const Picture picture(map_chart(request), sheet, world());
     for (double lat = 66.8; lat < 67.8; lat += 0.1) {
-      const Pixel at = picture.page().place({180.0 - 173.37, lat}).at;
+      const Pixel at = picture.page().place(180.0, lat).value();
       for (const double dx : {-1.0, 0.0, 1.0}) {
         const Picture::Rgb colour = picture.at({at.x + dx, at.y});
         EXPECT_NEAR(colour.red, 241, 2) << "type " << type << " at " << lat;
@@ -154,18 +156,37 @@ TEST(Picture, TheTwoHalvesOfChukotkaMeetWithoutAHairline) {
 }
 
 TEST(Picture, PlacesAreDots) {
-  const StyledLayer places{{LayerKind::points, {{{{30.0, 10.0}}}, {{{-150.0, 0.0}}}}},
-                           Role::places};
-  PlaneRequest request;
+  const StyledLayer places{
+      {LayerKind::points, {outline({{{30.0, 10.0}}}), outline({{{-150.0, 0.0}}})}}, Role::places};
+  MapRequest request;
   request.type = OrthographicProj;
-  Plane plane(request);
-  const Picture picture(plane, Sheet{600, 600, 15.0, ""}, {places});
-  const Picture::Rgb dot = picture.at(picture.page().place({30.0, 10.0}).at);
+  const Picture picture(map_chart(request), Sheet{600, 600, 15.0, ""}, {places});
+  const Picture::Rgb dot = picture.at(picture.page().place(30.0, 10.0).value());
   EXPECT_GT(dot.red, 150);
   EXPECT_LT(dot.green, 120);
   // The one on the far side is not drawn on the near one.
-  const Picture::Rgb none = picture.at(picture.page().place({-30.0, 0.5}).at);
+  const Picture::Rgb none = picture.at(picture.page().place(-30.0, 0.5).value());
   EXPECT_GT(none.green, 150);
+}
+
+// One record of two parts, which the file cuts at 180 degrees.
+TEST(Picture, TheTwoHalvesOfACountryMeetWithoutAHairline) {
+  const StyledLayer russia{{read_layer(kData + "ne_110m_countries.shp",
+                                       [](const std::string& line) { ADD_FAILURE() << line; })},
+                           Role::countries};
+  MapRequest request;
+  request.type = LambertConicProj;
+  request.base = std::pair{67.0, 173.37};
+  const Picture picture(map_chart(request), Sheet{900, 900, 0.0, ""}, {russia});
+  const Picture::Rgb inland = picture.at(picture.page().place(178.5, 67.3).value());
+  for (double lat = 66.8; lat < 67.8; lat += 0.1) {
+    const Pixel at = picture.page().place(180.0, lat).value();
+    for (const double dx : {-1.0, 0.0, 1.0}) {
+      const Picture::Rgb colour = picture.at({at.x + dx, at.y});
+      EXPECT_NEAR(colour.red, inland.red, 2) << "at " << lat;
+      EXPECT_NEAR(colour.blue, inland.blue, 2) << "at " << lat;
+    }
+  }
 }
 
 TEST(Picture, TheSameDrawingGivesTheSameBytes) {
@@ -174,9 +195,8 @@ TEST(Picture, TheSameDrawingGivesTheSameBytes) {
        {tools::PictureFormat::png, tools::PictureFormat::svg, tools::PictureFormat::pdf}) {
     std::string first;
     for (int round = 0; round < 2; ++round) {
-      Plane plane({});
       const Sheet sheet{300, 200, 30.0, "World"};
-      const Page page = lay_out(plane, sheet);
+      const Page page = lay_out(map_chart({}), sheet);
       std::ostringstream out;
       tools::render(out, format, sheet.width, sheet.height,
                     [&](cairo_t* cairo) { paint(cairo, page, sheet, layers); });
@@ -196,12 +216,11 @@ TEST(Picture, TheSameDrawingGivesTheSameBytes) {
 
 TEST(Sheet, UsualSizeHasTheMapsShape) {
   const auto size_of = [](projType type, const char* title) {
-    PlaneRequest request;
+    MapRequest request;
     request.type = type;
-    Plane plane(request);
     Sheet sheet;
     sheet.title = title;
-    set_usual_size(sheet, plane);
+    set_usual_size(sheet, map_chart(request));
     return std::pair{sheet.width, sheet.height};
   };
   EXPECT_EQ(size_of(CartesianProj, ""), (std::pair{1600.0, 800.0}));
