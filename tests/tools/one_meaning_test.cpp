@@ -1,5 +1,6 @@
 // One point has one meaning in every subcommand, and `project` reads what it wrote.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -83,7 +84,7 @@ TEST_F(OneMeaning, TenWestLiesTenDegreesInTheWest) {
   const std::vector<Point> points{{-10, 10}, {-9, 10}, {-10, 11}};
   const std::vector<std::string> world = projected(points, options);
   EXPECT_NEAR(std::stod(world[0]), -std::numbers::pi / 18.0, 1e-15);
-  EXPECT_EQ(triangulated(points, options), world);
+  EXPECT_THAT(triangulated(points, options), testing::IsSupersetOf(world));
 }
 
 TEST_F(OneMeaning, ProjectAndTriangulateGiveOnePointTheSameNumbers) {
@@ -97,7 +98,8 @@ TEST_F(OneMeaning, ProjectAndTriangulateGiveOnePointTheSameNumbers) {
           "--to",     std::string(projection_name(static_cast<projType>(type))),
           "--base",   "20," + std::to_string(base_lon),
           "--radius", "1"};
-      EXPECT_EQ(triangulated(points, options), projected(points, options))
+      // Sides that are curves have corners between.
+      EXPECT_THAT(triangulated(points, options), testing::IsSupersetOf(projected(points, options)))
           << options[1] << " about " << base_lon;
     }
   }
