@@ -48,14 +48,6 @@ RecordMesh lying_flat(const Rings& rings, Mesh mesh) {
   return result;
 }
 
-/// Why the coordinates are no degrees; empty when they are.
-std::string why_not_degrees(const Rings& rings) {
-  for (std::size_t v = 0; v < rings.x.size(); ++v) {
-    if (!are_degrees(rings.x[v], rings.y[v])) return not_degrees(rings.x[v], rings.y[v]);
-  }
-  return {};
-}
-
 }  // namespace
 
 RecordMesher::RecordMesher(const MeshOptions& options, const std::optional<Target>& target)
@@ -63,7 +55,7 @@ RecordMesher::RecordMesher(const MeshOptions& options, const std::optional<Targe
 
 Result<RecordMesh> RecordMesher::mesh(const Rings& rings) const {
   if (!target_) return in_place(rings);
-  std::string reason = why_not_degrees(rings);
+  std::string reason = why_not_degrees(rings.x, rings.y);
   if (!reason.empty()) return Error{ErrorKind::bad_argument, std::move(reason)};
   return target_->chart.type() == GlobeProj ? on_globe(rings) : on_plane(rings);
 }

@@ -149,17 +149,14 @@ std::optional<Attributes> open_table(const Shapefile& shapes, std::optional<Mesh
                                      const std::optional<Heights>& heights,
                                      Complaints& complaints) {
   const bool needed = heights && heights->need_table();
-  const bool wanted = format && has_attributes(*format) && Attributes::exist(shapes.path());
-  if (!needed && !wanted) return std::nullopt;
-  try {
+  const bool wanted = format && has_attributes(*format);
+  if (needed) {
     std::optional<Attributes> table(shapes.path());
     table->expect_rows(shapes.size());
     return table;
-  } catch (const CommandError& error) {
-    if (needed) throw;
-    complaints.add(error.what());
-    return std::nullopt;
   }
+  if (!wanted) return std::nullopt;
+  return sound_attributes(shapes.path(), shapes.size(), complaints.receiver());
 }
 
 /// Returns the exit code: 0 when every record became triangles.
