@@ -10,6 +10,7 @@
 
 #include "tools/mesh_files/mesh_part.h"
 #include "tools/support/degrees.h"
+#include "tools/triangulate/globe_mesher.h"
 
 namespace kzgis::tools {
 
@@ -57,7 +58,8 @@ Result<RecordMesh> RecordMesher::mesh(const Rings& rings) const {
   if (!target_) return in_place(rings);
   std::string reason = why_not_degrees(rings.x, rings.y);
   if (!reason.empty()) return Error{ErrorKind::bad_argument, std::move(reason)};
-  return target_->chart.type() == GlobeProj ? on_globe(rings) : on_plane(rings);
+  return target_->chart.type() == GlobeProj ? mesh_on_globe(rings, options_, target_->chart)
+                                            : on_plane(rings);
 }
 
 Result<RecordMesh> RecordMesher::in_place(const Rings& rings) const {
@@ -72,17 +74,6 @@ Result<RecordMesh> RecordMesher::on_plane(const Rings& rings) const {
   auto mesh = triangulate(outline->rings(), options_);
   if (!mesh) return refusal(mesh.error(), false);
   return lying_flat(outline->rings(), *std::move(mesh));
-}
-
-Result<RecordMesh> RecordMesher::on_globe(const Rings& rings) const {
-  auto mesh = in_place(rings);
-  if (!mesh) return mesh;
-  for (WorldPoint& point : mesh->points) {
-    const WorldPoint degrees = point;
-    target_->chart.project({&degrees.y, 1}, {&degrees.x, 1}, {&degrees.z, 1}, {&point.x, 1},
-                           {&point.y, 1}, {&point.z, 1});
-  }
-  return mesh;
 }
 
 }  // namespace kzgis::tools

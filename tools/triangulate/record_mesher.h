@@ -7,26 +7,16 @@
 #include <kzgis/mesh.h>
 #include <kzgis/result.h>
 
-#include <cstddef>
-#include <cstdint>
 #include <optional>
-#include <vector>
+
+#include "tools/triangulate/record_mesh.h"
 
 namespace kzgis::tools {
-
-/// The triangles of a record.
-struct RecordMesh {
-  std::vector<WorldPoint> points;        ///< of the rings as they are drawn, then the new ones
-  std::vector<std::uint32_t> triangles;  ///< three of their numbers each, from 0
-  double area = 0.0;                     ///< of the triangles
-  std::size_t crossings = 0;             ///< how many of the new points split sides that cross
-  std::size_t added = 0;                 ///< how many points are new
-};
 
 /// Where the triangles shall lie.
 struct Target {
   Chart chart;
-  double tolerance;  ///< of `project_area`
+  double tolerance;  ///< of `project_area`; on the globe sides stay as they are
 };
 
 /// Triangulates polygons, all with the same options.
@@ -44,7 +34,6 @@ class RecordMesher {
  private:
   Result<RecordMesh> in_place(const Rings& rings) const;
   Result<RecordMesh> on_plane(const Rings& rings) const;
-  Result<RecordMesh> on_globe(const Rings& rings) const;
 
   MeshOptions options_;
   std::optional<Target> target_;

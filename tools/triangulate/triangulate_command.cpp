@@ -258,8 +258,10 @@ curves that they are on the map: no point of a curve is farther than --tolerance
 its chord.  What an odd number of rings lies around is inside, whatever the rings do:
 no record is refused for that, and --repair is not needed.
 
-A globe comes out as x, y and z from its centre.  Its triangles are those of the plane
-of longitude and latitude: a long side cuts below the surface.
+A globe comes out as x, y and z from its centre.  What the file cuts at the antimeridian
+is joined, and a pole is a point like any other.  Sides are cut into pieces of a degree
+or less, alike for neighbours.  A long side cuts below the surface: --longest-side, in
+degrees of the globe, keeps triangles near it.  Areas are those of the flat triangles.
 
 Examples:
   kzgis triangulate countries.shp -o countries.glb

@@ -76,16 +76,6 @@ TEST(RecordMesher, PutsACrossingIntoThePlane) {
   EXPECT_EQ(mesh->points[4].y, 10.0);
 }
 
-TEST(RecordMesher, PutsACrossingOntoTheGlobe) {
-  const auto mesh = RecordMesher(repairing(), target("globe", 2.0)).mesh(BowTie().rings());
-  ASSERT_TRUE(mesh);
-  ASSERT_EQ(mesh->points.size(), 5U);
-  // 2 cos 10 cos 10, 2 cos 10 sin 10, 2 sin 10, by a calculator.
-  EXPECT_NEAR(mesh->points[4].x, 1.9396926207859084, 1e-14);
-  EXPECT_NEAR(mesh->points[4].y, 0.3420201433256687, 1e-14);
-  EXPECT_NEAR(mesh->points[4].z, 0.3472963553338607, 1e-14);
-}
-
 // On a Mercator map the sides, straight in degrees, are curves that cross where they do in degrees:
 // at 10 east and 10 north, whose y is atanh(sin 10).
 TEST(RecordMesher, PutsACrossingWhereItIsOnTheMap) {
