@@ -30,7 +30,7 @@ void draw_points(const ShapeRecord& record, const Chart& chart, MapFeature& feat
 /// Puts holes behind the rings that they lie in.
 Error sort_rings(MapFeature& feature) {
   const auto nesting = nest(feature.parts.rings());
-  if (!nesting) return nesting.error();
+  if (!nesting) return {nesting.error().kind, nesting.error().message};
   const std::size_t count = feature.parts.starts.size();
   const auto is_hole = [&](std::size_t ring) { return nesting->depth[ring] % 2 == 0; };
   const auto outer = [&](std::size_t ring) {

@@ -17,6 +17,7 @@
 #include <cstddef>
 #include <numbers>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -91,6 +92,11 @@ Result<Outline, Flaw> in_degrees(const Rings& rings) {
   return outline;
 }
 
+std::size_t end_of(const Outline& outline, std::size_t ring) {
+  return ring + 1 < outline.starts.size() ? static_cast<std::size_t>(outline.starts[ring + 1])
+                                          : outline.x.size();
+}
+
 /// Cuts sides into pieces.
 class Pieces {
  public:
@@ -125,9 +131,11 @@ class Pieces {
     const double width = to.lon - from.lon;
     const double height = to.lat - from.lat;
     const bool on_pole = std::fabs(from.lat) == 90.0 && from.lat == to.lat;
-    const double count = on_pole ? 1.0 : std::ceil(std::hypot(width, height) / longest_deg_);
-    for (double i = 1.0; i < count; ++i) {
-      places.push_back({from.lon + width * (i / count), from.lat + height * (i / count)});
+    const auto count = static_cast<std::size_t>(
+        on_pole ? 1.0 : std::ceil(std::hypot(width, height) / longest_deg_));
+    for (std::size_t i = 1; i < count; ++i) {
+      const double t = static_cast<double>(i) / static_cast<double>(count);
+      places.push_back({from.lon + width * t, from.lat + height * t});
     }
     places.push_back(to);
   }
@@ -136,14 +144,27 @@ class Pieces {
   std::vector<double> seam_;  // latitudes of the vertices on the antimeridian
 };
 
+/// How long all sides are together, in degrees; those from the end of a ring to the next one's
+/// beginning included.
+double length_of(const Outline& outline) {
+  double length = 0.0;
+  for (std::size_t i = 1; i < outline.x.size(); ++i) {
+    length += std::hypot(outline.x[i] - outline.x[i - 1], outline.y[i] - outline.y[i - 1]);
+  }
+  for (std::size_t ring = 0; ring < outline.starts.size(); ++ring) {
+    const auto begin = static_cast<std::size_t>(outline.starts[ring]);
+    const std::size_t last = end_of(outline, ring) - 1;
+    length += std::hypot(outline.x[begin] - outline.x[last], outline.y[begin] - outline.y[last]);
+  }
+  return length;
+}
+
 Outline in_pieces(const Outline& outline, double longest_deg) {
   const Pieces pieces(outline, longest_deg);
   Outline result;
   for (std::size_t ring = 0; ring < outline.starts.size(); ++ring) {
     const auto begin = static_cast<std::size_t>(outline.starts[ring]);
-    const std::size_t end = ring + 1 < outline.starts.size()
-                                ? static_cast<std::size_t>(outline.starts[ring + 1])
-                                : outline.x.size();
+    const std::size_t end = end_of(outline, ring);
     result.starts.push_back(static_cast<std::int32_t>(result.x.size()));
     for (std::size_t i = begin; i < end; ++i) {
       const std::size_t next = i + 1 < end ? i + 1 : begin;
@@ -158,9 +179,7 @@ bool is_inside(const Outline& outline, const Place& place) {
   bool inside = false;
   for (std::size_t ring = 0; ring < outline.starts.size(); ++ring) {
     const auto begin = static_cast<std::size_t>(outline.starts[ring]);
-    const std::size_t end = ring + 1 < outline.starts.size()
-                                ? static_cast<std::size_t>(outline.starts[ring + 1])
-                                : outline.x.size();
+    const std::size_t end = end_of(outline, ring);
     for (std::size_t i = begin, last = end - 1; i < end; last = i++) {
       const bool above = outline.y[i] > place.lat;
       if (above == (outline.y[last] > place.lat)) continue;
@@ -186,9 +205,12 @@ class Middle {
     try_opposite_to_mean();
     constexpr double kFarEnough = 0.5;  // the cosine of 60 degrees
     if (opposite_ && nearest_ < kFarEnough) return middle();
-    constexpr double kStep_deg = 7.5;
-    for (double lat = -86.25; lat < 90.0; lat += kStep_deg) {
-      for (double lon = -176.25; lon < 180.0; lon += kStep_deg) try_opposite({lon, lat});
+    constexpr int kSteps = 24;  // from pole to pole
+    for (int row = 0; row < kSteps; ++row) {
+      for (int column = 0; column < 2 * kSteps; ++column) {
+        try_opposite(
+            {(column + 0.5) * 180.0 / kSteps - 180.0, (row + 0.5) * 180.0 / kSteps - 90.0});
+      }
     }
     return opposite_ ? std::optional(middle()) : std::nullopt;
   }
@@ -253,7 +275,12 @@ Result<RecordMesh> mesh_on_globe(const Rings& degrees, const MeshOptions& option
   const auto outline = in_degrees(degrees);
   if (!outline) return Error{outline.error().kind, outline.error().message};
   if (outline->x.empty()) return RecordMesh{};
-  const Outline pieces = in_pieces(*outline, std::min(kPiece_deg, 0.5 * options.longest_side));
+  const double longest_deg = std::min(kPiece_deg, 0.5 * options.longest_side);
+  if (length_of(*outline) / longest_deg > static_cast<double>(options.most_triangles)) {
+    return Error{ErrorKind::bad_data, "the mesh needs more than " +
+                                          std::to_string(options.most_triangles) + " triangles"};
+  }
+  const Outline pieces = in_pieces(*outline, longest_deg);
   const auto middle = Middle(pieces).choose();
   if (!middle) return Error{ErrorKind::bad_data, "it covers the whole globe"};
 

@@ -113,6 +113,14 @@ TEST(GlobeMesher, RefusesTheWholeGlobe) {
   EXPECT_EQ(all.error().message, "it covers the whole globe");
 }
 
+TEST(GlobeMesher, RefusesPiecesBeyondCountBeforeTheyAreMade) {
+  MeshOptions options;
+  options.longest_side = 1e-12;
+  const auto many = mesh({{0, 90, 90, 0}, {0, 0, 90, 90}}, options);
+  ASSERT_FALSE(many);
+  EXPECT_EQ(many.error().message, "the mesh needs more than 100000000 triangles");
+}
+
 TEST(GlobeMesher, NothingStaysNothing) {
   const auto nothing = mesh({{0, 10, 20}, {0, 0, 0}});
   ASSERT_TRUE(nothing) << nothing.error().message;
