@@ -26,6 +26,8 @@ WAYS = [
     (["map", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".svg"),
     (["map", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".png"),
     (["project", "--to", "mercator", "TABLE", "-o", "OUT"], ".csv"),
+    (["project", "--to", "mercator", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".geojson"),
+    (["project", "--to", "mercator", DATA / "ne/ne_50m_land.shp", "-o", "OUT"], ".shp"),
     (["pack", DATA / "wdb/riv.shp", "OUT"], ""),
     # The limit stops the fourth of its five files, when three are whole.
     (["pack", DATA / "wdb/pby.shp", "OUT"], ""),

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "tools/support/areas.h"
+#include "tools/support/attributes.h"
 
 namespace kzgis::tools {
 
@@ -14,10 +15,7 @@ std::string name_of(const MeshPart& part) {
 }
 
 nlohmann::ordered_json properties_of(const MeshPart& part) {
-  auto properties = nlohmann::ordered_json::object();
-  if (part.record > 0) properties["record"] = part.record;
-  properties.update(part.attributes);
-  return properties;
+  return part.record > 0 ? properties_of(part.record, part.attributes) : part.attributes;
 }
 
 MeshPart make_mesh_part(std::uint32_t record, std::span<const WorldPoint> points,

@@ -8,13 +8,16 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "tools/project/columns.h"
 #include "tools/project/conversion.h"
 #include "tools/project/csv.h"
+#include "tools/project/shapefile_projection.h"
 #include "tools/support/command_error.h"
 #include "tools/support/degrees.h"
 #include "tools/support/number_text.h"
@@ -22,6 +25,7 @@
 #include "tools/support/progress.h"
 #include "tools/support/projection_options.h"
 #include "tools/support/report.h"
+#include "tools/support/shape_file.h"
 
 namespace kzgis::tools {
 
@@ -33,6 +37,8 @@ struct Options {
   bool classic = false;
   std::string input = "-";
   std::string output = "-";
+  std::string format;  ///< of what a shapefile becomes
+  std::optional<double> tolerance;
 };
 
 /// The file to read and its size in bytes, 0 when that is not known.
@@ -139,6 +145,21 @@ class LineMaker {
   std::uint64_t skipped_ = 0;
 };
 
+/// Throws `UsageError` for an option that means nothing for such an input.
+void check_input(const CLI::App& command, bool shapefile) {
+  const auto refuse = [&command](std::initializer_list<const char*> names, const char* reason) {
+    for (const char* const name : names) {
+      if (command.get_option(name)->count() > 0) throw UsageError(name, reason);
+    }
+  };
+  if (shapefile) {
+    refuse({"--inverse", "--classic", "--dms", "--columns"},
+           "it is for points in a table, not for a shapefile");
+  } else {
+    refuse({"--format", "--tolerance"}, "it is for a shapefile, whose name ends in .shp");
+  }
+}
+
 /// Returns the exit code: 0 when every line was converted.
 int run(const Options& options) {
   const bool from_standard_input = options.input == "-";
@@ -188,6 +209,15 @@ centre).  Longitudes count from the base, up to 180 degrees west and east of it:
 10 W of base 0 lies in the west, and 180 itself at the western end.  Longitudes
 that come back lie in [-180, 180).
 
+A shapefile comes out as its outlines on the map, with its attributes: as .geojson or
+as another .shp, whose .prj says what the coordinates are on a sphere (in metres, which
+is what --radius then means).  Lines and polygons are cut where the map ends, and their
+sides, straight in degrees, become chords of the curves that they are on the map: no
+point of a curve is farther than --tolerance from its chord.  What an odd number of
+rings lies around is inside.  Records that have nothing on the map, and points without a
+place, are left out and counted; a record that is damaged is named, and the exit code is
+1.  Z and M stay behind.
+
 With --classic both ways are those of the class Projection of the library, to the
 last bit: longitudes run from 0 to 360, and differences to the base longitude are
 taken as they stand, so that 10 W of base 0 lies 350 degrees to the east; pi is a
@@ -198,6 +228,7 @@ the same, such as the far side of gnomonic mirrored.
 Examples:
   echo 48.2,16.37 | kzgis project --to mercator
   kzgis project --to orthographic --base 45,10 --columns Latitude,Longitude towns.csv
+  kzgis project countries.shp --to albers --base 48,15 -o europe.shp
   kzgis project --to globe --inverse --dms points.csv -o places.csv
 )";
 
@@ -222,11 +253,22 @@ void add_project_command(CLI::App& app, int& exit_code) {
           [options](const std::string& text) { options->layout.columns = parse_columns(text); },
           "Names or positions (from 1) of latitude, longitude and altitude (of x, y and z)")
       ->type_name("A,B[,C]");
-  command.add_option("FILE", options->input, "CSV file; standard input without one");
-  command.add_option("-o,--output", options->output, "File to write; standard output without one")
+  command.add_option("FILE", options->input,
+                     "CSV file, or a shapefile (.shp); CSV on standard input without one");
+  command
+      .add_option("-o,--output", options->output,
+                  "File to write, of a shapefile .geojson or .shp; standard output without one")
       ->type_name("OUT");
+  add_feature_format_option(command, options->format);
+  add_tolerance_option(command, options->tolerance);
   command.footer(kExamples);
-  command.callback([options, &exit_code] { exit_code = run(*options); });
+  command.callback([options, &command, &exit_code] {
+    const bool shapefile = is_shapefile_name(options->input);
+    check_input(command, shapefile);
+    exit_code = shapefile ? project_shapefile({options->input, options->output, options->format,
+                                               options->projection, options->tolerance})
+                          : run(*options);
+  });
 }
 
 }  // namespace kzgis::tools

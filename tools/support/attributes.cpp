@@ -147,4 +147,24 @@ nlohmann::ordered_json Attributes::row(int record) const {
   return row;
 }
 
+std::optional<Attributes> sound_attributes(const std::string& file, std::uint32_t records,
+                                           const Complain& complain) {
+  if (!Attributes::exist(file)) return std::nullopt;
+  try {
+    std::optional<Attributes> table(file);
+    table->expect_rows(records);
+    return table;
+  } catch (const CommandError& error) {
+    complain(error.what());
+    return std::nullopt;
+  }
+}
+
+nlohmann::ordered_json properties_of(std::uint32_t record,
+                                     const nlohmann::ordered_json& attributes) {
+  nlohmann::ordered_json properties{{"record", record}};
+  properties.update(attributes);
+  return properties;
+}
+
 }  // namespace kzgis::tools

@@ -11,6 +11,8 @@
 #include <optional>
 #include <string>
 
+#include "tools/support/report.h"
+
 namespace kzgis::tools {
 
 /// The attributes of a shapefile's records: its dBASE table.
@@ -43,6 +45,9 @@ class Attributes {
   /// A text that is no UTF-8 is taken for ISO 8859-1.
   nlohmann::ordered_json row(int record) const;
 
+  /// shapelib's own, for those who copy rows.
+  DBFHandle handle() const { return table_.get(); }
+
  private:
   struct Close {
     void operator()(DBFHandle table) const { DBFClose(table); }
@@ -51,6 +56,19 @@ class Attributes {
   std::string name_;
   std::unique_ptr<DBFInfo, Close> table_;
 };
+
+/// The table that belongs to a shapefile, where there is one; one without a row for each record is
+/// left out, with a complaint.
+///
+/// @param file     as for `Attributes`
+/// @param records  of the shapefile
+std::optional<Attributes> sound_attributes(const std::string& file, std::uint32_t records,
+                                           const Complain& complain);
+
+/// The number of a record, and its attributes; a field of the name "record" takes the number's
+/// place.
+nlohmann::ordered_json properties_of(std::uint32_t record,
+                                     const nlohmann::ordered_json& attributes);
 
 }  // namespace kzgis::tools
 

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdio>
 
 namespace kzgis::tools {
@@ -14,6 +15,13 @@ bool are_degrees(double lon, double lat) {
 
 std::string not_degrees(double lon, double lat) {
   return "coordinates are not degrees: " + pair_text(lon, lat);
+}
+
+std::string why_not_degrees(std::span<const double> lon, std::span<const double> lat) {
+  for (std::size_t i = 0; i < lon.size(); ++i) {
+    if (!are_degrees(lon[i], lat[i])) return not_degrees(lon[i], lat[i]);
+  }
+  return {};
 }
 
 std::string pair_text(double x, double y) {

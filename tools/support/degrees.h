@@ -3,6 +3,7 @@
 #ifndef KZGIS_TOOLS_SUPPORT_DEGREES_H
 #define KZGIS_TOOLS_SUPPORT_DEGREES_H
 
+#include <span>
 #include <string>
 
 namespace kzgis::tools {
@@ -14,6 +15,9 @@ bool are_degrees(double lon, double lat);
 
 /// "coordinates are not degrees: 500000, 51"
 std::string not_degrees(double lon, double lat);
+
+/// The same of the first point that are none; empty when all are.
+std::string why_not_degrees(std::span<const double> lon, std::span<const double> lat);
 
 /// "500000, 51"
 std::string pair_text(double x, double y);

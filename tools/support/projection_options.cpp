@@ -79,6 +79,21 @@ void add_radius_option(CLI::App& command, ProjectionOptions& options) {
       ->type_name("R");
 }
 
+void add_tolerance_option(CLI::App& command, std::optional<double>& tolerance) {
+  command
+      .add_option("--tolerance", tolerance,
+                  "How far a curve on the map may be from its chords, in the unit of the radius (a "
+                  "2,000th of the radius, 3 km on the Earth)")
+      ->type_name("LENGTH")
+      ->check([](const std::string& text) {
+        return parse_number(text).value_or(0.0) > 0.0
+                   ? std::string()
+                   : in_quotes(text) + " is no tolerance; one is a number above 0";
+      });
+}
+
+double usual_tolerance(const Chart& chart) { return chart.parameters().radius / 2000.0; }
+
 ChartParameters chart_parameters(const ProjectionOptions& options) {
   ChartParameters parameters;
   const NumberPair usual_base(options.type == BonneProj ? 45.0 : 0.0, 0.0);

@@ -36,6 +36,13 @@ void add_projection_options(CLI::App& command, ProjectionOptions& options);
 /// Adds --radius.
 void add_radius_option(CLI::App& command, ProjectionOptions& options);
 
+/// Adds --tolerance, a number above 0.
+void add_tolerance_option(CLI::App& command, std::optional<double>& tolerance);
+
+/// How far curves are from their chords without --tolerance: the 2,000th part of the radius, three
+/// kilometres on the Earth.
+double usual_tolerance(const Chart& chart);
+
 /// The parameters that the options stand for.  Without --base a map is about 0,0, and Bonne's,
 /// which the equator has none of, about 45,0.
 ChartParameters chart_parameters(const ProjectionOptions& options);

@@ -10,6 +10,7 @@
 #include "tools/support/command_error.h"
 #include "tools/support/degrees.h"
 #include "tools/support/input_file.h"
+#include "tools/support/output_file.h"
 
 namespace kzgis::tools {
 
@@ -23,6 +24,11 @@ Shapefile open_shapefile(const std::string& name) {
     throw CommandError(name + ": not the name of a shapefile, which ends in .shp");
   }
   fail(shapes.error());
+}
+
+bool is_shapefile_name(const std::string& name) {
+  const std::string ending = ending_of(name);
+  return ending == "shp" || ending == "SHP";
 }
 
 std::optional<ShapeKind> kind_of(ShapeType type) {
@@ -47,6 +53,11 @@ std::optional<ShapeKind> kind_of(ShapeType type) {
     default:
       return std::nullopt;
   }
+}
+
+bool holds_many(ShapeType type) {
+  return type == ShapeType::multipoint || type == ShapeType::multipoint_z ||
+         type == ShapeType::multipoint_m;
 }
 
 std::string type_text(ShapeType type) {

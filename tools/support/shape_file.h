@@ -17,11 +17,17 @@ namespace kzgis::tools {
 /// Opens a shapefile by any of its names.  Throws `CommandError`.
 Shapefile open_shapefile(const std::string& name);
 
+/// Whether a name ends in .shp, in upper or lower case.
+bool is_shapefile_name(const std::string& name);
+
 /// What the types that differ in Z and M alone have in common.
 enum class ShapeKind { null, points, lines, polygons };
 
 /// Nothing for multipatches, and for numbers that no type has.
 std::optional<ShapeKind> kind_of(ShapeType type);
+
+/// Whether a record of points has any number of them.
+bool holds_many(ShapeType type);
 
 /// "polygon with z", or "99, which there is not".
 std::string type_text(ShapeType type);

@@ -1,12 +1,16 @@
-// Triangles first, then their places on the map.
+// Triangles of the polygon as it is drawn.
 
 #include "tools/triangulate/record_mesher.h"
+
+#include <kzgis/outline.h>
 
 #include <cmath>
 #include <string>
 #include <utility>
 
 #include "tools/mesh_files/mesh_part.h"
+#include "tools/support/degrees.h"
+#include "tools/triangulate/globe_mesher.h"
 
 namespace kzgis::tools {
 
@@ -30,39 +34,46 @@ Error refusal(const Error& error, bool mendable) {
   return {error.kind, error.message + (mendable ? "; try --repair" : "")};
 }
 
-}  // namespace
-
-RecordMesher::RecordMesher(const MeshOptions& options,
-                           const std::optional<MeshProjector>& projector)
-    : options_(options), before_projection_(options), projector_(projector) {
-  if (projector_ && projector_->is_flat()) {
-    before_projection_ = {};
-    before_projection_.split_crossings = options.split_crossings;
-  }
-}
-
-Result<RecordMesh> RecordMesher::mesh(const Rings& rings) const {
-  auto mesh = triangulate(rings, before_projection_);
-  if (!mesh) return refusal(mesh.error(), is_mendable(rings, mesh.error()));
+RecordMesh lying_flat(const Rings& rings, Mesh mesh) {
   RecordMesh result;
   for (std::size_t v = 0; v < rings.x.size(); ++v) {
     result.points.push_back({rings.x[v], rings.y[v], 0.0});
   }
-  for (std::size_t v = 0; v < mesh->new_x.size(); ++v) {
-    result.points.push_back({mesh->new_x[v], mesh->new_y[v], 0.0});
+  for (std::size_t v = 0; v < mesh.new_x.size(); ++v) {
+    result.points.push_back({mesh.new_x[v], mesh.new_y[v], 0.0});
   }
-  result.area = area(result.points, mesh->triangles);
-  if (projector_) {
-    const Error error = projector_->project(rings, options_, *mesh, result.points);
-    if (error) {
-      const bool crosses = error.kind == ErrorKind::bad_data && !options_.split_crossings;
-      return refusal(error, crosses);
-    }
-  }
-  result.crossings = mesh->crossings;
-  result.added = mesh->new_x.size();
-  result.triangles = std::move(mesh->triangles);
+  result.area = area(result.points, mesh.triangles);
+  result.crossings = mesh.crossings;
+  result.added = mesh.new_x.size();
+  result.triangles = std::move(mesh.triangles);
   return result;
+}
+
+}  // namespace
+
+RecordMesher::RecordMesher(const MeshOptions& options, const std::optional<Target>& target)
+    : options_(options), target_(target) {}
+
+Result<RecordMesh> RecordMesher::mesh(const Rings& rings) const {
+  if (!target_) return in_place(rings);
+  std::string reason = why_not_degrees(rings.x, rings.y);
+  if (!reason.empty()) return Error{ErrorKind::bad_argument, std::move(reason)};
+  return target_->chart.type() == GlobeProj ? mesh_on_globe(rings, options_, target_->chart)
+                                            : on_plane(rings);
+}
+
+Result<RecordMesh> RecordMesher::in_place(const Rings& rings) const {
+  auto mesh = triangulate(rings, options_);
+  if (!mesh) return refusal(mesh.error(), is_mendable(rings, mesh.error()));
+  return lying_flat(rings, *std::move(mesh));
+}
+
+Result<RecordMesh> RecordMesher::on_plane(const Rings& rings) const {
+  const auto outline = project_area(target_->chart, rings, target_->tolerance);
+  if (!outline) return refusal(outline.error(), false);
+  auto mesh = triangulate(outline->rings(), options_);
+  if (!mesh) return refusal(mesh.error(), false);
+  return lying_flat(outline->rings(), *std::move(mesh));
 }
 
 }  // namespace kzgis::tools

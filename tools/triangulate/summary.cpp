@@ -55,6 +55,7 @@ std::string Summary::text(bool repaired) {
                      counted(least_angles_deg_.size(), "triangle") + ", area " +
                      digits("%.10g", area_) + "; " + std::to_string(refused_) + " refused, " +
                      std::to_string(null_) + " null";
+  if (absent_ > 0) text += ", " + std::to_string(absent_) + " off the map";
   if (!least_angles_deg_.empty()) text += '\n' + quality(repaired);
   return text;
 }

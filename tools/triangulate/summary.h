@@ -21,13 +21,15 @@ class Summary {
  public:
   /// The mesh of a record.
   ///
-  /// @param area       of its polygon, in the unit that is to be summed
+  /// @param area       of the triangles
   /// @param crossings  how many vertices were put where sides cross
   /// @param added      how many vertices are new, those included
   void add(std::size_t rings, double area, std::size_t crossings, std::size_t added,
            std::span<const WorldPoint> points, std::span<const std::uint32_t> triangles);
 
   void add_refused(std::uint64_t count) { refused_ += count; }
+  /// A record that has nothing on the map.
+  void add_absent() { ++absent_; }
   void add_null(std::uint64_t count) { null_ += count; }
 
   /// The last lines that the user reads: counts, and where there are triangles, what became of
@@ -43,6 +45,7 @@ class Summary {
   std::uint64_t rings_ = 0;
   std::uint64_t refused_ = 0;
   std::uint64_t null_ = 0;
+  std::uint64_t absent_ = 0;
   std::uint64_t crossings_ = 0;
   std::uint64_t added_ = 0;
   double area_ = 0.0;

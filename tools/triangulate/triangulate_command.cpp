@@ -30,7 +30,6 @@
 #include "tools/support/shape_file.h"
 #include "tools/triangulate/extrusion.h"
 #include "tools/triangulate/heights.h"
-#include "tools/triangulate/mesh_projector.h"
 #include "tools/triangulate/record_mesher.h"
 #include "tools/triangulate/summary.h"
 
@@ -50,6 +49,7 @@ struct Options {
   std::string extrude;  ///< empty: flat
   bool projected = false;
   ProjectionOptions projection;
+  std::optional<double> tolerance;
   std::optional<std::uint32_t> first;
   std::optional<std::uint32_t> last;
 };
@@ -121,6 +121,16 @@ MeshOptions mesh_options(const Options& options) {
   return asked;
 }
 
+/// Nothing for polygons that stay where they are.  Throws `UsageError`.
+std::optional<Target> choose_target(const Options& options) {
+  if (!options.projected) return std::nullopt;
+  if (is_spatial(options) && options.tolerance) {
+    throw UsageError("--tolerance", "on the globe it is --longest-side that follows the curvature");
+  }
+  const Chart chart = make_chart(options.projection.type, chart_parameters(options.projection));
+  return Target{chart, options.tolerance.value_or(usual_tolerance(chart))};
+}
+
 /// Throws `UsageError` for a format that has no room for what is to be written.
 void check_room(MeshFormat format, const Options& options) {
   if ((format == MeshFormat::svg || format == MeshFormat::png) && is_spatial(options)) {
@@ -139,17 +149,14 @@ std::optional<Attributes> open_table(const Shapefile& shapes, std::optional<Mesh
                                      const std::optional<Heights>& heights,
                                      Complaints& complaints) {
   const bool needed = heights && heights->need_table();
-  const bool wanted = format && has_attributes(*format) && Attributes::exist(shapes.path());
-  if (!needed && !wanted) return std::nullopt;
-  try {
+  const bool wanted = format && has_attributes(*format);
+  if (needed) {
     std::optional<Attributes> table(shapes.path());
     table->expect_rows(shapes.size());
     return table;
-  } catch (const CommandError& error) {
-    if (needed) throw;
-    complaints.add(error.what());
-    return std::nullopt;
   }
+  if (!wanted) return std::nullopt;
+  return sound_attributes(shapes.path(), shapes.size(), complaints.receiver());
 }
 
 /// Returns the exit code: 0 when every record became triangles.
@@ -158,11 +165,7 @@ int run(const Options& options) {
   if (format) check_room(*format, options);
   std::optional<Heights> heights;
   if (!options.extrude.empty()) heights.emplace(options.extrude);
-  std::optional<MeshProjector> projector;
-  if (options.projected) {
-    projector.emplace(make_chart(options.projection.type, chart_parameters(options.projection)));
-  }
-  const RecordMesher mesher(mesh_options(options), projector);
+  const RecordMesher mesher(mesh_options(options), choose_target(options));
   Shapefile shapes = open_shapefile(options.input);
   const RecordRange range = choose_records(shapes, options);
   Complaints complaints;
@@ -192,6 +195,7 @@ int run(const Options& options) {
       if (heights && !(height = heights->of(number))) {
         return refuse(number, heights->why_none(number));
       }
+      if (options.projected && mesh->triangles.empty()) return summary.add_absent();
       summary.add(record.parts.size(), mesh->area, mesh->crossings, mesh->added, mesh->points,
                   mesh->triangles);
       MeshPart part = make_mesh_part(number, mesh->points, mesh->triangles);
@@ -209,7 +213,8 @@ int run(const Options& options) {
     writer->finish();
     output->commit();
   }
-  (prints ? std::cerr : std::cout) << summary.text(options.repair) << std::endl;
+  (prints ? std::cerr : std::cout)
+      << summary.text(options.repair && !options.projected) << std::endl;
   return complaints.exit_code();
 }
 
@@ -230,10 +235,10 @@ degrees) and no angle smaller, but for the polygon's own sharp corners.
 the unit of x and y as they come out, a number or @ and a field of the dBASE table;
 a record without a height above 0 is named and left out.  On a globe up is outwards.
 
-The summary counts the records that became triangles and gives their area in the
-square of the layer's own unit; then the vertices added, and the least angle of all
-triangles and the median of each one's least.  It goes to standard output, or to
-standard error when the mesh goes there.
+The summary counts the records that became triangles and gives the area of these in
+the square of the unit of x and y as they come out; then the vertices added, and the
+least angle of all triangles and the median of each one's least.  It goes to standard
+output, or to standard error when the mesh goes there.
 
   .glb      binary glTF 2.0: a node record_N for each record, with the number and
             the fields of the dBASE table as extras; floats from the middle of the
@@ -246,16 +251,22 @@ standard error when the mesh goes there.
   .svg .png a picture, x to the right and y up
 
 With --to, coordinates are degrees and come out as the world coordinates that
-kzgis project gives, in the unit of the radius; a globe comes out as x, y and z
-from its centre.  Nothing tears at the meridian of the base; at the opposite one a
-ring stays on its own side, east or west.  A record across the
-opposite meridian is named and left out, like one that the projection has no place
-for, or turns inside out, or makes cross itself.  Sides run straight between the
-projected vertices: on the globe a long one cuts below the surface.
+kzgis project gives, in the unit of the radius.  Polygons are cut where the map ends,
+at the meridian opposite to the base or at the horizon; a record that has nothing on
+the map is counted and left out.  Sides, straight in degrees, become chords of the
+curves that they are on the map: no point of a curve is farther than --tolerance from
+its chord.  What an odd number of rings lies around is inside, whatever the rings do:
+no record is refused for that, and --repair is not needed.
+
+A globe comes out as x, y and z from its centre.  What the file cuts at the antimeridian
+is joined, and a pole is a point like any other.  Sides are cut into pieces of a degree
+or less, alike for neighbours.  A long side cuts below the surface: --longest-side, in
+degrees of the globe, keeps triangles near it.  Areas are those of the flat triangles.
 
 Examples:
   kzgis triangulate countries.shp -o countries.glb
   kzgis triangulate lakes.shp --repair --check
+  kzgis triangulate countries.shp --to albers --base 48,15 -o europe.glb
   kzgis triangulate countries.shp --to globe --longest-side 5 -o globe.ply
   kzgis triangulate houses.shp --extrude @FLOORS -o houses.stl
   kzgis triangulate lakes.shp --records 3:5 -o - --format geojson
@@ -311,8 +322,9 @@ void add_triangulate_command(CLI::App& app, int& exit_code) {
       ->type_name("HEIGHT|@FIELD");
   add_projection_options(command, options->projection);
   add_radius_option(command, options->projection);
+  add_tolerance_option(command, options->tolerance);
   CLI::Option* const to = command.get_option("--to");
-  for (const char* const name : {"--base", "--parallels", "--radius"}) {
+  for (const char* const name : {"--base", "--parallels", "--radius", "--tolerance"}) {
     command.get_option(name)->needs(to);
   }
   command.footer(kExamples);

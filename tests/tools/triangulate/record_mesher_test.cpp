@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -12,11 +13,13 @@
 namespace kzgis::tools {
 namespace {
 
-MeshProjector projector(const std::string& name, double radius = 1.0) {
+Target target(const std::string& name, double radius = 1.0, NumberPair base = {0.0, 0.0},
+              double tolerance = 1e-4) {
   ProjectionOptions options;
   options.type = find_projection(name).value();
+  options.base = base;
   options.radius = radius;
-  return MeshProjector(make_chart(options.type, chart_parameters(options)));
+  return {make_chart(options.type, chart_parameters(options)), tolerance};
 }
 
 MeshOptions repairing() {
@@ -33,7 +36,7 @@ struct BowTie {
 };
 
 std::string refusal(const Rings& rings, const MeshOptions& options = {},
-                    const std::optional<MeshProjector>& to = std::nullopt) {
+                    const std::optional<Target>& to = std::nullopt) {
   const auto mesh = RecordMesher(options, to).mesh(rings);
   return mesh ? std::string() : mesh.error().message;
 }
@@ -62,22 +65,6 @@ TEST(RecordMesher, DoesNotPromiseToMendNumbers) {
   }
 }
 
-TEST(RecordMesher, SaysWhatMendsACrossingOnTheMap) {
-  // The straight side of the strip passes through the island north of it.
-  const std::vector<double> x{-60, 60, 60, -60, -2, 2, 0}, y{50, 50, 60, 60, 60.5, 60.5, 80};
-  const std::vector<std::int32_t> starts{0, 4};
-  ProjectionOptions postel;
-  postel.type = find_projection("postel").value();
-  postel.base = NumberPair{90.0, 0.0};
-  const MeshProjector to(make_chart(postel.type, chart_parameters(postel)));
-  EXPECT_EQ(refusal({x, y, starts}, {}, to),
-            "once projected, ring 1 crosses itself or another; try --repair");
-  const auto mesh = RecordMesher(repairing(), to).mesh({x, y, starts});
-  ASSERT_TRUE(mesh) << mesh.error().message;
-  EXPECT_GT(mesh->crossings, 0U);
-  EXPECT_EQ(mesh->points.size(), 7 + mesh->added);
-}
-
 TEST(RecordMesher, PutsACrossingIntoThePlane) {
   const auto mesh = RecordMesher(repairing(), std::nullopt).mesh(BowTie().rings());
   ASSERT_TRUE(mesh);
@@ -89,50 +76,71 @@ TEST(RecordMesher, PutsACrossingIntoThePlane) {
   EXPECT_EQ(mesh->points[4].y, 10.0);
 }
 
-TEST(RecordMesher, PutsACrossingOntoTheGlobe) {
-  const auto mesh = RecordMesher(repairing(), projector("globe", 2.0)).mesh(BowTie().rings());
-  ASSERT_TRUE(mesh);
-  ASSERT_EQ(mesh->points.size(), 5U);
-  // 2 cos 10 cos 10, 2 cos 10 sin 10, 2 sin 10, by a calculator.
-  EXPECT_NEAR(mesh->points[4].x, 1.9396926207859084, 1e-14);
-  EXPECT_NEAR(mesh->points[4].y, 0.3420201433256687, 1e-14);
-  EXPECT_NEAR(mesh->points[4].z, 0.3472963553338607, 1e-14);
-}
-
-// On a Mercator map the diagonals cross where straight lines do, which is not 10 north.
+// On a Mercator map the sides, straight in degrees, are curves that cross where they do in degrees:
+// at 10 east and 10 north, whose y is atanh(sin 10).
 TEST(RecordMesher, PutsACrossingWhereItIsOnTheMap) {
-  const auto mesh = RecordMesher(repairing(), projector("mercator")).mesh(BowTie().rings());
-  ASSERT_TRUE(mesh);
-  ASSERT_EQ(mesh->points.size(), 5U);
-  EXPECT_NEAR(mesh->points[4].x, 0.17453292519943295, 1e-14);
-  EXPECT_NEAR(mesh->points[4].y, 0.5 * mesh->points[1].y, 1e-14);
-  EXPECT_EQ(mesh->area, 200.0);
+  const auto mesh = RecordMesher({}, target("mercator")).mesh(BowTie().rings());
+  ASSERT_TRUE(mesh) << mesh.error().message;
+  EXPECT_EQ(mesh->added, 0U);
+  double nearest = 1.0;
+  for (const WorldPoint& p : mesh->points) {
+    nearest = std::min(nearest, std::hypot(p.x - 0.17453292519943295, p.y - 0.17542582965181806));
+  }
+  EXPECT_LT(nearest, 1e-4);
 }
 
-TEST(RecordMesher, NumbersNewVerticesOneBehindTheOther) {
-  const std::vector<double> x{160,  180,  180,  160,  160,  180,  180,  160,
-                              -180, -160, -160, -180, -180, -160, -160, -180};
-  const std::vector<double> y{0, 20, 0, 20, 30, 50, 30, 50, 0, 20, 0, 20, 30, 50, 30, 50};
-  const std::vector<std::int32_t> starts{0, 4, 8, 12};
-  ProjectionOptions cartesian;
-  cartesian.type = find_projection("cartesian").value();
-  cartesian.base = NumberPair{0.0, 180.0};
-  cartesian.radius = 180.0 / std::acos(-1.0);  // so that it gives degrees
-  const MeshProjector to(make_chart(cartesian.type, chart_parameters(cartesian)));
-  const auto mesh = RecordMesher(repairing(), to).mesh({x, y, starts});
-  ASSERT_TRUE(mesh) << mesh.error().message;
-  EXPECT_EQ(mesh->added, 4U);
-  ASSERT_EQ(mesh->points.size(), 20U);
-  double area = 0.0;
-  for (std::size_t i = 0; i < mesh->triangles.size(); i += 3) {
-    const WorldPoint& a = mesh->points[mesh->triangles[i]];
-    const WorldPoint& b = mesh->points[mesh->triangles[i + 1]];
-    const WorldPoint& c = mesh->points[mesh->triangles[i + 2]];
-    const double twice = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
-    EXPECT_GT(twice, 0.0);
-    area += 0.5 * twice;
+/// A square of 20 degrees about a point of the equator.
+struct Square {
+  explicit Square(double lon) : x{lon - 10, lon + 10, lon + 10, lon - 10} {}
+  std::vector<double> x, y{-10, -10, 10, 10};
+  std::vector<std::int32_t> starts{0};
+  Rings rings() const { return {x, y, starts}; }
+};
+
+// 2 sin(10) 20 degrees, wherever it lies and however many whole turns away.
+TEST(RecordMesher, CutsAtTheSeam) {
+  for (const double lon : {0.0, 175.0, -175.0, 185.0, 545.0}) {
+    const auto mesh = RecordMesher({}, target("lambert cylindrical")).mesh(Square(lon).rings());
+    ASSERT_TRUE(mesh) << mesh.error().message;
+    EXPECT_NEAR(mesh->area, 0.12122929761504, 1e-12) << lon;
+    const auto [west, east] =
+        std::minmax_element(mesh->points.begin(), mesh->points.end(),
+                            [](const WorldPoint& a, const WorldPoint& b) { return a.x < b.x; });
+    EXPECT_NEAR(west->x, lon == 0.0 ? -0.17453292519943295 : -3.141592653589793, 1e-14) << lon;
+    EXPECT_NEAR(east->x, lon == 0.0 ? 0.17453292519943295 : 3.141592653589793, 1e-14) << lon;
   }
-  EXPECT_NEAR(area, 4 * 200.0, 1e-9);
+}
+
+TEST(RecordMesher, LeavesOutWhatLiesBeyondTheHorizon) {
+  const auto behind = RecordMesher({}, target("orthographic")).mesh(Square(180.0).rings());
+  ASSERT_TRUE(behind) << behind.error().message;
+  EXPECT_TRUE(behind->triangles.empty());
+  // Of the square about the limb, half: the integral of cos(lat)^2 over latitudes, times 1 -
+  // cos 10.
+  const auto half =
+      RecordMesher({}, target("orthographic", 1.0, {0.0, 0.0}, 1e-7)).mesh(Square(90.0).rings());
+  ASSERT_TRUE(half) << half.error().message;
+  EXPECT_NEAR(half->area, 0.00524963, 1e-6);
+}
+
+TEST(RecordMesher, MeasuresTheLongestSideOnTheMap) {
+  MeshOptions options;
+  options.longest_side = 0.05;
+  const auto mesh = RecordMesher(options, target("albers")).mesh(Square(0.0).rings());
+  ASSERT_TRUE(mesh) << mesh.error().message;
+  EXPECT_GT(mesh->added, 0U);
+  for (std::size_t i = 0; i < mesh->triangles.size(); ++i) {
+    const WorldPoint& a = mesh->points[mesh->triangles[i]];
+    const WorldPoint& b = mesh->points[mesh->triangles[i % 3 == 2 ? i - 2 : i + 1]];
+    EXPECT_LE(std::hypot(a.x - b.x, a.y - b.y), 0.05);
+  }
+}
+
+TEST(RecordMesher, RefusesWhatAreNoDegrees) {
+  const std::vector<double> x{0, 721, 0}, y{0, 0, 10}, z{0, 0, 90.5};
+  const std::vector<std::int32_t> starts{0};
+  EXPECT_EQ(refusal({x, y, starts}, {}, target("mercator")), "coordinates are not degrees: 721, 0");
+  EXPECT_EQ(refusal({y, z, starts}, {}, target("globe")), "coordinates are not degrees: 10, 90.5");
 }
 
 }  // namespace

@@ -42,6 +42,13 @@ TEST(Summary, SaysWhatWasAdded) {
             "2 crossings split, 4 vertices added; least angle 45 degrees, median 45");
 }
 
+TEST(Summary, CountsWhatIsOffTheMap) {
+  Summary summary;
+  summary.add_absent();
+  EXPECT_EQ(summary.text(false),
+            "0 records, 0 rings, 0 triangles, area 0; 0 refused, 0 null, 1 off the map");
+}
+
 TEST(Summary, SaysNothingOfTrianglesThatAreNot) {
   EXPECT_EQ(Summary().text(true), "0 records, 0 rings, 0 triangles, area 0; 0 refused, 0 null");
 }

@@ -141,20 +141,21 @@ TEST_F(TriangulateCommand, ReportsAnIndexThatIsCut) {
             "least angle 18.4 degrees, median 26.6\n");
 }
 
-TEST_F(TriangulateCommand, NamesARecordThatTheProjectionRefuses) {
+TEST_F(TriangulateCommand, NamesARecordThatIsNotInDegrees) {
   const std::string file =
       write(ShapefileWriter(5)
-                .add(arc_content({0}, {{0, -90}, {0, 0}, {10, 0}, {0, -90}}, 5))
+                .add(arc_content({0}, {{0, -91}, {0, 0}, {10, 0}, {0, -91}}, 5))
                 .add(arc_content({0}, {{0, 10}, {0, 20}, {10, 10}, {0, 10}}, 5))) +
       ".shp";
-  const Outcome outcome = run({file, "--to", "mercator", "-o", path("a.obj")});
+  const Outcome outcome = run({file, "--to", "lambert-cylindrical", "--radius", "1", "--tolerance",
+                               "0.5", "-o", path("a.obj")});
   EXPECT_EQ(outcome.exit_code, 1);
   EXPECT_EQ(outcome.standard_error,
-            "kzgis: " + file + ": record 1: the projection has no place for 0, -90\n");
+            "kzgis: " + file + ": record 1: coordinates are not degrees: 0, -91\n");
   EXPECT_EQ(content(path("a.obj")).substr(0, 11), "o record_2\n");
-  // The area is the layer's, in square degrees.
+  // The area is the map's: half of 10 degrees by sin 20 - sin 10.
   EXPECT_EQ(outcome.standard_output,
-            "1 record, 1 ring, 1 triangle, area 50; 1 refused, 0 null\n"
+            "1 record, 1 ring, 1 triangle, area 0.01469322584; 1 refused, 0 null\n"
             "least angle 44 degrees, median 44\n");
 }
 
