@@ -155,8 +155,8 @@ void Tracer::draw(double lon, double lat, Point start, double end_lon, double en
 }
 
 double Tracer::chords_of_circle(double radius) const {
-  // Where the globe is seen from the side, degrees of it lie within the tolerance of the limb: finer
-  // chords keep what lies there from crossing them.
+  // Where the globe is seen from the side, degrees of it lie within the tolerance of the limb:
+  // finer chords keep what lies there from crossing them.
   const double tolerance = chart_.type() == OrthographicProj ? tolerance_ / 64.0 : tolerance_;
   const double step = 2.0 * std::acos(std::max(0.5, 1.0 - tolerance / radius));
   return std::ceil(2.0 * kPi / step);
