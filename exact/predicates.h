@@ -42,6 +42,8 @@ inline int orientation(const Point& a, const Point& b, const Point& c) {
   const double error = bound * (std::fabs(left) + std::fabs(right));
   if (determinant > error) return 1;
   if (-determinant > error) return -1;
+  // Products of differences in range do not underflow: each of these has a factor that is zero.
+  if (left == 0.0 && right == 0.0) return 0;
   return exact_orientation(a, b, c);
 }
 

@@ -521,7 +521,10 @@ Flaw crossing_flaw(std::span<const Side> sides, const Crossing& crossing) {
 
 Result<Arrangement, Flaw> arrange(const Rings& rings) {
   if (auto flaw = check_rings(rings)) return std::move(*flaw);
-  Sites sites(rings);
+  return arrange(rings, Sites(rings));
+}
+
+Result<Arrangement, Flaw> arrange(const Rings& rings, Sites sites) {
   std::vector<Side> sides = take_sides(rings, sites);
   Sweep sweep(std::move(sites), std::move(sides), rings.starts.size(), std::nullopt);
   sweep.run();

@@ -43,6 +43,8 @@ struct Arrangement {
 /// found before an overlap, and an overlap before a repetition, so that a polygon is refused for
 /// the same reason however it is turned.
 Result<Arrangement, Flaw> arrange(const Rings& rings);
+/// The same for rings whose sites are known, and which have no flaw of `check_rings`.
+Result<Arrangement, Flaw> arrange(const Rings& rings, Sites sites);
 
 /// Two sides that cross where no site is, and the edges that they are part of there: kNone where
 /// sides on top of each other cancel.

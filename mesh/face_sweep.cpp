@@ -1,10 +1,6 @@
 // One face cut into triangles by a plane sweep, after Hertel and Mehlhorn (1983).
 //
-// A sweep line crosses the face in intervals, each between a side below it and a side above
-// it.  To the left of the line, from the left end of the one side to that of the other, an
-// interval ends in a chain of corners that never turns right on the way up: whatever could
-// be cut off has been.  The corner that came last lies farthest to the right, and it sees
-// along the line; from there the chain leads back to the left both ways.
+// What an interval of the sweep line leaves behind is mesh/chains.h's.
 //
 // Where a face touches itself each of its corners still has a wedge of the inside that
 // nothing enters.  So no two corners of one site come into the same interval, and it does
@@ -19,6 +15,7 @@
 #include <numeric>
 #include <set>
 
+#include "mesh/chains.h"
 #include "mesh/sweep_line.h"
 
 namespace kzgis::mesh {
@@ -28,7 +25,7 @@ namespace {
 class FaceSweep {
  public:
   FaceSweep(const Sites& sites, const Face& face, std::vector<std::uint32_t>& triangles)
-      : sites_(sites), triangles_(triangles), status_(Upward{this}) {
+      : sites_(sites), chains_(sites, triangles), status_(Upward{this}) {
     for (const Contour& contour : face) {
       const auto first = static_cast<std::uint32_t>(corners_.size());
       const auto size = static_cast<std::uint32_t>(contour.size());
@@ -58,15 +55,9 @@ class FaceSweep {
   struct Corner {
     std::uint32_t site, before, after;
   };
-  /// A place in a chain.
-  struct Link {
-    std::uint32_t corner;
-    std::uint32_t below, above;  // links; kNone at the ends
-  };
   struct Interval {
     std::uint32_t lower, upper;  // sides
-    std::uint32_t bottom, top;   // ends of the chain: links
-    std::uint32_t last;          // the link that came last
+    Chains::Chain chain;
   };
   /// Order of intervals along the sweep line: that of their lower sides.
   struct Upward {
@@ -112,11 +103,11 @@ class FaceSweep {
     const bool convex = turn(c.before, corner, c.after) > 0;
     if (from_left && !to_left) {
       const std::uint32_t i = interval_above_[c.before];
-      put_at_bottom(intervals_[i], corner);
+      chains_.put_at_bottom(intervals_[i].chain, c.site);
       set_lower(i, corner);
     } else if (!from_left && to_left) {
       const std::uint32_t i = interval_below_[corner];
-      put_on_top(intervals_[i], corner);
+      chains_.put_on_top(intervals_[i].chain, c.site);
       set_upper(i, c.before);
     } else if (to_left) {
       convex ? close(corner) : merge(corner);
@@ -126,8 +117,7 @@ class FaceSweep {
   }
 
   void open(std::uint32_t corner) {
-    const std::uint32_t link = add_link(corner);
-    const std::uint32_t i = add_interval({kNone, kNone, link, link, link});
+    const std::uint32_t i = add_interval({kNone, kNone, chains_.open(site(corner))});
     set_lower(i, corner);
     set_upper(i, corners_[corner].before);
     places_[i] = status_.insert(i).first;
@@ -135,28 +125,17 @@ class FaceSweep {
 
   void close(std::uint32_t corner) {
     const std::uint32_t i = interval_above_[corners_[corner].before];
-    for (std::uint32_t l = intervals_[i].bottom; links_[l].above != kNone; l = links_[l].above) {
-      add_triangle(corner, links_[links_[l].above].corner, links_[l].corner);
-    }
+    chains_.close(intervals_[i].chain, site(corner));
     end(i);
   }
 
   /// The corner comes into the middle of an interval from the right.
   void split(std::uint32_t corner) {
     const std::uint32_t i = *std::prev(status_.lower_bound(Upward::At{corner}));
-    // The chain parts at the corner that came last, which belongs to both parts.
-    const std::uint32_t own = intervals_[i].last;
-    const std::uint32_t copy = add_link(links_[own].corner);
-    links_[copy].above = links_[own].above;
-    if (links_[own].above != kNone) links_[links_[own].above].below = copy;
-    links_[own].above = kNone;
-    const std::uint32_t top = intervals_[i].top == own ? copy : intervals_[i].top;
-    const std::uint32_t upper = add_interval({kNone, kNone, copy, top, copy});
+    const std::uint32_t upper =
+        add_interval({kNone, kNone, chains_.split(intervals_[i].chain, site(corner))});
     set_upper(upper, intervals_[i].upper);
-    put_at_bottom(intervals_[upper], corner);
     set_lower(upper, corner);
-    intervals_[i].top = own;
-    put_on_top(intervals_[i], corner);
     set_upper(i, corners_[corner].before);
     places_[upper] = status_.insert(upper).first;
   }
@@ -165,16 +144,7 @@ class FaceSweep {
   void merge(std::uint32_t corner) {
     const std::uint32_t below = interval_below_[corner];
     const std::uint32_t above = interval_above_[corners_[corner].before];
-    put_on_top(intervals_[below], corner);
-    put_at_bottom(intervals_[above], corner);
-    // The upper one's link for the corner gives way to the lower one's.
-    const std::uint32_t last = intervals_[below].top;
-    const std::uint32_t next = links_[intervals_[above].bottom].above;
-    links_[last].above = next;
-    if (next != kNone) {
-      links_[next].below = last;
-      intervals_[below].top = intervals_[above].top;
-    }
+    chains_.merge(intervals_[below].chain, intervals_[above].chain, site(corner));
     set_upper(below, intervals_[above].upper);
     end(above);
   }
@@ -183,43 +153,6 @@ class FaceSweep {
   void end(std::uint32_t interval) {
     status_.erase(places_[interval]);
     places_[interval] = status_.end();
-  }
-
-  /// Cuts off what the corner sees of the chain from the lower end on, and puts it there.
-  void put_at_bottom(Interval& interval, std::uint32_t corner) {
-    std::uint32_t& end = interval.bottom;
-    for (; links_[end].above != kNone; end = links_[end].above) {
-      const std::uint32_t next = links_[links_[end].above].corner;
-      if (turn(corner, links_[end].corner, next) >= 0) break;
-      add_triangle(corner, next, links_[end].corner);
-    }
-    const std::uint32_t link = add_link(corner);
-    links_[link].above = end;
-    links_[end].below = link;
-    end = interval.last = link;
-  }
-
-  /// The same from the upper end on.
-  void put_on_top(Interval& interval, std::uint32_t corner) {
-    std::uint32_t& end = interval.top;
-    for (; links_[end].below != kNone; end = links_[end].below) {
-      const std::uint32_t next = links_[links_[end].below].corner;
-      if (turn(next, links_[end].corner, corner) >= 0) break;
-      add_triangle(corner, links_[end].corner, next);
-    }
-    const std::uint32_t link = add_link(corner);
-    links_[link].below = end;
-    links_[end].above = link;
-    end = interval.last = link;
-  }
-
-  void add_triangle(std::uint32_t a, std::uint32_t b, std::uint32_t c) {
-    for (const std::uint32_t corner : {a, b, c}) triangles_.push_back(site(corner));
-  }
-
-  std::uint32_t add_link(std::uint32_t corner) {
-    links_.push_back({corner, kNone, kNone});
-    return static_cast<std::uint32_t>(links_.size() - 1);
   }
 
   std::uint32_t add_interval(const Interval& interval) {
@@ -238,9 +171,8 @@ class FaceSweep {
   }
 
   const Sites& sites_;
-  std::vector<std::uint32_t>& triangles_;
+  Chains chains_;
   std::vector<Corner> corners_;
-  std::vector<Link> links_;
   std::vector<Interval> intervals_;
   std::vector<std::uint32_t> interval_below_;  // of each side that leads to the left
   std::vector<std::uint32_t> interval_above_;  // of each side that leads to the right

@@ -21,6 +21,7 @@
 #include "mesh/faces.h"
 #include "mesh/proof.h"
 #include "mesh/refinement.h"
+#include "mesh/ring_sweep.h"
 #include "mesh/rings.h"
 #include "mesh/splitting.h"
 
@@ -91,6 +92,10 @@ Mesh mesh_of(const Rings& rings, const mesh::Sites& sites, std::vector<std::uint
   return result;
 }
 
+bool is_refining(const MeshOptions& options) {
+  return std::isfinite(options.longest_side) || options.least_angle_deg > 0.0;
+}
+
 Result<Mesh, Flaw> make_refined(const Rings& rings, const Arrangement& arrangement,
                                 std::vector<std::uint32_t> triangles, const MeshOptions& options) {
   Result<mesh::Refined, Flaw> refined =
@@ -110,14 +115,10 @@ Result<Mesh, Flaw> make_refined(const Rings& rings, const Arrangement& arrangeme
   return result;
 }
 
-/// Cuts a polygon into triangles, over sites until the last step: in sites, places are the same
-/// when their numbers are, which is what the proof counts by.
-Result<Mesh, Flaw> make_mesh(const Rings& rings, const MeshOptions& options) {
-  if (auto flaw = mesh::check_options(options)) return std::move(*flaw);
-  const Result<Arrangement, Flaw> arranged =
-      options.split_crossings ? mesh::split(rings, options.most_triangles) : mesh::arrange(rings);
+Result<Mesh, Flaw> make_mesh_of(const Rings& rings, const Result<Arrangement, Flaw>& arranged,
+                                const MeshOptions& options) {
   if (!arranged) return arranged.error();
-  const bool refining = std::isfinite(options.longest_side) || options.least_angle_deg > 0.0;
+  const bool refining = is_refining(options);
   std::optional<std::vector<std::uint32_t>> triangles =
       cut(*arranged, options.delaunay || refining, options.most_triangles);
   if (!triangles) return mesh::too_many_triangles(options.most_triangles);
@@ -127,6 +128,31 @@ Result<Mesh, Flaw> make_mesh(const Rings& rings, const MeshOptions& options) {
     return unproved();
   }
   return mesh_of(rings, arranged->sites, std::move(*triangles), {});
+}
+
+/// Cuts a polygon into triangles, over sites until the last step: in sites, places are the same
+/// when their numbers are, which is what the proof counts by.
+Result<Mesh, Flaw> make_mesh(const Rings& rings, const MeshOptions& options) {
+  if (auto flaw = mesh::check_options(options)) return std::move(*flaw);
+  if (options.split_crossings) {
+    return make_mesh_of(rings, mesh::split(rings, options.most_triangles), options);
+  }
+  if (auto flaw = mesh::check_rings(rings)) return std::move(*flaw);
+  mesh::Sites sites(rings);
+  if (!options.delaunay && !is_refining(options)) {
+    if (std::optional<mesh::CutRings> apart = mesh::cut_apart(rings, sites)) {
+      if (apart->triangles.size() / 3 > options.most_triangles) {
+        return mesh::too_many_triangles(options.most_triangles);
+      }
+      // The sides are those of the rings, uncut, and no two have a point in common but their ends:
+      // none cancel, and there is nothing to be compared with them.
+      if (!exact::tiles(sites.points(), apart->sides, apart->triangles, exact::Flat::refused)) {
+        return unproved();
+      }
+      return mesh_of(rings, sites, std::move(apart->triangles), {});
+    }
+  }
+  return make_mesh_of(rings, mesh::arrange(rings, std::move(sites)), options);
 }
 
 /// Parents and depths as the caller knows them.

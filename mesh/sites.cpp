@@ -3,7 +3,7 @@
 #include "mesh/sites.h"
 
 #include <algorithm>
-#include <numeric>
+#include <cstddef>
 
 namespace kzgis::mesh {
 
@@ -19,23 +19,31 @@ Sites::Sites(const Rings& rings) {
   // Vertices in front of the first ring belong to none.
   const std::size_t first =
       rings.starts.empty() ? rings.x.size() : static_cast<std::size_t>(rings.starts[0]);
-  std::vector<std::uint32_t> order(rings.x.size() - first);
-  std::iota(order.begin(), order.end(), static_cast<std::uint32_t>(first));
+  struct Entry {
+    exact::Point point;
+    std::uint32_t vertex;
+  };
+  std::vector<Entry> entries;
+  entries.reserve(rings.x.size() - first);
+  for (std::size_t i = first; i < rings.x.size(); ++i) {
+    entries.push_back({{rings.x[i], rings.y[i]}, static_cast<std::uint32_t>(i)});
+  }
   // The caller's numbers break ties, so that the first vertex of each place comes first and the
   // result does not depend on the sort.
-  std::sort(order.begin(), order.end(), [&rings](std::uint32_t a, std::uint32_t b) {
-    if (rings.x[a] != rings.x[b]) return rings.x[a] < rings.x[b];
-    if (rings.y[a] != rings.y[b]) return rings.y[a] < rings.y[b];
-    return a < b;
+  std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
+    if (a.point.x != b.point.x) return a.point.x < b.point.x;
+    if (a.point.y != b.point.y) return a.point.y < b.point.y;
+    return a.vertex < b.vertex;
   });
+  points_.reserve(entries.size());
+  vertices_.reserve(entries.size());
   site_of_.assign(rings.x.size(), kNone);
-  for (const std::uint32_t vertex : order) {
-    const exact::Point point{rings.x[vertex], rings.y[vertex]};
-    if (points_.empty() || points_.back().x != point.x || points_.back().y != point.y) {
-      points_.push_back(point);
-      vertices_.push_back(vertex);
+  for (const Entry& entry : entries) {
+    if (points_.empty() || before(points_.back(), entry.point)) {
+      points_.push_back(entry.point);
+      vertices_.push_back(entry.vertex);
     }
-    site_of_[vertex] = size() - 1;
+    site_of_[entry.vertex] = size() - 1;
   }
 }
 

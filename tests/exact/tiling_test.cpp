@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <vector>
@@ -22,7 +23,13 @@ const std::vector<std::uint32_t> kFrame{4, 4};
 
 bool tiles(const std::vector<std::uint32_t>& contours, const std::vector<Point>& vertices,
            const Triangles& triangles, Flat flat = Flat::taken) {
-  return kzgis::exact::tiles(vertices, kzgis::exact::sides_of_contours(contours), triangles, flat);
+  const auto sides = kzgis::exact::sides_of_contours(contours);
+  const bool result = kzgis::exact::tiles(vertices, sides, triangles, flat);
+  // Edges are counted in another way among many vertices: some that nothing uses change nothing.
+  std::vector<Point> many(100);
+  std::copy(vertices.begin(), vertices.end(), many.begin());
+  EXPECT_EQ(kzgis::exact::tiles(many, sides, triangles, flat), result);
+  return result;
 }
 
 bool square_tiled(const Triangles& triangles) { return tiles(kSquare, kVertices, triangles); }
@@ -75,6 +82,11 @@ TEST(Tiles, WithFlatTrianglesOnlyWhereTheyAreTaken) {
 }
 
 TEST(Tiles, NotWithACornerUsedTwice) { EXPECT_FALSE(square_tiled({0, 1, 2, 0, 2, 3, 1, 1, 2})); }
+
+TEST(Tiles, NotWithASideWithoutALength) {
+  EXPECT_FALSE(tiles({1}, kVertices, {}));
+  EXPECT_FALSE(square_tiled({0, 1, 2, 0, 2, 3, 1, 1, 1}));
+}
 
 TEST(Tiles, NotWithNumbersThatAreNoVertices) {
   for (const std::uint32_t stray : {8U, 9U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {

@@ -257,7 +257,7 @@ std::vector<Operation> meshes() {
   static const kzgis::Rings curve{curve_x, curve_y, kTieStart};
   const long no_memory = static_cast<long>(ErrorKind::out_of_memory);
   return {
-      {"triangulate", 20, {no_memory}, [] { return kind_of(rings); }},
+      {"triangulate", 10, {no_memory}, [] { return kind_of(rings); }},
       {"triangulate_Refused", 5, {no_memory}, [] { return kind_of(tie); }},
       {"triangulate_Mended", 20, {no_memory}, [] { return kind_of_mended(tie); }},
       {"triangulate_FromScratch", 20, {no_memory}, [] { return kind_of_mended(curve); }},

@@ -1,0 +1,32 @@
+// Rings that stand apart: one sweep over their vertices shows that they do, and cuts the inside.
+
+#ifndef KZGIS_MESH_RING_SWEEP_H
+#define KZGIS_MESH_RING_SWEEP_H
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "exact/tiling.h"
+#include "kzgis/mesh.h"
+#include "mesh/sites.h"
+
+namespace kzgis::mesh {
+
+/// What is inside the rings, cut up.
+struct CutRings {
+  std::vector<std::uint32_t> triangles;  ///< three sites each, as of `sweep_face`
+  std::vector<exact::Side> sides;        ///< of the rings, with the inside on the left
+};
+
+/// Cuts up what is inside rings of which none touches or crosses itself or another; nothing if one
+/// does, or repeats a vertex, or has fewer than three: `arrange` knows what that means.
+///
+/// A ring that ends with its first vertex once more is taken without it.  O(n log n).
+///
+/// @param sites  of the rings, which have no flaw of `check_rings`
+std::optional<CutRings> cut_apart(const Rings& rings, const Sites& sites);
+
+}  // namespace kzgis::mesh
+
+#endif

@@ -1,0 +1,171 @@
+// Which rings one sweep takes to be apart, judged pair of sides by pair of sides, and what it cuts
+// them into.
+
+#include "mesh/ring_sweep.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "exact/tiling.h"
+#include "mesh/line_order.h"
+#include "mesh/sites.h"
+#include "triangulate/polygons.h"
+#include "triangulate/tiling.h"
+
+namespace {
+
+using kzgis::mesh::LineOrder;
+
+/// Twice the area inside by the odd-even rule, of rings that are apart.
+Int128 doubled_area_inside(const std::vector<IntRing>& rings) {
+  Int128 sum = 0;
+  for (const IntRing& ring : rings) {
+    bool inside = false;
+    for (const IntRing& other : rings) {
+      const IntPoint doubled{2 * ring[0].x, 2 * ring[0].y};
+      inside ^= &other != &ring && place_of({{other}, ""}, doubled) == Place::inside;
+    }
+    const Int128 area = doubled_area(ring);
+    sum += (area < 0 ? -area : area) * (inside ? -1 : 1);
+  }
+  return sum;
+}
+
+/// Expects rings to be taken just if no two sides share more than a vertex of neighbours, and to
+/// be tiled then; whether they are.
+bool expect_cut(const std::vector<IntRing>& rings) {
+  std::vector<double> x;
+  std::vector<double> y;
+  std::vector<std::int32_t> starts;
+  for (const IntRing& ring : rings) {
+    starts.push_back(static_cast<std::int32_t>(x.size()));
+    for (const IntPoint& p : ring) {
+      x.push_back(static_cast<double>(p.x));
+      y.push_back(static_cast<double>(p.y));
+    }
+  }
+  const kzgis::mesh::Sites sites({x, y, starts});
+  const auto cut = kzgis::mesh::cut_apart({x, y, starts}, sites);
+  const bool simple = is_simple({rings, ""});
+  EXPECT_EQ(cut.has_value(), simple);
+  if (!cut || !simple) return false;
+  EXPECT_EQ(cut->sides.size(), x.size());
+  EXPECT_TRUE(
+      kzgis::exact::tiles(sites.points(), cut->sides, cut->triangles, kzgis::exact::Flat::refused));
+  Int128 area = 0;
+  const auto at = [&](std::size_t i) {
+    const kzgis::exact::Point& p = sites[cut->triangles[i]];
+    return IntPoint{static_cast<std::int64_t>(p.x), static_cast<std::int64_t>(p.y)};
+  };
+  for (std::size_t i = 0; i < cut->triangles.size(); i += 3) {
+    area += doubled_area({at(i), at(i + 1), at(i + 2)});
+  }
+  EXPECT_TRUE(area == doubled_area_inside(rings));
+  return true;
+}
+
+const std::vector<double> kClosedX{0, 1, 0, 0};
+const std::vector<double> kClosedY{0, 0, 1, 0};
+const std::vector<std::int32_t> kStarts{0};
+
+TEST(RingSweep, CutsRingsInRingsWhicheverWayTheyRun) {
+  const IntRing outer{{0, 0}, {9, 0}, {9, 9}, {0, 9}};
+  const IntRing hole{{2, 2}, {7, 2}, {7, 7}, {2, 7}};
+  const IntRing island{{4, 4}, {4, 5}, {5, 5}};
+  EXPECT_TRUE(expect_cut({outer}));
+  EXPECT_TRUE(expect_cut({island, hole, outer}));
+  EXPECT_TRUE(expect_cut({outer, {{20, 0}, {21, 0}, {20, 1}}}));
+  EXPECT_TRUE(expect_cut({}));
+}
+
+TEST(RingSweep, TakesARingThatClosesWithItsFirstVertex) {
+  const kzgis::Rings rings{kClosedX, kClosedY, kStarts};
+  const auto cut = kzgis::mesh::cut_apart(rings, kzgis::mesh::Sites(rings));
+  ASSERT_TRUE(cut);
+  EXPECT_EQ(cut->triangles.size(), 3U);
+  EXPECT_EQ(cut->sides.size(), 3U);
+}
+
+TEST(RingSweep, LeavesWhatTouchesToOthers) {
+  const IntRing outer{{0, 0}, {9, 0}, {9, 9}, {0, 9}};
+  EXPECT_FALSE(expect_cut({outer, {{0, 3}, {3, 4}, {3, 6}}}));     // begins on a side
+  EXPECT_FALSE(expect_cut({outer, {{3, 3}, {9, 4}, {3, 6}}}));     // ends on one
+  EXPECT_FALSE(expect_cut({outer, {{3, 3}, {4, 0}, {5, 3}}}));     // passes one
+  EXPECT_FALSE(expect_cut({outer, {{3, 3}, {11, 4}, {3, 6}}}));    // crosses one
+  EXPECT_FALSE(expect_cut({outer, {{9, 9}, {12, 9}, {12, 12}}}));  // in a vertex
+  EXPECT_FALSE(expect_cut({outer, outer}));                        // repeats
+  EXPECT_FALSE(expect_cut({{{0, 0}, {9, 0}, {5, 0}, {9, 9}}}));    // a spike
+  EXPECT_FALSE(expect_cut({{{0, 0}, {6, 6}, {3, 3}}}));            // nothing but one
+  EXPECT_FALSE(expect_cut({{{0, 0}, {9, 9}, {9, 0}, {0, 9}}}));    // crosses itself
+}
+
+TEST(RingSweep, AgreesWithEveryPairOfSides) {
+  constexpr std::uint64_t kSeed = 1976;
+  std::mt19937_64 random(kSeed);
+  int taken = 0;
+  for (int run = 0; run < 20000; ++run) {
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << " run " << run);
+    const std::uint64_t grid = 3 + random() % 12;
+    std::vector<IntRing> rings(1 + random() % 3);
+    for (IntRing& ring : rings) {
+      ring.resize(3 + random() % 4);
+      const auto number = [&] { return static_cast<std::int64_t>(random() % grid); };
+      for (IntPoint& p : ring) p = {number(), number()};
+      // Without the first vertex once more, which is no repetition.
+      while (ring.back() == ring.front()) ring.back() = {number(), number()};
+    }
+    taken += expect_cut(rings) ? 1 : 0;
+    ASSERT_FALSE(HasFailure());
+  }
+  EXPECT_GT(taken, 1000);
+}
+
+TEST(RingSweep, CutsEveryFamily) {
+  constexpr std::uint64_t kSeed = 1977;
+  std::mt19937_64 random(kSeed);
+  for (int run = 0; run < 600; ++run) {
+    const Family& family = families()[static_cast<std::size_t>(run) % families().size()];
+    IntPolygon polygon = family.make(3 + static_cast<int>(random() % 100), random);
+    // A quarter turn, so that teeth that stood lie.
+    if (random() % 2 == 0) polygon = transformed(std::move(polygon), 0, -1, 1, 0);
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << " run " << run << ", " << polygon.label);
+    expect_cut(polygon.rings);
+    ASSERT_FALSE(HasFailure());
+  }
+}
+
+TEST(LineOrder, KeepsNumbersInOrderThroughManyBlocks) {
+  constexpr std::uint32_t kNumbers = 3000;
+  std::vector<std::uint32_t> numbers(kNumbers);
+  for (std::uint32_t i = 0; i < kNumbers; ++i) numbers[i] = 1009 * i % kNumbers;
+  LineOrder order;
+  const auto find = [&order](std::uint32_t number) {
+    return order.find([number](std::uint32_t other) { return other < number; });
+  };
+  const auto expect_all = [&](std::uint32_t step) {
+    std::uint32_t before = kzgis::mesh::kNone;
+    for (std::uint32_t i = 0; i < kNumbers; i += step) {
+      EXPECT_EQ(order.before(find(i)), before);
+      EXPECT_EQ(order.behind(find(i)), i);
+      before = i;
+    }
+    EXPECT_EQ(order.behind(find(kNumbers)), kzgis::mesh::kNone);
+  };
+  for (const std::uint32_t number : numbers) order.insert(find(number), number);
+  expect_all(1);
+  for (const std::uint32_t number : numbers) {
+    if (number % 1000 != 0) order.erase(find(number));
+  }
+  expect_all(1000);
+  for (std::uint32_t i = 0; i < kNumbers; i += 1000) order.erase(find(i));
+  EXPECT_EQ(order.behind(find(0)), kzgis::mesh::kNone);
+  order.insert(find(5), 5);
+  EXPECT_EQ(order.behind(find(5)), 5U);
+}
+
+}  // namespace
