@@ -72,10 +72,10 @@ void go_to(Outline& lines, double lon, double lat) {
 void go_all_the_way_to(Outline& lines, double lon, double lat) {
   const double from_lon = lines.x.back();
   const double from_lat = lines.y.back();
-  const double pieces = std::ceil(std::fabs(lon - from_lon) / 180.0);
-  for (double i = 1.0; i < pieces; ++i) {
-    go_to(lines, from_lon + i / pieces * (lon - from_lon),
-          from_lat + i / pieces * (lat - from_lat));
+  const int pieces = static_cast<int>(std::ceil(std::fabs(lon - from_lon) / 180.0));
+  for (int i = 1; i < pieces; ++i) {
+    const double t = static_cast<double>(i) / pieces;
+    go_to(lines, from_lon + t * (lon - from_lon), from_lat + t * (lat - from_lat));
   }
   go_to(lines, lon, lat);
 }
