@@ -72,7 +72,7 @@ class Disc : public Domain {
     const double radius = radius_of(tracer);
     const double step = 2.0 * kPi / tracer.chords_of_circle(radius);
     // Vertices of the limb are the same for all that ends there, so that neighbours share them.
-    for (double i = std::floor(from.along / step); i * step <= end; ++i) {
+    for (int i = static_cast<int>(from.along / step); i * step <= end; ++i) {
       if (i * step > from.along || from.along == 0.0) points.push_back(on_limb(i * step, radius));
     }
   }
@@ -176,10 +176,12 @@ class Disc : public Domain {
   /// inside.  Close to the limb, that a side is inside of it or outside tells which way it passes.
   void count_start(bool in_first) {
     const double meridian = over_pole_ ? 180.0 : 0.0;
-    const auto turn_of = [&](double lon) { return std::floor((lon - meridian) / 360.0); };
-    const double first = turn_of(side_->lon);
-    const double last = turn_of(side_->end_lon) + side_->turns;
-    for (double turn = std::min(first, last) + 1.0; turn <= std::max(first, last); ++turn) {
+    const auto turn_of = [&](double lon) {
+      return static_cast<int>(std::floor((lon - meridian) / 360.0));
+    };
+    const int first = turn_of(side_->lon);
+    const int last = turn_of(side_->end_lon) + side_->turns;
+    for (int turn = std::min(first, last) + 1; turn <= std::max(first, last); ++turn) {
       const double lon = meridian + 360.0 * turn;
       const double t = (lon - side_->lon) / (end_ - side_->lon);
       const double lat = lat_at(t);

@@ -396,7 +396,7 @@ Result<Outline> draw_frame(const Chart& chart, double tolerance) {
   std::vector<Way> rings;
   Closer(drawing, {}, true).close(rings);
   auto frame = valid(rings);
-  if (!frame) return frame.error();
+  if (!frame) return Error{frame.error().kind, frame.error().message};
   return std::move(*frame);
 }
 

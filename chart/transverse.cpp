@@ -113,7 +113,8 @@ class Transverse : public Domain {
     const double west = std::min(whole.lon, whole.end_lon);
     const double east = std::max(whole.lon, whole.end_lon);
     const std::size_t before = pieces.size();
-    for (double middle = -720.0; middle <= 720.0; middle += 360.0) {
+    for (int turn = -2; turn <= 2; ++turn) {
+      const double middle = 360.0 * turn;
       const double low = std::max(west, middle - 90.0);
       const double high = std::min(east, middle + 90.0);
       if (low > high) continue;
@@ -133,9 +134,12 @@ class Transverse : public Domain {
   /// pole.
   void count_start(const Side& side, bool crosses, double crossing) {
     if (side.lat > 0.0 || (side.lat == 0.0 && side.end_lat > 0.0)) return;
-    const double first = std::ceil((side.lon - 90.0) / 360.0);
-    const double last = std::ceil((side.end_lon - 90.0) / 360.0) + side.turns;
-    for (double turn = std::min(first, last); turn < std::max(first, last); ++turn) {
+    const auto turn_of = [](double lon) {
+      return static_cast<int>(std::ceil((lon - 90.0) / 360.0));
+    };
+    const int first = turn_of(side.lon);
+    const int last = turn_of(side.end_lon) + side.turns;
+    for (int turn = std::min(first, last); turn < std::max(first, last); ++turn) {
       const double meridian = 90.0 + 360.0 * turn;
       if (!crosses || (first < last ? crossing > meridian : crossing <= meridian)) flip();
     }
