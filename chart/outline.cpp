@@ -269,7 +269,7 @@ class Closer {
     std::vector<bool> used(runs_.size(), false);
     for (std::uint32_t start = 0; start < runs_.size(); ++start) {
       if (used[start]) continue;
-      Way& ring = rings.emplace_back();
+      Way ring;
       std::uint32_t run = start;
       bool forwards = true;
       while (!used[run]) {
@@ -284,6 +284,7 @@ class Closer {
         run = ends_[next].run;
         forwards = ends_[next].begins;
       }
+      rings.push_back(std::move(ring));
     }
   }
 

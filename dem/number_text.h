@@ -42,7 +42,7 @@ struct PlainField {
 /// By the number of blanks.  Six of them are no number, and none other than these is reached.
 inline constexpr std::array<PlainField, 9> kPlainFields = [] {
   std::array<PlainField, 9> fields{};
-  for (std::size_t blanks = 0; blanks < fields.size(); ++blanks) {
+  for (std::size_t blanks = 0; blanks != fields.size(); ++blanks) {
     for (std::size_t i = 0; i < 6; ++i) {
       const bool is_blank = i < blanks;
       fields[blanks].zero |= std::uint64_t{is_blank ? 0x20U : 0x30U} << (8 * i);
