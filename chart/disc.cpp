@@ -30,8 +30,11 @@ double haversine(double sin_half) { return sin_half * sin_half; }
 class Disc : public Domain {
  public:
   Disc(double base_lat, double reach_deg, bool closed)
-      : base_lat_(base_lat), closed_(closed), cos_base_(sin_cos(base_lat).cos) {
-    const double reach = std::min(reach_deg * kDegree, kPi - kLastAngle);
+      : base_lat_(base_lat),
+        reach_deg_(std::min(reach_deg, 180.0 - kLastAngle / kDegree)),
+        closed_(closed),
+        cos_base_(sin_cos(base_lat).cos) {
+    const double reach = reach_deg_ * kDegree;
     about_antipode_ = reach > kHalfPi;
     const double angle = about_antipode_ ? kPi - reach : reach;
     limb_ = haversine(std::sin(0.5 * angle));
@@ -44,10 +47,15 @@ class Disc : public Domain {
   void cut(const Side& side, std::vector<Piece>& pieces) override {
     side_ = &side;
     end_ = side.end();
+    crossings_.clear();
+    if (lies_inside(side)) {
+      count_start(true);
+      pieces.push_back(piece(0.0, false, 1.0, false));
+      return;
+    }
     steepness_ = (std::fabs(end_ - side.lon) + std::fabs(side.end_lat - side.lat)) * kDegree;
     const double first = inwards_of_vertex(side.lon, side.lat);
     const double last = inwards_of_vertex(side.end_lon, side.end_lat);
-    crossings_.clear();
     find(0.0, first, 1.0, last);
     count_start(is_in(first));
     bool in = is_in(first);
@@ -79,6 +87,21 @@ class Disc : public Domain {
 
  private:
   bool is_in(double inwards) const { return closed_ ? inwards > -slack_ : inwards > slack_; }
+
+  /// Whether all of a side is inside by its latitudes and longitudes alone: no position is nearer
+  /// to the antipode than its parallel is, or farther from the base than along parallel and
+  /// meridian.
+  bool lies_inside(const Side& side) const {
+    constexpr double kClear_deg = 1e-6;
+    if (about_antipode_) {
+      const double nearest = 180.0 - reach_deg_ + kClear_deg;
+      return std::min(side.lat, side.end_lat) + base_lat_ > nearest ||
+             std::max(side.lat, side.end_lat) + base_lat_ < -nearest;
+    }
+    const double farthest = reach_deg_ - kClear_deg;
+    return side.turns == 0 && std::fabs(side.lon) + std::fabs(side.lat - base_lat_) < farthest &&
+           std::fabs(side.end_lon) + std::fabs(side.end_lat - base_lat_) < farthest;
+  }
 
   /// How far inside of the limb a position lies: the difference of two haversines.
   double inwards(double lon_deg, double lat_deg) const {
@@ -208,6 +231,7 @@ class Disc : public Domain {
   }
 
   double base_lat_;
+  double reach_deg_;
   bool closed_;
   double cos_base_;
   bool about_antipode_ = false;

@@ -29,7 +29,9 @@ double distance(const Point& p, const Point& a, const Point& b) {
   const double length2 = ux * ux + uy * uy;
   double t = length2 > 0.0 ? ((p.x - a.x) * ux + (p.y - a.y) * uy) / length2 : 0.0;
   t = std::clamp(t, 0.0, 1.0);
-  return std::hypot(p.x - a.x - t * ux, p.y - a.y - t * uy);
+  const double dx = p.x - a.x - t * ux;
+  const double dy = p.y - a.y - t * uy;
+  return std::sqrt(dx * dx + dy * dy);  // outlines take no radius whose square is out of range
 }
 
 /// The points of one side, close to each other.
@@ -138,6 +140,7 @@ void Tracer::place(const std::vector<double>& lon, const std::vector<double>& la
 
 void Tracer::draw(double lon, double lat, Point start, double end_lon, double end_lat, Point end,
                   std::vector<Point>& points) const {
+  if (chart_.type() == CartesianProj) return;  // straight in degrees is straight on the map
   const double width = std::fabs(end_lon - lon);
   const double height = std::fabs(end_lat - lat);
   const double chord = std::fabs(end.x - start.x) + std::fabs(end.y - start.y);
