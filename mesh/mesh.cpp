@@ -62,16 +62,22 @@ Flaw unproved() {
                          "the triangles found do not tile the polygon: an error of this library");
 }
 
+/// How many sites are no vertices of the rings, but crossings of their sides.
+std::uint32_t new_sites(const mesh::Sites& sites, const Rings& rings) {
+  std::uint32_t count = 0;
+  for (std::uint32_t site = 0; site < sites.size(); ++site) {
+    if (sites.vertex(site) >= rings.x.size()) ++count;
+  }
+  return count;
+}
+
 /// Hands out triangles over sites and points behind them, in the numbers of vertices.
 ///
 /// @param more  points that are numbered behind the sites
 Mesh mesh_of(const Rings& rings, const mesh::Sites& sites, std::vector<std::uint32_t> triangles,
              std::span<const exact::Point> more) {
   const auto own = static_cast<std::uint32_t>(rings.x.size());
-  std::uint32_t split = 0;  // vertices of crossings
-  for (std::uint32_t site = 0; site < sites.size(); ++site) {
-    if (sites.vertex(site) >= own) ++split;
-  }
+  const std::uint32_t split = new_sites(sites, rings);
   Mesh result;
   result.triangles = std::move(triangles);
   for (std::uint32_t& corner : result.triangles) {
@@ -231,7 +237,9 @@ Result<Outline, Flaw> make_valid(const Rings& rings) {
       return mesh::make_flaw(ErrorKind::unproved,
                              "the rings found do not bound the polygon: an error of this library");
     }
-    return mesh::boundary_of(*arranged);
+    Outline outline = mesh::boundary_of(*arranged);
+    outline.crossings = new_sites(arranged->sites, rings);
+    return outline;
   } catch (const std::bad_alloc&) {
     return no_memory();
   }

@@ -31,6 +31,7 @@ struct Rings {
 struct Outline {
   std::vector<double> x, y;
   std::vector<std::int32_t> starts;  ///< as in `Rings`; no ring repeats its first vertex at the end
+  std::size_t crossings = 0;         ///< vertices that are new, put where sides crossed
 
   /// The same rings to be read, as long as this lives and does not change.
   Rings rings() const { return {x, y, starts}; }

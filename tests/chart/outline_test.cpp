@@ -244,6 +244,24 @@ TEST(ProjectAreaProperty, HoldsWhatTheSampleCountriesHold) {
   }
 }
 
+// Rounding and needles aside, which the edge of a map makes of what it cuts, curves about borders
+// cross nowhere that the borders do not.
+TEST(ProjectArea, SampleCountriesNeedNoMending) {
+  auto file = kzgis::Shapefile::open(KZGIS_TEST_DATA_DIR "/ne/ne_50m_countries.shp");
+  ASSERT_TRUE(file);
+  const double half_pixel = std::numbers::pi * kEarth / 5000.0;
+  for (auto record : *file) {
+    ASSERT_TRUE(record);
+    for (const projType type : {CartesianProj, MercatorProj, LambertCylindricalProj, PostelProj,
+                                SansonFlamsteedProj, BonneProj, WernerProj}) {
+      const auto base = based(type == BonneProj || type == WernerProj ? 45.0 : 0.0, 0.0);
+      const auto outline = kzgis::project_area(made(type, base), record->rings(), half_pixel);
+      ASSERT_TRUE(outline) << outline.error().message;
+      EXPECT_EQ(outline->crossings, 0U) << "record " << record->number << " type " << type;
+    }
+  }
+}
+
 TEST(ProjectArea, CutsAtTheSeam) {
   const Chart chart = made(CartesianProj, based(0, 0, 1.0 / kDegree));  // a degree is a unit
   const Outline outline = area(chart, {box(170, -10, -170, 20)}, 0.5);

@@ -99,6 +99,17 @@ TEST(MakeValid, KeepsNothingThatBoundsNothing) {
   EXPECT_TRUE(made_valid({{{0, 0}, {5, 5}}, {{7, 7}}}).empty());
 }
 
+TEST(MakeValid, CountsThePlacesWhereSidesCrossed) {
+  // Three sides cross in (2, 2), the last one and the third in (8/3, 4/3).
+  const kzgis::Outline star = laid_out({{{0, 0}, {4, 4}, {4, 0}, {0, 4}, {0, 2}, {4, 2}}});
+  EXPECT_EQ(kzgis::make_valid(star.rings()).value().crossings, 2U);
+  const kzgis::Outline touching =
+      laid_out({{{0, 0}, {4, 0}, {4, 4}, {0, 4}}, {{1, 0}, {3, 0}, {2, 2}}});
+  EXPECT_EQ(kzgis::make_valid(touching.rings()).value().crossings, 0U);
+  const kzgis::Outline apart = laid_out({{{0, 0}, {4, 0}, {4, 4}}, {{3, 1}, {3.5, 1}, {3.5, 2}}});
+  EXPECT_EQ(kzgis::make_valid(apart.rings()).value().crossings, 0U);
+}
+
 TEST(MakeValid, RefusesWhatIsNoNumber) {
   const kzgis::Outline given =
       laid_out({{{0, 0}, {4, 0}, {std::numeric_limits<double>::quiet_NaN(), 4}}});

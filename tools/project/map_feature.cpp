@@ -46,7 +46,8 @@ Error sort_rings(MapFeature& feature) {
     const auto begin = static_cast<std::ptrdiff_t>(feature.parts.starts[ring]);
     const auto end = static_cast<std::ptrdiff_t>(feature.end_of(ring));
     sorted.starts.push_back(static_cast<std::int32_t>(sorted.x.size()));
-    const auto& [x, y, starts] = feature.parts;
+    const std::vector<double>& x = feature.parts.x;
+    const std::vector<double>& y = feature.parts.y;
     sorted.x.insert(sorted.x.end(), x.begin() + begin, x.begin() + end);
     sorted.y.insert(sorted.y.end(), y.begin() + begin, y.begin() + end);
     feature.is_hole.push_back(is_hole(ring));
