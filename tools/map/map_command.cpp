@@ -290,13 +290,14 @@ void add_map_command(CLI::App& app, int& exit_code) {
       ->check(map::check_size);
   command
       ->add_option("--graticule", options->graticule_deg,
-                   "Degrees between meridians and parallels; 0 for none")
+                   "Degrees between meridians and parallels, from 1/60 (0.0167) to 90; 0 for none")
       ->type_name("DEG")
       ->capture_default_str()
       ->check([](const std::string& text) {
         const std::optional<double> step = parse_number(text);
-        if (step && (*step == 0.0 || (*step >= 1.0 && *step <= 90.0))) return std::string();
-        return "'" + text + "' is no step; it is 0, or between 1 and 90 degrees";
+        constexpr double kMinute = 1.0 / 60.0;
+        if (step && (*step == 0.0 || (*step >= kMinute && *step <= 90.0))) return std::string();
+        return "'" + text + "' is no step; it is 0, or between 1/60 (0.0167) and 90 degrees";
       });
   command
       ->add_option_function<std::string>(
