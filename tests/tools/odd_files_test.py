@@ -4,7 +4,8 @@
 Whatever stands where a file is expected, the command ends soon and without much memory,
 says one line on standard error that begins with "kzgis: ", answers 1 or 2, and leaves no
 output behind, whole or half.  MEMORY_MIB bounds its address space, for safety; 0 for a
-sanitizer's program, whose time and memory say nothing.
+sanitizer's program, whose time and memory say nothing, and which starts so slowly that of all pairs
+of a way to read a file and an oddity it gets every third.
 """
 import gzip
 import os
@@ -46,6 +47,14 @@ WAYS = [
 ]
 
 problems = []
+pairs = 0
+
+
+def is_chosen():
+    """Whether the next pair is tried."""
+    global pairs
+    pairs += 1
+    return MEMORY_MIB > 0 or pairs % 3 == 0
 
 
 def limit_memory():
@@ -162,7 +171,7 @@ def odd_inputs(made):
         arguments, ending, sound, parts = way
         for part in parts:
             for odd, make in ODD.items():
-                if is_legal(way, odd):
+                if is_legal(way, odd) or not is_chosen():
                     continue
                 with tempfile.TemporaryDirectory() as tmp:
                     directory = pathlib.Path(tmp)
@@ -188,6 +197,8 @@ def odd_indexes(made):
         if ".shp" not in parts:
             continue
         for odd, make in ODD.items():
+            if not is_chosen():
+                continue
             with tempfile.TemporaryDirectory() as tmp:
                 directory = pathlib.Path(tmp)
                 directory.chmod(0o777)
@@ -264,6 +275,8 @@ def odd_names(made):
             "full of variables": "$A<99999999999>$B<-1>$<0>${C}$",
             "a blank": " ",
         }.items():
+            if not is_chosen():
+                continue
             with tempfile.TemporaryDirectory() as tmp:
                 directory = pathlib.Path(tmp)
                 base = f"{directory}/{name}" if name else ""
@@ -292,6 +305,8 @@ def odd_outputs(made):
                         f"{directory}/no\nwhere/x{ending}", f"{directory}/directory{ending}"]:
                 if arguments[0] == "pack" and out.endswith(("all", "where/x", "directory")):
                     continue  # it makes directories
+                if not is_chosen():
+                    continue
                 expect_refused(f"{name_of(way)}: into {out[:80]!r}",
                                fill(arguments, base, out), directory)
             if arguments[0] == "pack":

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "lines.h"
+#include "support/sanitized.h"
 #include "tools/map/layer.h"
 #include "tools/map/map_chart.h"
 #include "tools/map/page.h"
@@ -113,6 +114,7 @@ void expect_right(const Picture& picture, bool in_the_dark, const std::string& l
 TEST(Picture, LandIsLandAndSeaIsSeaInEveryProjection) {
   const std::vector<StyledLayer> layers = world();
   Sheet sheet{700, 700, 0.0, ""};
+  int pairs = 0;
   for (int type = 0; type <= 14; ++type) {
     for (const double base_lon : {0.0, 180.0, -100.0}) {
       for (const double base_lat : {0.0, 45.0, 90.0, -30.0}) {
@@ -123,6 +125,9 @@ TEST(Picture, LandIsLandAndSeaIsSeaInEveryProjection) {
                                       type == BonneProj || type == WernerProj || type == GlobeProj;
         if (!latitude_matters && base_lat != 45.0) continue;
         if (type == BonneProj && base_lat == 0.0) continue;
+        // Every projection, and every base, but not every pair.
+        constexpr int kLess = kWatchedShare > 1 ? 4 : 1;
+        if (latitude_matters && ++pairs % kLess != 0) continue;
         sheet.globe = type == GlobeProj;
         const Picture picture(map_chart(request), sheet, layers);
         std::ostringstream label;
