@@ -138,11 +138,9 @@ std::vector<Side> pieces_of(const Overlay& overlay, const std::vector<Cut>& cuts
 
 }  // namespace
 
-Result<Arrangement, Flaw> split(const Rings& rings, std::size_t most) {
-  if (auto flaw = check_rings(rings)) return std::move(*flaw);
+Result<Arrangement, Flaw> split(const Rings& rings, Sites sites, std::size_t most) {
   // All numbers are to fit 32 bits, as those of the rings do.
   most = std::min(most, kMostVertices - rings.x.size());
-  Sites sites(rings);
   std::vector<Side> sides = take_sides(rings, sites);
   const std::uint32_t own = sites.size();
   const double unit = last_place(sites);
