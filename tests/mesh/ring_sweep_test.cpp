@@ -141,31 +141,38 @@ TEST(RingSweep, CutsEveryFamily) {
 
 TEST(LineOrder, KeepsNumbersInOrderThroughManyBlocks) {
   constexpr std::uint32_t kNumbers = 3000;
-  std::vector<std::uint32_t> numbers(kNumbers);
-  for (std::uint32_t i = 0; i < kNumbers; ++i) numbers[i] = 1009 * i % kNumbers;
   LineOrder order;
-  const auto find = [&order](std::uint32_t number) {
-    return order.find([number](std::uint32_t other) { return other < number; });
+  const auto last_below = [&order](std::uint32_t number) {
+    return order.last([number](std::uint32_t other) { return other < number; });
   };
   const auto expect_all = [&](std::uint32_t step) {
     std::uint32_t before = kzgis::mesh::kNone;
     for (std::uint32_t i = 0; i < kNumbers; i += step) {
-      EXPECT_EQ(order.before(find(i)), before);
-      EXPECT_EQ(order.behind(find(i)), i);
+      EXPECT_EQ(last_below(i), before);
       before = i;
     }
-    EXPECT_EQ(order.behind(find(kNumbers)), kzgis::mesh::kNone);
+    EXPECT_EQ(last_below(kNumbers), before);
+    EXPECT_EQ(order.first(), 0U);
   };
-  for (const std::uint32_t number : numbers) order.insert(find(number), number);
+  EXPECT_EQ(order.first(), kzgis::mesh::kNone);
+  const auto insert = [&](std::uint32_t number) {
+    order.insert_behind(last_below(number), number);
+  };
+  for (std::uint32_t i = 0; i < kNumbers; ++i) insert(1009 * i % kNumbers);
   expect_all(1);
-  for (const std::uint32_t number : numbers) {
-    if (number % 1000 != 0) order.erase(find(number));
+  for (std::uint32_t i = 0; i < kNumbers; ++i) {
+    if (1013 * i % kNumbers % 1000 != 0) order.erase(1013 * i % kNumbers);
   }
   expect_all(1000);
-  for (std::uint32_t i = 0; i < kNumbers; i += 1000) order.erase(find(i));
-  EXPECT_EQ(order.behind(find(0)), kzgis::mesh::kNone);
-  order.insert(find(5), 5);
-  EXPECT_EQ(order.behind(find(5)), 5U);
+  for (std::uint32_t i = 0; i < kNumbers; ++i) {
+    if (1013 * i % kNumbers % 1000 != 0) insert(1013 * i % kNumbers);
+  }
+  expect_all(1);
+  for (std::uint32_t i = 0; i < kNumbers; ++i) order.erase(i);
+  EXPECT_EQ(order.first(), kzgis::mesh::kNone);
+  EXPECT_EQ(last_below(kNumbers), kzgis::mesh::kNone);
+  insert(5);
+  EXPECT_EQ(order.first(), 5U);
 }
 
 }  // namespace
