@@ -224,9 +224,9 @@ std::vector<Flaw> find_flaws(const Rings& rings, std::size_t most) {
 Result<Outline, Flaw> make_valid(const Rings& rings) {
   try {
     if (auto flaw = mesh::check_rings(rings)) return std::move(*flaw);
-    if (const auto parents = mesh::parents_apart(rings)) {
-      const Nesting nesting = nesting_of(*parents, [](std::uint32_t) { return true; });
-      return mesh::boundary_of(rings, nesting.depth);
+    if (const auto apart = mesh::parents_apart(rings)) {
+      const Nesting nesting = nesting_of(apart->parents, [](std::uint32_t) { return true; });
+      return mesh::boundary_of(apart->cleaned ? apart->cleaned->rings() : rings, nesting.depth);
     }
     const Result<Arrangement, Flaw> arranged =
         mesh::split(rings, mesh::Sites(rings), mesh::kMostVertices);
@@ -244,8 +244,8 @@ Result<Outline, Flaw> make_valid(const Rings& rings) {
 Result<Nesting, Flaw> nest(const Rings& rings) {
   try {
     if (auto flaw = mesh::check_rings(rings)) return std::move(*flaw);
-    if (const auto parents = mesh::parents_apart(rings)) {
-      return nesting_of(*parents, [](std::uint32_t) { return true; });
+    if (const auto apart = mesh::parents_apart(rings)) {
+      return nesting_of(apart->parents, [](std::uint32_t) { return true; });
     }
     const Result<Arrangement, Flaw> arranged = mesh::arrange(rings);
     if (!arranged) return arranged.error();

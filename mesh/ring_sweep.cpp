@@ -78,19 +78,21 @@ class RingSweep {
     std::size_t linked = 0;
     for (std::size_t ring = 0; ring < rings.starts.size(); ++ring) {
       const auto begin = static_cast<std::size_t>(rings.starts[ring]);
-      std::size_t end = end_of_ring(rings, ring);
-      if (end - begin > 1 && sites_.of(begin) == sites_.of(end - 1)) --end;
+      const std::size_t end = end_of_ring(rings, ring);
       if (end - begin < 3) return false;
       std::uint32_t before = sites_.of(end - 1);
+      std::size_t linked_before = linked;
       for (std::size_t i = begin; i < end; ++i) {
         const std::uint32_t site = sites_.of(i);
+        if (site == before) continue;
         corners_[before].after = site;
         corners_[site].before = before;
         before = site;
+        ++linked;
       }
-      linked += end - begin;
+      if (linked - linked_before < 3) return false;
     }
-    // With more vertices than sites, some have come together.
+    // With more corners than sites, some have come together.
     return linked == sites_.size();
   }
 

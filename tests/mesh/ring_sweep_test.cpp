@@ -91,6 +91,20 @@ TEST(RingSweep, TakesARingThatClosesWithItsFirstVertex) {
   EXPECT_EQ(cut->sides.size(), 3U);
 }
 
+TEST(RingSweep, TakesRepeatedVerticesOnce) {
+  const std::vector<double> x{0, 0, 4, 4, 4, 0, 0};
+  const std::vector<double> y{0, 0, 0, 0, 4, 0, 0};
+  const kzgis::Rings rings{x, y, kStarts};
+  const auto cut = kzgis::mesh::cut_apart(rings, kzgis::mesh::Sites(rings));
+  ASSERT_TRUE(cut);
+  EXPECT_EQ(cut->triangles.size(), 3U);
+  EXPECT_EQ(cut->sides.size(), 3U);
+  const std::vector<double> thin_x{0, 0, 4, 4};
+  const std::vector<double> thin_y{0, 0, 4, 4};
+  const kzgis::Rings thin{thin_x, thin_y, kStarts};
+  EXPECT_FALSE(kzgis::mesh::cut_apart(thin, kzgis::mesh::Sites(thin)));
+}
+
 TEST(RingSweep, LeavesWhatTouchesToOthers) {
   const IntRing outer{{0, 0}, {9, 0}, {9, 9}, {0, 9}};
   EXPECT_FALSE(expect_cut({outer, {{0, 3}, {3, 4}, {3, 6}}}));     // begins on a side
@@ -115,9 +129,13 @@ TEST(RingSweep, AgreesWithEveryPairOfSides) {
     for (IntRing& ring : rings) {
       ring.resize(3 + random() % 4);
       const auto number = [&] { return static_cast<std::int64_t>(random() % grid); };
-      for (IntPoint& p : ring) p = {number(), number()};
-      // Without the first vertex once more, which is no repetition.
-      while (ring.back() == ring.front()) ring.back() = {number(), number()};
+      // Without vertices that repeat the one before, or the first at the end, which are none.
+      for (std::size_t i = 0; i < ring.size(); ++i) {
+        const IntPoint& before = ring[i > 0 ? i - 1 : 0];
+        do {
+          ring[i] = {number(), number()};
+        } while (i > 0 && (ring[i] == before || (i + 1 == ring.size() && ring[i] == ring[0])));
+      }
     }
     taken += expect_cut(rings) ? 1 : 0;
     ASSERT_FALSE(HasFailure());
