@@ -149,7 +149,8 @@ Result<Mesh, Flaw> make_mesh(const Rings& rings, const MeshOptions& options) {
     return finish(rings, sites, apart->sides, std::move(apart->triangles), options);
   }
   const Result<Arrangement, Flaw> arranged =
-      options.split_crossings ? mesh::split(rings, std::move(sites), options.most_triangles)
+      options.split_crossings ? mesh::split(rings, std::move(sites),
+                                            std::min(options.most_crossings, options.most_triangles))
                               : mesh::arrange(rings, std::move(sites));
   if (!arranged) return arranged.error();
   std::optional<std::vector<std::uint32_t>> triangles = cut(*arranged, options.most_triangles);
@@ -221,7 +222,7 @@ std::vector<Flaw> find_flaws(const Rings& rings, std::size_t most) {
   return flaws;
 }
 
-Result<Outline, Flaw> make_valid(const Rings& rings) {
+Result<Outline, Flaw> make_valid(const Rings& rings, std::size_t most_crossings) {
   try {
     if (auto flaw = mesh::check_rings(rings)) return std::move(*flaw);
     if (const auto apart = mesh::parents_apart(rings)) {
@@ -229,7 +230,7 @@ Result<Outline, Flaw> make_valid(const Rings& rings) {
       return mesh::boundary_of(apart->cleaned ? apart->cleaned->rings() : rings, nesting.depth);
     }
     const Result<Arrangement, Flaw> arranged =
-        mesh::split(rings, mesh::Sites(rings), mesh::kMostVertices);
+        mesh::split(rings, mesh::Sites(rings), most_crossings);
     if (!arranged) return arranged.error();
     if (!mesh::same_modulo_2(arranged->sites, arranged->sides, arranged->edges)) {
       return mesh::make_flaw(ErrorKind::unproved,

@@ -79,6 +79,8 @@ class Cutter {
   /// over the other's end: a new vertex would come to lie a hair beside both ends, and so on, and
   /// if both were led they would cross again.
   bool cut_at_vertices(std::uint32_t edge, std::uint32_t other) {
+    // An end that is on the other edge has cut that edge before.
+    if (snap_ == 0.0) return false;
     const std::size_t before = cuts_.size();
     for (const bool beside : {false, true}) {
       for (const auto& [cut, through] : {std::pair{edge, other}, std::pair{other, edge}}) {

@@ -33,7 +33,7 @@ namespace kzgis::mesh {
 ///
 /// @param rings  without a flaw of `check_rings`
 /// @param sites  of the rings
-/// @param most   crossings, vertices or triangles that are bearable
+/// @param most   crossings that are bearable
 /// @return the arrangement without containment
 Result<Arrangement, Flaw> split(const Rings& rings, Sites sites, std::size_t most);
 
