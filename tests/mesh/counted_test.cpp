@@ -1,5 +1,6 @@
 // How often signs are asked for, for each vertex of fixed polygons: what makes the library slow
-// without making it wrong shows here, whatever else the machine is doing.
+// without making it wrong shows here, whatever else the machine is doing.  The bounds are what was
+// counted and a little more.
 
 #include <gtest/gtest.h>
 
@@ -78,12 +79,11 @@ void expect_at_most(const Counted& counted, double nesting, double cutting, doub
   EXPECT_LE(counted.delaunay_proof, 1.5);
 }
 
-TEST(Counted, SignsForAStar) { expect_at_most(Counted(star), 0, 0, 0); }
-TEST(Counted, SignsForAComb) { expect_at_most(Counted(comb), 0, 0, 0); }
-TEST(Counted, SignsForASpiral) { expect_at_most(Counted(spiral), 0, 0, 0); }
-TEST(Counted, SignsForACoast) { expect_at_most(Counted(coast), 0, 0, 0); }
-TEST(Counted, SignsForHoles) { expect_at_most(Counted(scattered_holes), 0, 0, 0); }
-// Triangles of a sweep are as far from Delaunay here as they can be.
-TEST(Counted, SignsForAConvexCurve) { expect_at_most(Counted(convex), 0, 0, 0); }
+TEST(Counted, SignsForAStar) { expect_at_most(Counted(star), 7, 6.5, 1.7); }
+TEST(Counted, SignsForAComb) { expect_at_most(Counted(comb), 1.1, 3, 1.7); }
+TEST(Counted, SignsForASpiral) { expect_at_most(Counted(spiral), 8.2, 6.2, 1.7); }
+TEST(Counted, SignsForACoast) { expect_at_most(Counted(coast), 1.1, 2.1, 13.5); }
+TEST(Counted, SignsForHoles) { expect_at_most(Counted(scattered_holes), 3.9, 4.9, 7); }
+TEST(Counted, SignsForAConvexCurve) { expect_at_most(Counted(convex), 1.1, 2.1, 1.1); }
 
 }  // namespace
