@@ -25,6 +25,14 @@ inline bool in_range(double v) {
   return v == 0.0 || (magnitude >= 0x1p-480 && magnitude <= 0x1p+500);
 }
 
+#ifdef KZGIS_COUNT_PREDICATES
+/// How often predicates were asked: for tests of just that, which compile the sources that ask.
+struct Asked {
+  long orientation = 0, in_circle = 0;
+};
+inline Asked asked;
+#endif
+
 /// `orientation`, summed without any rounding.
 int exact_orientation(const Point& a, const Point& b, const Point& c);
 
@@ -33,6 +41,9 @@ int exact_orientation(const Point& a, const Point& b, const Point& c);
 ///
 /// Exact for all coordinates `in_range`.
 inline int orientation(const Point& a, const Point& b, const Point& c) {
+#ifdef KZGIS_COUNT_PREDICATES
+  ++asked.orientation;
+#endif
   const double left = (a.x - c.x) * (b.y - c.y);
   const double right = (a.y - c.y) * (b.x - c.x);
   const double determinant = left - right;
@@ -56,6 +67,9 @@ int exact_in_circle(const Point& a, const Point& b, const Point& c, const Point&
 /// Exact for all coordinates `in_range`.  Throws `std::bad_alloc` where numbers grow long and
 /// there is no memory for them.
 inline int in_circle(const Point& a, const Point& b, const Point& c, const Point& d) {
+#ifdef KZGIS_COUNT_PREDICATES
+  ++asked.in_circle;
+#endif
   const double ax = a.x - d.x;
   const double ay = a.y - d.y;
   const double bx = b.x - d.x;

@@ -1,8 +1,8 @@
 // Orientation of every triangle, and the edges that no two of them share.
 //
 // Edges are brought together by a counting sort over their lower vertices and directions, and short
-// sorts within its runs: no comparison of vertices is needed, and the memory is two numbers an
-// edge.
+// sorts within its runs: no comparison of vertices is needed, and the memory is a number an edge,
+// or two where circles are asked for.
 
 #include "exact/tiling.h"
 
@@ -10,6 +10,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace kzgis::exact {
@@ -71,33 +72,88 @@ bool few_cancel(std::span<const Side> sides, std::span<const std::uint32_t> tria
   return once && opposed;
 }
 
-/// An edge among those of its lower vertex and its direction: the higher vertex and the apex.
+/// An edge among those of its lower vertex and its direction: the higher vertex, and the apex where
+/// circles are asked for.
 struct End {
-  explicit End(std::uint32_t high, std::uint32_t apex) : bits(std::uint64_t{high} << 32 | apex) {}
   End() = default;
-
-  std::uint32_t high() const { return static_cast<std::uint32_t>(bits >> 32); }
-  std::uint32_t apex() const { return static_cast<std::uint32_t>(bits); }
-  bool operator<(const End& other) const { return bits < other.bits; }
-
-  std::uint64_t bits = 0;
+  End(std::uint32_t vertex, std::uint32_t) : high(vertex) {}
+  std::uint32_t high = 0;
 };
+struct EndWithApex {
+  EndWithApex() = default;
+  EndWithApex(std::uint32_t vertex, std::uint32_t corner) : high(vertex), apex(corner) {}
+  std::uint32_t high = 0, apex = 0;
+};
+
+/// Sorts edges by their higher vertices: most runs have but a few.
+template <class AnyEnd>
+void sort_run(std::span<AnyEnd> run) {
+  constexpr std::size_t kMostByInsertion = 12;
+  if (run.size() > kMostByInsertion) {
+    std::sort(run.begin(), run.end(),
+              [](const AnyEnd& a, const AnyEnd& b) { return a.high < b.high; });
+    return;
+  }
+  for (std::size_t i = 1; i < run.size(); ++i) {
+    const AnyEnd end = run[i];
+    std::size_t place = i;
+    for (; place > 0 && end.high < run[place - 1].high; --place) run[place] = run[place - 1];
+    run[place] = end;
+  }
+}
+
+/// Whether an edge between two triangles is locally Delaunay.
+bool is_delaunay(std::span<const Point>, std::uint32_t, const End&, const End&) { return true; }
+bool is_delaunay(std::span<const Point> vertices, std::uint32_t low, const EndWithApex& up,
+                 const EndWithApex& down) {
+  return up.apex == kNoApex || down.apex == kNoApex ||
+         in_circle(vertices[low], vertices[up.high], vertices[up.apex], vertices[down.apex]) <= 0;
+}
 
 /// Whether the edges from one vertex to higher ones have each its opposite, and none comes twice.
 /// Sorted by the higher vertex, an edge and its opposite stand in the same place.
-bool cancel(std::span<const Point> vertices, std::uint32_t low, std::span<End> up,
-            std::span<End> down, Inner inner) {
+template <class AnyEnd>
+bool cancel(std::span<const Point> vertices, std::uint32_t low, std::span<AnyEnd> up,
+            std::span<AnyEnd> down) {
   if (up.size() != down.size()) return false;
-  std::sort(up.begin(), up.end());
-  std::sort(down.begin(), down.end());
+  sort_run(up);
+  sort_run(down);
   for (std::size_t i = 0; i < up.size(); ++i) {
-    const std::uint32_t high = up[i].high();
-    if (down[i].high() != high || (i > 0 && up[i - 1].high() == high)) return false;
-    if (inner == Inner::delaunay && up[i].apex() != kNoApex && down[i].apex() != kNoApex &&
-        in_circle(vertices[low], vertices[high], vertices[up[i].apex()], vertices[down[i].apex()]) >
-            0) {
+    if (down[i].high != up[i].high || (i > 0 && up[i - 1].high == up[i].high) ||
+        !is_delaunay(vertices, low, up[i], down[i])) {
       return false;
     }
+  }
+  return true;
+}
+
+/// Whether all edges have their opposites, and none comes twice.
+template <class AnyEnd>
+bool all_cancel(std::span<const Point> vertices, std::span<const Side> sides,
+                std::span<const std::uint32_t> triangles) {
+  // Two runs for each vertex: of the edges that lead up from it, and of those down to it.
+  const auto run_of = [](std::uint32_t from, std::uint32_t to) {
+    return from < to ? 2 * std::size_t{from} : 2 * std::size_t{to} + 1;
+  };
+  std::vector<std::uint32_t> begins(2 * vertices.size() + 1);
+  visit_edges(sides, triangles, [&](std::uint32_t from, std::uint32_t to, std::uint32_t) {
+    ++begins[run_of(from, to) + 1];
+  });
+  for (std::size_t i = 1; i < begins.size(); ++i) begins[i] += begins[i - 1];
+  std::vector<AnyEnd> ends(triangles.size() + sides.size());
+  visit_edges(sides, triangles, [&](std::uint32_t from, std::uint32_t to, std::uint32_t apex) {
+    ends[begins[run_of(from, to)]++] = AnyEnd(std::max(from, to), apex);
+  });
+  // Each run has moved its beginning to its end, where the next one begins.
+  std::uint32_t begin = 0;
+  for (std::uint32_t low = 0; low < vertices.size(); ++low) {
+    const std::uint32_t middle = begins[2 * std::size_t{low}];
+    const std::uint32_t end = begins[2 * std::size_t{low} + 1];
+    if (!cancel(vertices, low, std::span(ends).subspan(begin, middle - begin),
+                std::span(ends).subspan(middle, end - middle))) {
+      return false;
+    }
+    begin = end;
   }
   return true;
 }
@@ -111,31 +167,9 @@ bool tiles(std::span<const Point> vertices, std::span<const Side> sides,
     if (side.from >= vertices.size() || side.to >= vertices.size()) return false;
   }
   if (vertices.size() <= kFew && inner == Inner::any) return few_cancel(sides, triangles);
-  // Two runs for each vertex: of the edges that lead up from it, and of those down to it.
-  const auto run_of = [](std::uint32_t from, std::uint32_t to) {
-    return from < to ? 2 * std::size_t{from} : 2 * std::size_t{to} + 1;
-  };
-  std::vector<std::size_t> begins(2 * vertices.size() + 1);
-  visit_edges(sides, triangles, [&](std::uint32_t from, std::uint32_t to, std::uint32_t) {
-    ++begins[run_of(from, to) + 1];
-  });
-  for (std::size_t i = 1; i < begins.size(); ++i) begins[i] += begins[i - 1];
-  std::vector<End> ends(triangles.size() + sides.size());
-  visit_edges(sides, triangles, [&](std::uint32_t from, std::uint32_t to, std::uint32_t apex) {
-    ends[begins[run_of(from, to)]++] = End(std::max(from, to), apex);
-  });
-  // Each run has moved its beginning to its end, where the next one begins.
-  std::size_t begin = 0;
-  for (std::uint32_t low = 0; low < vertices.size(); ++low) {
-    const std::size_t middle = begins[2 * std::size_t{low}];
-    const std::size_t end = begins[2 * std::size_t{low} + 1];
-    if (!cancel(vertices, low, std::span(ends).subspan(begin, middle - begin),
-                std::span(ends).subspan(middle, end - middle), inner)) {
-      return false;
-    }
-    begin = end;
-  }
-  return true;
+  if (triangles.size() + sides.size() > std::numeric_limits<std::uint32_t>::max()) return false;
+  return inner == Inner::any ? all_cancel<End>(vertices, sides, triangles)
+                             : all_cancel<EndWithApex>(vertices, sides, triangles);
 }
 
 std::vector<Side> sides_of_contours(std::span<const std::uint32_t> sizes) {

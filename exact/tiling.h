@@ -44,7 +44,7 @@ enum class Inner { any, delaunay };
 /// @param vertices   the places that sides and triangles number, from 0
 /// @param triangles  three vertices each; any numbers are looked at, and one that is no
 ///                   vertex fails
-/// @return false also when a corner of a triangle is not `in_range`
+/// @return false also when a corner of a triangle is not `in_range`, and for 2^32 edges and more
 bool tiles(std::span<const Point> vertices, std::span<const Side> sides,
            std::span<const std::uint32_t> triangles, Flat flat, Inner inner = Inner::any);
 

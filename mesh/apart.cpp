@@ -60,6 +60,9 @@ class ApartSweep {
 
   std::vector<std::uint32_t> take_parents() { return std::move(parents_); }
 
+  /// Whether it ended at a vertex that repeats the one before it.
+  bool repeats_vertex() const { return repeats_vertex_; }
+
  private:
   static constexpr std::uint32_t kNotMet = kNone - 1;  // a ring whose parent is not yet known
 
@@ -127,7 +130,10 @@ class ApartSweep {
     bool rising = comes_before(point(end - 1), point(begin));
     for (std::uint32_t v = begin; v < end; ++v) {
       const std::uint32_t after = v + 1 < end ? v + 1 : begin;
-      if (same(v, after)) return false;
+      if (same(v, after)) {
+        repeats_vertex_ = true;
+        return false;
+      }
       const bool rises = comes_before(point(v), point(after));
       if (rises != rising) stops_.push_back({point(v), v, kNone, kNone, rises});
       rising = rises;
@@ -266,20 +272,48 @@ class ApartSweep {
     return true;
   }
 
-  const Rings& rings_;
+  Rings rings_;
   std::vector<Extent> extents_;        // of the rings
   mutable std::vector<Chain> chains_;  // looking for a place advances those that are asked
   std::vector<Stop> stops_;
   std::vector<std::uint32_t> parents_;
+  bool repeats_vertex_ = false;
   Status status_;
 };
 
+/// The rings without vertices that repeat the one before.
+Outline without_repeats(const Rings& rings) {
+  Outline cleaned;
+  for (std::size_t ring = 0; ring < rings.starts.size(); ++ring) {
+    const std::size_t first = cleaned.x.size();
+    cleaned.starts.push_back(static_cast<std::int32_t>(first));
+    for (auto i = static_cast<std::size_t>(rings.starts[ring]); i < end_of_ring(rings, ring); ++i) {
+      if (cleaned.x.size() > first && rings.x[i] == cleaned.x.back() &&
+          rings.y[i] == cleaned.y.back()) {
+        continue;
+      }
+      cleaned.x.push_back(rings.x[i]);
+      cleaned.y.push_back(rings.y[i]);
+    }
+  }
+  return cleaned;
+}
+
 }  // namespace
 
-std::optional<std::vector<std::uint32_t>> parents_apart(const Rings& rings) {
+std::optional<Apart> parents_apart(const Rings& rings) {
+  Apart result;
   ApartSweep sweep(rings);
-  if (!sweep.run()) return std::nullopt;
-  return sweep.take_parents();
+  if (sweep.run()) {
+    result.parents = sweep.take_parents();
+    return result;
+  }
+  if (!sweep.repeats_vertex()) return std::nullopt;
+  result.cleaned = without_repeats(rings);
+  ApartSweep again(result.cleaned->rings());
+  if (!again.run()) return std::nullopt;
+  result.parents = again.take_parents();
+  return result;
 }
 
 }  // namespace kzgis::mesh

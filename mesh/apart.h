@@ -11,14 +11,21 @@
 
 namespace kzgis::mesh {
 
-/// For each ring the smallest other one around it, or kNone, if no ring touches or crosses itself
-/// or another; nothing if one does, or repeats a vertex next to itself, or has fewer than three:
-/// `arrange` knows what that means.
+/// Rings that stand apart.
+struct Apart {
+  /// For each ring the smallest other one around it, or kNone.
+  std::vector<std::uint32_t> parents;
+  /// The rings without vertices that repeat the one before, if there are such.
+  std::optional<Outline> cleaned;
+};
+
+/// Which ring lies in which, if no ring touches or crosses itself or another; nothing if one does,
+/// or has fewer than three different vertices: `arrange` knows what that means.
 ///
-/// A ring that ends with its first vertex once more is taken without it.
+/// A vertex that repeats the one before it, or the first one at the end, is none.
 ///
 /// Before: the rings have no flaw of `check_rings`.
-std::optional<std::vector<std::uint32_t>> parents_apart(const Rings& rings);
+std::optional<Apart> parents_apart(const Rings& rings);
 
 }  // namespace kzgis::mesh
 

@@ -531,6 +531,16 @@ Result<Arrangement, Flaw> arrange(const Rings& rings, Sites sites) {
   return sweep.arrangement(rings);
 }
 
+std::vector<exact::Side> bounds_of(const Arrangement& arrangement) {
+  std::vector<exact::Side> bounds;
+  bounds.reserve(arrangement.edges.size());
+  for (const Edge& edge : arrangement.edges) {
+    bounds.push_back(edge.inside_above ? exact::Side{edge.left, edge.right}
+                                       : exact::Side{edge.right, edge.left});
+  }
+  return bounds;
+}
+
 Overlay overlay(Sites sites, std::vector<Side> sides, std::size_t most) {
   Sweep sweep(std::move(sites), std::move(sides), 0, most);
   sweep.run();

@@ -8,6 +8,7 @@
 #include <span>
 #include <vector>
 
+#include "exact/tiling.h"
 #include "kzgis/mesh.h"
 #include "kzgis/result.h"
 #include "mesh/containment.h"
@@ -45,6 +46,9 @@ struct Arrangement {
 Result<Arrangement, Flaw> arrange(const Rings& rings);
 /// The same for rings whose sites are known, and which have no flaw of `check_rings`.
 Result<Arrangement, Flaw> arrange(const Rings& rings, Sites sites);
+
+/// The edges, with the inside on their left.
+std::vector<exact::Side> bounds_of(const Arrangement& arrangement);
 
 /// Two sides that cross where no site is, and the edges that they are part of there: kNone where
 /// sides on top of each other cancel.

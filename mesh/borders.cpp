@@ -16,21 +16,23 @@ double distance(const exact::Point& a, const exact::Point& b) {
 
 }  // namespace
 
-Borders::Borders(const Arrangement& arrangement, const Triangulation& triangles)
-    : arrangement_(arrangement),
-      first_(std::size_t{arrangement.sites.size()} + 1, 0),
-      incident_(2 * arrangement.edges.size()),
-      sharp_(2 * arrangement.edges.size(), kNone),
-      parts_(arrangement.edges.size(), 1) {
+Borders::Borders(const Sites& sites, std::span<const exact::Side> edges,
+                 const Triangulation& triangles)
+    : sites_(sites),
+      edges_(edges),
+      first_(std::size_t{sites.size()} + 1, 0),
+      incident_(2 * edges.size()),
+      sharp_(2 * edges.size(), kNone),
+      parts_(edges.size(), 1) {
   // A counting sort, from the end of each list to its beginning.
-  for (const Edge& edge : arrangement.edges) {
-    ++first_[edge.left];
-    ++first_[edge.right];
+  for (const exact::Side& edge : edges) {
+    ++first_[edge.from];
+    ++first_[edge.to];
   }
   for (std::size_t i = 1; i < first_.size(); ++i) first_[i] += first_[i - 1];
-  for (std::uint32_t e = 0; e < arrangement.edges.size(); ++e) {
-    incident_[--first_[arrangement.edges[e].left]] = e;
-    incident_[--first_[arrangement.edges[e].right]] = e;
+  for (std::uint32_t e = 0; e < edges.size(); ++e) {
+    incident_[--first_[edges[e].from]] = e;
+    incident_[--first_[edges[e].to]] = e;
   }
   find_sharp_corners(triangles);
 }
@@ -38,7 +40,6 @@ Borders::Borders(const Arrangement& arrangement, const Triangulation& triangles)
 /// Goes from every edge round the site that it begins at, through the triangles of the inside, to
 /// the edge at which the inside ends there.
 void Borders::find_sharp_corners(const Triangulation& triangles) {
-  const Sites& sites = arrangement_.sites;
   for (std::uint32_t h = 0; h < triangles.size(); ++h) {
     if (triangles.twin(h) != kNone) continue;
     std::uint32_t last = Triangulation::previous(h);
@@ -46,18 +47,19 @@ void Borders::find_sharp_corners(const Triangulation& triangles) {
     const std::uint32_t corner = triangles.from(h);
     const std::uint32_t right = triangles.to(h);
     const std::uint32_t left = triangles.from(last);
-    if (sites.turn(corner, right, left) <= 0) continue;
-    const double along = distance(sites[corner], sites[right]);
-    const double across = distance(sites[corner], sites[left]);
-    const double cosine =
-        (sites[right].x - sites[corner].x) / along * ((sites[left].x - sites[corner].x) / across) +
-        (sites[right].y - sites[corner].y) / along * ((sites[left].y - sites[corner].y) / across);
+    if (sites_.turn(corner, right, left) <= 0) continue;
+    const double along = distance(sites_[corner], sites_[right]);
+    const double across = distance(sites_[corner], sites_[left]);
+    const double cosine = (sites_[right].x - sites_[corner].x) / along *
+                              ((sites_[left].x - sites_[corner].x) / across) +
+                          (sites_[right].y - sites_[corner].y) / along *
+                              ((sites_[left].y - sites_[corner].y) / across);
     constexpr double kCosineOf60 = 0.5 + 1e-12;  // 60 degrees themselves, rounded, are not sharp
     if (cosine <= kCosineOf60) continue;
     const std::uint32_t one = common_edge(corner, right);
     const std::uint32_t other = common_edge(corner, left);
     const auto end = [&](std::uint32_t e) {
-      return 2 * std::size_t{e} + (arrangement_.edges[e].left == corner ? 0 : 1);
+      return 2 * std::size_t{e} + (left_end(e) == corner ? 0 : 1);
     };
     sharp_[end(one)] = other;
     sharp_[end(other)] = one;
@@ -66,7 +68,7 @@ void Borders::find_sharp_corners(const Triangulation& triangles) {
 
 /// The edge on which two vertices are neighbours.
 std::uint32_t Borders::common_edge(std::uint32_t a, std::uint32_t b) const {
-  const std::uint32_t sites = arrangement_.sites.size();
+  const std::uint32_t sites = sites_.size();
   if (a >= sites) return ways_[a - sites].edge;
   if (b >= sites) return ways_[b - sites].edge;
   // Hubs of many edges have neighbours with few.
@@ -77,12 +79,12 @@ std::uint32_t Borders::common_edge(std::uint32_t a, std::uint32_t b) const {
 }
 
 bool Borders::is_end(std::uint32_t vertex, std::uint32_t edge) const {
-  return arrangement_.edges[edge].left == vertex || arrangement_.edges[edge].right == vertex;
+  return edges_[edge].from == vertex || edges_[edge].to == vertex;
 }
 
 double Borders::way_of(std::uint32_t vertex, std::uint32_t edge) const {
-  if (vertex >= arrangement_.sites.size()) return ways_[vertex - arrangement_.sites.size()].way;
-  return arrangement_.edges[edge].left == vertex ? 0.0 : 1.0;
+  if (vertex >= sites_.size()) return ways_[vertex - sites_.size()].way;
+  return left_end(edge) == vertex ? 0.0 : 1.0;
 }
 
 Borders::Piece Borders::piece(std::uint32_t a, std::uint32_t b) const {
@@ -92,8 +94,8 @@ Borders::Piece Borders::piece(std::uint32_t a, std::uint32_t b) const {
 }
 
 exact::Point Borders::place(std::uint32_t edge, double way) const {
-  const exact::Point& left = arrangement_.sites[arrangement_.edges[edge].left];
-  const exact::Point& right = arrangement_.sites[arrangement_.edges[edge].right];
+  const exact::Point& left = sites_[left_end(edge)];
+  const exact::Point& right = sites_[right_end(edge)];
   const double width = right.x - left.x;
   const double height = right.y - left.y;
   if (way <= 0.5) return {std::fma(way, width, left.x), std::fma(way, height, left.y)};
@@ -103,8 +105,7 @@ exact::Point Borders::place(std::uint32_t edge, double way) const {
 void Borders::add_vertex(std::uint32_t edge, double way) { ways_.push_back({edge, way}); }
 
 double Borders::length(std::uint32_t edge) const {
-  return distance(arrangement_.sites[arrangement_.edges[edge].left],
-                  arrangement_.sites[arrangement_.edges[edge].right]);
+  return distance(sites_[left_end(edge)], sites_[right_end(edge)]);
 }
 
 std::size_t Borders::divide(std::uint32_t edge, double longest_side, std::size_t most) {
@@ -154,12 +155,11 @@ double Borders::shell(const Piece& piece) const {
 
 /// Whether `b` lies on the edge that meets an edge of `a` sharply.
 bool Borders::lies_across(std::uint32_t a, std::uint32_t edge, std::uint32_t b) const {
-  const std::uint32_t sites = arrangement_.sites.size();
+  const std::uint32_t sites = sites_.size();
   for (const std::size_t end : {0U, 1U}) {
     const std::uint32_t other = sharp_[2 * std::size_t{edge} + end];
     if (other == kNone) continue;
-    const Edge& ends = arrangement_.edges[edge];
-    const std::uint32_t corner = end == 0 ? ends.left : ends.right;
+    const std::uint32_t corner = end == 0 ? left_end(edge) : right_end(edge);
     if (a == corner || b == corner) continue;
     if (b >= sites ? ways_[b - sites].edge == other : is_end(b, other)) return true;
   }
@@ -167,7 +167,7 @@ bool Borders::lies_across(std::uint32_t a, std::uint32_t edge, std::uint32_t b) 
 }
 
 bool Borders::lie_on_sharp_corner(std::uint32_t a, std::uint32_t b) const {
-  const std::uint32_t sites = arrangement_.sites.size();
+  const std::uint32_t sites = sites_.size();
   if (a >= sites && ways_[a - sites].edge == kNone) return false;
   if (b >= sites && ways_[b - sites].edge == kNone) return false;
   if (a >= sites) return lies_across(a, ways_[a - sites].edge, b);
@@ -189,21 +189,21 @@ Borders::Pieces Borders::pieces() const {
                                           : ways_[a].way < ways_[b].way;
   });
   Pieces result;
-  result.sides.reserve(arrangement_.edges.size() + added.size());
+  result.sides.reserve(edges_.size() + added.size());
   result.edges.reserve(result.sides.capacity());
   auto next = added.begin();
-  for (std::uint32_t e = 0; e < arrangement_.edges.size(); ++e) {
-    const Edge& edge = arrangement_.edges[e];
-    std::uint32_t from = edge.left;
+  for (std::uint32_t e = 0; e < edges_.size(); ++e) {
+    std::uint32_t from = left_end(e);
     const auto go_to = [&](std::uint32_t to) {
-      result.sides.push_back(edge.inside_above ? exact::Side{from, to} : exact::Side{to, from});
+      result.sides.push_back(edges_[e].from == left_end(e) ? exact::Side{from, to}
+                                                           : exact::Side{to, from});
       result.edges.push_back(e);
       from = to;
     };
     for (; next != added.end() && ways_[*next].edge == e; ++next) {
-      go_to(arrangement_.sites.size() + *next);
+      go_to(sites_.size() + *next);
     }
-    go_to(edge.right);
+    go_to(right_end(e));
   }
   return result;
 }

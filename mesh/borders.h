@@ -1,15 +1,17 @@
-// The edges of an arrangement, and the vertices that refinement puts on them.
+// The edges that bound a region, and the vertices that refinement puts on them.
 
 #ifndef KZGIS_MESH_BORDERS_H
 #define KZGIS_MESH_BORDERS_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "exact/predicates.h"
 #include "exact/tiling.h"
-#include "mesh/arrangement.h"
+#include "mesh/sites.h"
 #include "mesh/triangulation.h"
 
 namespace kzgis::mesh {
@@ -20,11 +22,12 @@ namespace kzgis::mesh {
 /// 1.  Its place follows from the ends of the whole edge, never from other vertices: so rounding
 /// does not add up, and who cuts the same edge at the same ways elsewhere finds the same places.
 ///
-/// Vertices are the sites of the arrangement, and then those that were added.
+/// Vertices are the sites, and then those that were added.
 class Borders {
  public:
-  /// @param triangles  of the inside of the arrangement, over its sites
-  Borders(const Arrangement& arrangement, const Triangulation& triangles);
+  /// @param edges      sides of a region, between sites, and numbered in this order
+  /// @param triangles  of the region, over its sites
+  Borders(const Sites& sites, std::span<const exact::Side> edges, const Triangulation& triangles);
 
   /// A part of an edge between two of its vertices that are neighbours; begin < end.
   struct Piece {
@@ -81,11 +84,18 @@ class Borders {
   std::uint32_t common_edge(std::uint32_t a, std::uint32_t b) const;
   double way_of(std::uint32_t vertex, std::uint32_t edge) const;
   bool is_end(std::uint32_t vertex, std::uint32_t edge) const;
+  std::uint32_t left_end(std::uint32_t edge) const {
+    return std::min(edges_[edge].from, edges_[edge].to);
+  }
+  std::uint32_t right_end(std::uint32_t edge) const {
+    return std::max(edges_[edge].from, edges_[edge].to);
+  }
   double length(std::uint32_t edge) const;
   void find_sharp_corners(const Triangulation& triangles);
   bool lies_across(std::uint32_t a, std::uint32_t edge, std::uint32_t b) const;
 
-  const Arrangement& arrangement_;
+  const Sites& sites_;
+  std::span<const exact::Side> edges_;
   std::vector<std::uint32_t> first_;     // of each site, where its edges are listed
   std::vector<std::uint32_t> incident_;  // edges by site
   // The edge that meets edge e sharply in its left end, at 2 e, and in its right, at 2 e + 1.

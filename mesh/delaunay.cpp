@@ -53,22 +53,20 @@ bool flip_all(std::span<const exact::Point> points, Triangulation& triangles, st
   return true;
 }
 
-/// Triangles from scratch: all sites with edges are triangulated, the edges forced in, and the
+/// Triangles from scratch: all points with sides are triangulated, the sides forced in, and the
 /// triangles of the inside taken.
-std::vector<std::uint32_t> triangulate_from_scratch(const Arrangement& arrangement) {
-  std::vector<char> has_edge(arrangement.sites.size(), 0);
-  for (const Edge& edge : arrangement.edges) has_edge[edge.left] = has_edge[edge.right] = 1;
+std::vector<std::uint32_t> triangulate_from_scratch(std::span<const exact::Point> points,
+                                                    std::span<const exact::Side> sides) {
+  std::vector<char> has_side(points.size(), 0);
+  for (const exact::Side& side : sides) has_side[side.from] = has_side[side.to] = 1;
   std::vector<std::uint32_t> numbers;
-  for (std::uint32_t site = 0; site < has_edge.size(); ++site) {
-    if (has_edge[site] != 0) numbers.push_back(site);
+  for (std::uint32_t point = 0; point < has_side.size(); ++point) {
+    if (has_side[point] != 0) numbers.push_back(point);
   }
-  Net net(arrangement.sites.points(), numbers);
+  Net net(points, numbers);
   std::vector<std::uint32_t> bounds;  // arcs with the inside on their left
-  bounds.reserve(arrangement.edges.size());
-  for (const Edge& edge : arrangement.edges) {
-    bounds.push_back(edge.inside_above ? net.force(edge.left, edge.right)
-                                       : net.force(edge.right, edge.left));
-  }
+  bounds.reserve(sides.size());
+  for (const exact::Side& side : sides) bounds.push_back(net.force(side.from, side.to));
   // From the bounds inwards, every triangle once.
   enum : char { unseen, bound, taken };
   std::vector<char> arcs(net.size(), unseen);
@@ -91,15 +89,15 @@ std::vector<std::uint32_t> triangulate_from_scratch(const Arrangement& arrangeme
 
 }  // namespace
 
-std::vector<std::uint32_t> make_delaunay(const Arrangement& arrangement,
+std::vector<std::uint32_t> make_delaunay(std::span<const exact::Point> points,
+                                         std::span<const exact::Side> sides,
                                          std::vector<std::uint32_t> triangles) {
   constexpr std::size_t kFlipsPerTriangle = 8;
-  const std::span<const exact::Point> points = arrangement.sites.points();
   const std::size_t most = kFlipsPerTriangle * triangles.size() / 3 + 1000;
   Triangulation flipped(std::move(triangles));
   if (!flip_all(points, flipped, most)) {
     // What is left to flip are diagonals of vertices on one circle.
-    flipped = Triangulation(triangulate_from_scratch(arrangement));
+    flipped = Triangulation(triangulate_from_scratch(points, sides));
     flip_all(points, flipped, std::numeric_limits<std::size_t>::max());
   }
   return flipped.release();

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "exact/predicates.h"
-#include "mesh/arrangement.h"
+#include "exact/tiling.h"
 #include "mesh/triangulation.h"
 
 namespace kzgis::mesh {
@@ -36,15 +36,17 @@ std::size_t restore_delaunay(std::span<const exact::Point> points, Triangulation
                              std::vector<std::uint32_t>& questioned,
                              std::size_t most = std::numeric_limits<std::size_t>::max());
 
-/// Makes triangles of the inside of an arrangement Delaunay; O(n log n), but for what it takes to
-/// force edges in.
+/// Makes triangles of a region Delaunay; O(n log n), but for what it takes to force sides in.
 ///
 /// Flipping gets from any triangulation of real outlines to this one in two flips a triangle or so.
 /// Where it takes many, as along smooth curves, whose triangles from the sweep are all wrong, the
-/// inside is triangulated from scratch: all sites first, then the edges forced in.
+/// region is triangulated from scratch: all points first, then the sides forced in.
 ///
-/// @param triangles  three sites each, proved or not
-std::vector<std::uint32_t> make_delaunay(const Arrangement& arrangement,
+/// @param points     ordered as sites
+/// @param sides      of the region, which meet in points only
+/// @param triangles  three points each, proved or not
+std::vector<std::uint32_t> make_delaunay(std::span<const exact::Point> points,
+                                         std::span<const exact::Side> sides,
                                          std::vector<std::uint32_t> triangles);
 
 }  // namespace kzgis::mesh

@@ -3,6 +3,7 @@
 
 #include "kzgis/mesh.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -48,13 +49,12 @@ std::size_t count_triangles(const std::vector<mesh::Face>& faces) {
 }
 
 /// Triangles of the inside, three sites each, unless there are too many.
-std::optional<std::vector<std::uint32_t>> cut(const Arrangement& arrangement, bool delaunay,
-                                              std::size_t most) {
+std::optional<std::vector<std::uint32_t>> cut(const Arrangement& arrangement, std::size_t most) {
   const std::vector<mesh::Face> faces = mesh::take_faces(arrangement);
   if (count_triangles(faces) > most) return std::nullopt;
   std::vector<std::uint32_t> triangles;
   for (const mesh::Face& face : faces) mesh::sweep_face(arrangement.sites, face, triangles);
-  return delaunay ? mesh::make_delaunay(arrangement, std::move(triangles)) : std::move(triangles);
+  return triangles;
 }
 
 Flaw unproved() {
@@ -102,63 +102,67 @@ bool is_refining(const MeshOptions& options) {
   return std::isfinite(options.longest_side) || options.least_angle_deg > 0.0;
 }
 
-Result<Mesh, Flaw> make_refined(const Rings& rings, const Arrangement& arrangement,
+Result<Mesh, Flaw> make_refined(const Rings& rings, const mesh::Sites& sites,
+                                std::span<const exact::Side> sides,
                                 std::vector<std::uint32_t> triangles, const MeshOptions& options) {
   Result<mesh::Refined, Flaw> refined =
-      mesh::refine(rings, arrangement, std::move(triangles), options);
+      mesh::refine(rings, sites, sides, std::move(triangles), options);
   if (!refined) return std::move(refined).error();
-  if (const auto edge = mesh::find_tangled_edge(arrangement, *refined)) {
-    return mesh::coarse_flaw(rings, arrangement.sites[arrangement.edges[*edge].left]);
+  if (const auto edge = mesh::find_tangled_edge(sites, *refined)) {
+    return mesh::coarse_flaw(rings, sites[std::min(sides[*edge].from, sides[*edge].to)]);
   }
-  if (!mesh::proved_refined(arrangement, refined->points, refined->borders.sides,
-                            refined->triangles)) {
+  if (!exact::tiles(refined->points, refined->borders.sides, refined->triangles,
+                    exact::Flat::refused, exact::Inner::delaunay)) {
     return unproved();
   }
-  Mesh result =
-      mesh_of(rings, arrangement.sites, std::move(refined->triangles),
-              std::span<const exact::Point>(refined->points).subspan(arrangement.sites.size()));
+  Mesh result = mesh_of(rings, sites, std::move(refined->triangles),
+                        std::span<const exact::Point>(refined->points).subspan(sites.size()));
   result.small_corners = refined->small_corners;
   return result;
 }
 
-Result<Mesh, Flaw> make_mesh_of(const Rings& rings, const Result<Arrangement, Flaw>& arranged,
-                                const MeshOptions& options) {
-  if (!arranged) return arranged.error();
+/// Makes triangles what the options ask for, and proves them.
+///
+/// @param sides      of the polygon, with the inside on their left: they meet in sites only
+/// @param triangles  that tile it
+Result<Mesh, Flaw> finish(const Rings& rings, const mesh::Sites& sites,
+                          std::span<const exact::Side> sides, std::vector<std::uint32_t> triangles,
+                          const MeshOptions& options) {
   const bool refining = is_refining(options);
-  std::optional<std::vector<std::uint32_t>> triangles =
-      cut(*arranged, options.delaunay || refining, options.most_triangles);
-  if (!triangles) return mesh::too_many_triangles(options.most_triangles);
-  if (refining) return make_refined(rings, *arranged, std::move(*triangles), options);
-  if (!mesh::proved(*arranged, *triangles,
+  if (options.delaunay || refining) {
+    triangles = mesh::make_delaunay(sites.points(), sides, std::move(triangles));
+  }
+  if (refining) return make_refined(rings, sites, sides, std::move(triangles), options);
+  if (!exact::tiles(sites.points(), sides, triangles, exact::Flat::refused,
                     options.delaunay ? exact::Inner::delaunay : exact::Inner::any)) {
     return unproved();
   }
-  return mesh_of(rings, arranged->sites, std::move(*triangles), {});
+  return mesh_of(rings, sites, std::move(triangles), {});
 }
 
 /// Cuts a polygon into triangles, over sites until the last step: in sites, places are the same
 /// when their numbers are, which is what the proof counts by.
 Result<Mesh, Flaw> make_mesh(const Rings& rings, const MeshOptions& options) {
   if (auto flaw = mesh::check_options(options)) return std::move(*flaw);
-  if (options.split_crossings) {
-    return make_mesh_of(rings, mesh::split(rings, options.most_triangles), options);
-  }
   if (auto flaw = mesh::check_rings(rings)) return std::move(*flaw);
   mesh::Sites sites(rings);
-  if (!options.delaunay && !is_refining(options)) {
-    if (std::optional<mesh::CutRings> apart = mesh::cut_apart(rings, sites)) {
-      if (apart->triangles.size() / 3 > options.most_triangles) {
-        return mesh::too_many_triangles(options.most_triangles);
-      }
-      // The sides are those of the rings, uncut, and no two have a point in common but their ends:
-      // none cancel, and there is nothing to be compared with them.
-      if (!exact::tiles(sites.points(), apart->sides, apart->triangles, exact::Flat::refused)) {
-        return unproved();
-      }
-      return mesh_of(rings, sites, std::move(apart->triangles), {});
+  if (std::optional<mesh::CutRings> apart = mesh::cut_apart(rings, sites)) {
+    if (apart->triangles.size() / 3 > options.most_triangles) {
+      return mesh::too_many_triangles(options.most_triangles);
     }
+    // The sides are those of the rings, uncut, and no two have a point in common but their ends:
+    // none cancel, and there is nothing to be compared with them.
+    return finish(rings, sites, apart->sides, std::move(apart->triangles), options);
   }
-  return make_mesh_of(rings, mesh::arrange(rings, std::move(sites)), options);
+  const Result<Arrangement, Flaw> arranged =
+      options.split_crossings ? mesh::split(rings, std::move(sites),
+                                            std::min(options.most_crossings, options.most_triangles))
+                              : mesh::arrange(rings, std::move(sites));
+  if (!arranged) return arranged.error();
+  std::optional<std::vector<std::uint32_t>> triangles = cut(*arranged, options.most_triangles);
+  if (!triangles) return mesh::too_many_triangles(options.most_triangles);
+  if (!mesh::same_modulo_2(arranged->sites, arranged->sides, arranged->edges)) return unproved();
+  return finish(rings, arranged->sites, mesh::bounds_of(*arranged), std::move(*triangles), options);
 }
 
 /// Parents and depths as the caller knows them.
@@ -224,14 +228,15 @@ std::vector<Flaw> find_flaws(const Rings& rings, std::size_t most) {
   return flaws;
 }
 
-Result<Outline, Flaw> make_valid(const Rings& rings) {
+Result<Outline, Flaw> make_valid(const Rings& rings, std::size_t most_crossings) {
   try {
     if (auto flaw = mesh::check_rings(rings)) return std::move(*flaw);
-    if (const auto parents = mesh::parents_apart(rings)) {
-      const Nesting nesting = nesting_of(*parents, [](std::uint32_t) { return true; });
-      return mesh::boundary_of(rings, nesting.depth);
+    if (const auto apart = mesh::parents_apart(rings)) {
+      const Nesting nesting = nesting_of(apart->parents, [](std::uint32_t) { return true; });
+      return mesh::boundary_of(apart->cleaned ? apart->cleaned->rings() : rings, nesting.depth);
     }
-    const Result<Arrangement, Flaw> arranged = mesh::split(rings, mesh::kMostVertices);
+    const Result<Arrangement, Flaw> arranged =
+        mesh::split(rings, mesh::Sites(rings), most_crossings);
     if (!arranged) return arranged.error();
     if (!mesh::same_modulo_2(arranged->sites, arranged->sides, arranged->edges)) {
       return mesh::make_flaw(ErrorKind::unproved,
@@ -248,8 +253,8 @@ Result<Outline, Flaw> make_valid(const Rings& rings) {
 Result<Nesting, Flaw> nest(const Rings& rings) {
   try {
     if (auto flaw = mesh::check_rings(rings)) return std::move(*flaw);
-    if (const auto parents = mesh::parents_apart(rings)) {
-      return nesting_of(*parents, [](std::uint32_t) { return true; });
+    if (const auto apart = mesh::parents_apart(rings)) {
+      return nesting_of(apart->parents, [](std::uint32_t) { return true; });
     }
     const Result<Arrangement, Flaw> arranged = mesh::arrange(rings);
     if (!arranged) return arranged.error();

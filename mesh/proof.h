@@ -1,12 +1,18 @@
-// The proof that triangles tile a polygon.
+// The half of the proof that triangles tile a polygon which goes back to the polygon's sides.
+//
+// Two proofs together: the triangles tile what the edges bound, none of them flat (`exact::tiles`),
+// and the edges cover the same points as the sides do, modulo 2.  The first covers the whole mesh
+// at once, so that no face can be missing; the second goes back to the sides that the caller gave,
+// so that no edge can.  It follows that a point off the sides lies in an odd number of triangles if
+// it is inside by the odd-even rule, in an even number if it is not, and that these numbers are one
+// and none as long as the sweep was right about which hand of each edge the inside lies on: that
+// alone is taken on its word.
 
 #ifndef KZGIS_MESH_PROOF_H
 #define KZGIS_MESH_PROOF_H
 
-#include <cstdint>
 #include <span>
 
-#include "exact/tiling.h"
 #include "mesh/arrangement.h"
 #include "mesh/rings.h"
 #include "mesh/sites.h"
@@ -20,28 +26,6 @@ namespace kzgis::mesh {
 /// Nothing is asked of how the edges were found, nor where sides were cut: `exact::cancel` looks
 /// at sides and edges together, line by line through every site.
 bool same_modulo_2(const Sites& sites, std::span<const Side> sides, std::span<const Edge> edges);
-
-/// Whether the triangles, three sites each, tile what is inside the rings of an arrangement.
-///
-/// Two proofs together: the triangles tile what the edges bound, none of them flat
-/// (`exact::tiles`), and the edges cover the same points as the sides do, modulo 2.  The first
-/// covers the whole mesh at once, so that no face can be missing; the second goes back to the
-/// sides that the caller gave, so that no edge can.  It follows that a point off the sides lies
-/// in an odd number of triangles if it is inside by the odd-even rule, in an even number if it is
-/// not, and that these numbers are one and none as long as the sweep was right about which hand
-/// of each edge the inside lies on: that alone is taken on its word.
-///
-/// @param inner  what is to be shown of the edges between triangles besides
-bool proved(const Arrangement& arrangement, std::span<const std::uint32_t> triangles,
-            exact::Inner inner = exact::Inner::any);
-
-/// The same of triangles with new vertices, constrained Delaunay ones, for what the edges have
-/// become with those vertices on them.
-///
-/// @param points  of the triangles: the sites, and behind them the new vertices
-/// @param cut     each edge of the arrangement, replaced by a way over new vertices
-bool proved_refined(const Arrangement& arrangement, std::span<const exact::Point> points,
-                    std::span<const exact::Side> cut, std::span<const std::uint32_t> triangles);
 
 }  // namespace kzgis::mesh
 

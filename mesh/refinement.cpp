@@ -17,6 +17,7 @@
 #include <utility>
 #include <vector>
 
+#include "mesh/arrangement.h"
 #include "mesh/delaunay.h"
 #include "mesh/rings.h"
 #include "mesh/triangulation.h"
@@ -75,13 +76,13 @@ class Queue {
 
 class Refiner {
  public:
-  Refiner(const Rings& rings, const Arrangement& arrangement, std::vector<std::uint32_t> triangles,
-          const MeshOptions& options)
+  Refiner(const Rings& rings, const Sites& sites, std::span<const exact::Side> edges,
+          std::vector<std::uint32_t> triangles, const MeshOptions& options)
       : rings_(rings),
-        arrangement_(arrangement),
-        points_(arrangement.sites.points().begin(), arrangement.sites.points().end()),
+        edges_(static_cast<std::uint32_t>(edges.size())),
+        points_(sites.points().begin(), sites.points().end()),
         triangles_(std::move(triangles)),
-        borders_(arrangement, triangles_),
+        borders_(sites, edges, triangles_),
         longest_side_(options.longest_side),
         // A power of two, so that lengths of the order of the longest side can be squared.
         scale_(std::ldexp(1.0, std::min(1000, -std::ilogb(std::min(longest_side_, 0x1p+500))))),
@@ -136,7 +137,7 @@ class Refiner {
   /// one with the longest side.
   std::optional<Flaw> divide_edges() {
     std::size_t triangles = triangles_.size() / 3;
-    for (std::uint32_t e = 0; e < arrangement_.edges.size(); ++e) {
+    for (std::uint32_t e = 0; e < edges_; ++e) {
       triangles += borders_.divide(e, longest_side_, most_) - 1;
       if (triangles > most_) return too_many_triangles(given_most_);
     }
@@ -421,7 +422,7 @@ class Refiner {
   }
 
   const Rings& rings_;
-  const Arrangement& arrangement_;
+  std::uint32_t edges_;  // how many there are
   std::vector<exact::Point> points_;
   Triangulation triangles_;
   Borders borders_;
@@ -453,33 +454,33 @@ Flaw too_many_triangles(std::size_t most) {
                    "the mesh needs more than " + std::to_string(most) + " triangles");
 }
 
-Result<Refined, Flaw> refine(const Rings& rings, const Arrangement& arrangement,
+Result<Refined, Flaw> refine(const Rings& rings, const Sites& sites,
+                             std::span<const exact::Side> edges,
                              std::vector<std::uint32_t> triangles, const MeshOptions& options) {
-  return Refiner(rings, arrangement, std::move(triangles), options).run();
+  return Refiner(rings, sites, edges, std::move(triangles), options).run();
 }
 
-std::optional<std::uint32_t> find_tangled_edge(const Arrangement& arrangement,
-                                               const Refined& refined) {
+std::optional<std::uint32_t> find_tangled_edge(const Sites& sites, const Refined& refined) {
   const auto [sides, edges] = refined.borders;
   std::vector<exact::Point> added;
   for (const exact::Side& side : sides) {
     for (const std::uint32_t end : {side.from, side.to}) {
-      if (end >= arrangement.sites.size()) added.push_back(refined.points[end]);
+      if (end >= sites.size()) added.push_back(refined.points[end]);
     }
   }
-  Sites sites(arrangement.sites, std::move(added), 0);
+  Sites all(sites, std::move(added), 0);
   std::vector<Side> swept;
   swept.reserve(sides.size());
   std::vector<std::pair<Edge, std::uint32_t>> expected;
   for (std::size_t i = 0; i < sides.size(); ++i) {
-    const std::uint32_t from = sites.at(refined.points[sides[i].from]);
-    const std::uint32_t to = sites.at(refined.points[sides[i].to]);
+    const std::uint32_t from = all.at(refined.points[sides[i].from]);
+    const std::uint32_t to = all.at(refined.points[sides[i].to]);
     if (from == to) return edges[i];
     const Edge edge{std::min(from, to), std::max(from, to), from < to};
     swept.push_back({edge.left, edge.right, 0, 0});
     expected.push_back({edge, edges[i]});
   }
-  Overlay overlaid = overlay(std::move(sites), std::move(swept), 0);
+  Overlay overlaid = overlay(std::move(all), std::move(swept), 0);
   if (!overlaid.crossings.empty()) return edges[overlaid.crossings.front().side];
   // Without crossings, pieces that touch one another would be cut or cancel.
   const auto key = [](const Edge& e) { return std::tuple(e.left, e.right, e.inside_above); };

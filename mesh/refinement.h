@@ -6,21 +6,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "exact/predicates.h"
+#include "exact/tiling.h"
 #include "kzgis/mesh.h"
 #include "kzgis/result.h"
-#include "mesh/arrangement.h"
 #include "mesh/borders.h"
+#include "mesh/sites.h"
 
 namespace kzgis::mesh {
 
 /// A constrained Delaunay mesh with new vertices.
 struct Refined {
-  std::vector<exact::Point> points;      ///< the sites of the arrangement, then the new vertices
+  std::vector<exact::Point> points;      ///< the sites, then the new vertices
   std::vector<std::uint32_t> triangles;  ///< three points each
-  Borders::Pieces borders;               ///< what the edges of the arrangement were cut into
+  Borders::Pieces borders;               ///< what the edges were cut into
   std::size_t small_corners = 0;
 };
 
@@ -33,7 +35,7 @@ Flaw too_many_triangles(std::size_t most);
 /// Refines triangles until no side is longer than `longest_side`, and no angle smaller than
 /// `least_angle_deg` but for those that the polygon's own corners bring with them.
 ///
-/// Long sides go first, the longest in front.  Edges of the arrangement are cut into equal parts;
+/// Long sides go first, the longest in front.  Edges are cut into equal parts;
 /// then, from a triangle with a long side, a walk leads from longest side to longest side until one
 /// is the longest of both its triangles, and its middle becomes a vertex: M.-C. Rivara, "New
 /// longest-edge algorithms for the refinement and/or improvement of unstructured triangulations",
@@ -56,16 +58,17 @@ Flaw too_many_triangles(std::size_t most);
 /// Vertices are rounded to doubles.  One that would turn a triangle over or make it flat is not
 /// put: then the polygon is refused, since what was asked for cannot be had.
 ///
+/// @param edges      that bound the inside, which they have on their left; between sites
 /// @param triangles  constrained Delaunay triangles of the inside, three sites each
-Result<Refined, Flaw> refine(const Rings& rings, const Arrangement& arrangement,
+Result<Refined, Flaw> refine(const Rings& rings, const Sites& sites,
+                             std::span<const exact::Side> edges,
                              std::vector<std::uint32_t> triangles, const MeshOptions& options);
 
 /// An edge that touches or crosses another one since both were cut; nothing if none does.
 ///
 /// The cut edges are swept like sides of any polygon.  What is shown besides is that the inside
 /// lies on the same hand of all pieces as it did of the edges.
-std::optional<std::uint32_t> find_tangled_edge(const Arrangement& arrangement,
-                                               const Refined& refined);
+std::optional<std::uint32_t> find_tangled_edge(const Sites& sites, const Refined& refined);
 
 /// The refusal of a polygon that cannot be refined near a point; it names the vertex closest by.
 Flaw coarse_flaw(const Rings& rings, const exact::Point& point);

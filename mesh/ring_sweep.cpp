@@ -78,19 +78,21 @@ class RingSweep {
     std::size_t linked = 0;
     for (std::size_t ring = 0; ring < rings.starts.size(); ++ring) {
       const auto begin = static_cast<std::size_t>(rings.starts[ring]);
-      std::size_t end = end_of_ring(rings, ring);
-      if (end - begin > 1 && sites_.of(begin) == sites_.of(end - 1)) --end;
+      const std::size_t end = end_of_ring(rings, ring);
       if (end - begin < 3) return false;
       std::uint32_t before = sites_.of(end - 1);
+      std::size_t linked_before = linked;
       for (std::size_t i = begin; i < end; ++i) {
         const std::uint32_t site = sites_.of(i);
+        if (site == before) continue;
         corners_[before].after = site;
         corners_[site].before = before;
         before = site;
+        ++linked;
       }
-      linked += end - begin;
+      if (linked - linked_before < 3) return false;
     }
-    // With more vertices than sites, some have come together.
+    // With more corners than sites, some have come together.
     return linked == sites_.size();
   }
 
@@ -133,14 +135,14 @@ class RingSweep {
       std::swap(lower_side, upper_side);
       std::swap(lower, upper);
     }
-    const LineOrder::Place place = find(site);
-    const std::uint32_t above = status_.behind(place);
-    const std::uint32_t below = status_.before(place);
+    const std::uint32_t below = status_.last(
+        [this, site](std::uint32_t i) { return side_of(sites_, intervals_[i].lower, site) > 0; });
+    const std::uint32_t above = below != kNone ? intervals_[below].above : status_.first();
     if (above != kNone && side_of(sites_, intervals_[above].lower, site) == 0) return false;
     const int seen = below != kNone ? side_of(sites_, intervals_[below].upper, site) : 1;
     if (seen == 0) return false;
     const std::uint32_t number = new_interval();
-    status_.insert(place, number);
+    status_.insert_behind(below, number);
     if (seen > 0) {
       bound(lower_side, number, true);
       bound(upper_side, number, false);
@@ -169,7 +171,7 @@ class RingSweep {
     if (below == above) {
       chains_.close(intervals_[below].chain, site);
       above = intervals_[below].above;
-      take_out(site, below);
+      take_out(below);
       return above == kNone || apart_from_below(above);
     }
     if (corners_[one].above) std::swap(below, above);
@@ -178,19 +180,13 @@ class RingSweep {
     rest.upper = intervals_[above].upper;
     rest.upper_side = intervals_[above].upper_side;
     bound(rest.upper_side, below, false);
-    take_out(site, above);
+    take_out(above);
     return stay_apart(rest.lower, rest.upper);
   }
 
-  /// The place behind the intervals whose lower sides run below a site.
-  LineOrder::Place find(std::uint32_t site) const {
-    return status_.find(
-        [this, site](std::uint32_t i) { return side_of(sites_, intervals_[i].lower, site) > 0; });
-  }
-
-  /// Takes an interval off the line whose lower side ends at a site.
-  void take_out(std::uint32_t site, std::uint32_t number) {
-    status_.erase(find(site));
+  /// Takes an interval off the line.
+  void take_out(std::uint32_t number) {
+    status_.erase(number);
     free_.push_back(number);
     const auto [below, above] = std::pair(intervals_[number].below, intervals_[number].above);
     if (below != kNone) intervals_[below].above = above;

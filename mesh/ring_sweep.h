@@ -20,9 +20,9 @@ struct CutRings {
 };
 
 /// Cuts up what is inside rings of which none touches or crosses itself or another; nothing if one
-/// does, or repeats a vertex, or has fewer than three: `arrange` knows what that means.
+/// does, or has fewer than three different vertices: `arrange` knows what that means.
 ///
-/// A ring that ends with its first vertex once more is taken without it.  O(n log n).
+/// A vertex that repeats the one before it, or the first one at the end, is none.  O(n log n).
 ///
 /// @param sites  of the rings, which have no flaw of `check_rings`
 std::optional<CutRings> cut_apart(const Rings& rings, const Sites& sites);

@@ -79,6 +79,8 @@ class Cutter {
   /// over the other's end: a new vertex would come to lie a hair beside both ends, and so on, and
   /// if both were led they would cross again.
   bool cut_at_vertices(std::uint32_t edge, std::uint32_t other) {
+    // An end that is on the other edge has cut that edge before.
+    if (snap_ == 0.0) return false;
     const std::size_t before = cuts_.size();
     for (const bool beside : {false, true}) {
       for (const auto& [cut, through] : {std::pair{edge, other}, std::pair{other, edge}}) {
@@ -138,11 +140,9 @@ std::vector<Side> pieces_of(const Overlay& overlay, const std::vector<Cut>& cuts
 
 }  // namespace
 
-Result<Arrangement, Flaw> split(const Rings& rings, std::size_t most) {
-  if (auto flaw = check_rings(rings)) return std::move(*flaw);
+Result<Arrangement, Flaw> split(const Rings& rings, Sites sites, std::size_t most) {
   // All numbers are to fit 32 bits, as those of the rings do.
   most = std::min(most, kMostVertices - rings.x.size());
-  Sites sites(rings);
   std::vector<Side> sides = take_sides(rings, sites);
   const std::uint32_t own = sites.size();
   const double unit = last_place(sites);

@@ -31,9 +31,11 @@ namespace kzgis::mesh {
 /// Rounding to a grid (J. D. Hobby, "Practical segment intersection with finite precision output",
 /// Computational Geometry 13 (1999)) would need one round, but move the vertices of the rings.
 ///
-/// @param most  crossings, vertices or triangles that are bearable
-/// @return the arrangement without containment; `check_rings` says what is refused
-Result<Arrangement, Flaw> split(const Rings& rings, std::size_t most);
+/// @param rings  without a flaw of `check_rings`
+/// @param sites  of the rings
+/// @param most   crossings that are bearable
+/// @return the arrangement without containment
+Result<Arrangement, Flaw> split(const Rings& rings, Sites sites, std::size_t most);
 
 }  // namespace kzgis::mesh
 

@@ -4,27 +4,36 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <numeric>
 #include <utility>
 
 namespace kzgis::mesh {
 
 Triangulation::Triangulation(std::vector<std::uint32_t> corners)
     : corners_(std::move(corners)), twins_(corners_.size(), kNone) {
-  // Half-edges stand in one list for each of their lower ends, and wait there for their twins: the
-  // lists are short, and nothing is sorted.
+  // Half-edges come together by their lower ends, and by their higher ends among those of one: most
+  // points have but a few, and hubs of many are sorted.
   std::uint32_t points = 0;
   for (const std::uint32_t corner : corners_) points = std::max(points, corner + 1);
-  std::vector<std::uint32_t> first(points, kNone);
-  std::vector<std::uint32_t> waiting(corners_.size(), kNone);
+  std::vector<std::uint32_t> ends(std::size_t{points} + 1);
+  for (std::uint32_t h = 0; h < size(); ++h) ++ends[std::min(from(h), to(h)) + 1];
+  std::partial_sum(ends.begin(), ends.end(), ends.begin());
+  struct Entry {
+    std::uint32_t high, half_edge;
+  };
+  std::vector<Entry> entries(corners_.size());
   for (std::uint32_t h = 0; h < size(); ++h) {
-    std::uint32_t* link = &first[std::min(from(h), to(h))];
-    while (*link != kNone && (from(*link) != to(h) || to(*link) != from(h))) link = &waiting[*link];
-    if (*link == kNone) {
-      *link = h;
-    } else {
-      join(h, *link);
-      *link = waiting[*link];
+    entries[ends[std::min(from(h), to(h))]++] = {std::max(from(h), to(h)), h};
+  }
+  // Each run has moved its beginning to its end, where the next one begins.
+  auto begin = entries.begin();
+  for (std::uint32_t low = 0; low < points; ++low) {
+    const auto end = entries.begin() + ends[low];
+    std::sort(begin, end, [](const Entry& a, const Entry& b) { return a.high < b.high; });
+    for (auto entry = begin; end - entry >= 2; ++entry) {
+      if (entry->high == (entry + 1)->high) join(entry->half_edge, (entry + 1)->half_edge);
     }
+    begin = end;
   }
 }
 

@@ -44,6 +44,10 @@ struct Flaw : Error {
   std::int32_t vertex = -1;
 };
 
+/// How many places sides may cross in, if nothing else is asked for.  So many take a few seconds
+/// and a quarter of a gigabyte; a ring of 2,500 random vertices has about as many.
+inline constexpr std::size_t kMostCrossings = 1'000'000;
+
 /// What is asked of a mesh.
 struct MeshOptions {
   /// Constrained Delaunay triangles, the fattest there are without new vertices: of any edge
@@ -80,6 +84,9 @@ struct MeshOptions {
   /// What would need more new vertices, or give more triangles, is refused before the memory is
   /// taken.
   std::size_t most_triangles = 100'000'000;
+
+  /// With `split_crossings`, what crosses in more places is refused as soon as so many are found.
+  std::size_t most_crossings = kMostCrossings;
 };
 
 /// Triangles that tile a polygon.
@@ -149,9 +156,11 @@ KZGIS_EXPORT std::vector<Flaw> find_flaws(const Rings& rings, std::size_t most =
 /// is gone: spikes, repeated vertices, pieces that two rings share, rings that repeat one another.
 /// Vertices on straight runs stay.
 ///
+/// @param most_crossings  what crosses in more places is refused, as soon as so many are found
 /// @return what `nest` and `triangulate` accept; no ring for a polygon without an inside.  Refused
 ///         is what `triangulate` refuses with `split_crossings`
-KZGIS_EXPORT Result<Outline, Flaw> make_valid(const Rings& rings);
+KZGIS_EXPORT Result<Outline, Flaw> make_valid(const Rings& rings,
+                                              std::size_t most_crossings = kMostCrossings);
 
 /// Finds the true containment of the rings, touching ones included; refuses what
 /// `triangulate` refuses.

@@ -119,6 +119,35 @@ TEST(MakeValid, RefusesWhatIsNoNumber) {
   EXPECT_EQ(refused.error().vertex, 2);
 }
 
+TEST(MakeValid, TakesAsManyCrossingsAsItMayAndNoMore) {
+  // Three teeth across three others, with two sides each.
+  std::vector<Ring> given;
+  for (int i = 0; i < 3; ++i) {
+    const double at = 2 * i;
+    given.push_back({{at, -1}, {at + 1, -1}, {at + 1, 6}, {at, 6}});
+    given.push_back({{-1, at}, {6, at}, {6, at + 1}, {-1, at + 1}});
+  }
+  const kzgis::Outline outline = laid_out(given);
+  EXPECT_TRUE(kzgis::make_valid(outline.rings(), 36));
+  const auto refused = kzgis::make_valid(outline.rings(), 35);
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().kind, kzgis::ErrorKind::bad_argument);
+  EXPECT_EQ(refused.error().message, "the sides cross in more than 35 places");
+}
+
+// A hundred million crossings, of which a hundredth is enough to know.
+TEST(MakeValid, RefusesATangleEarly) {
+  std::mt19937_64 random(kSeed);
+  Ring ring;
+  for (int i = 0; i < 25000; ++i) {
+    ring.emplace_back(static_cast<double>(random() % 1000003), static_cast<double>(random() % 1000003));
+  }
+  const kzgis::Outline outline = laid_out({ring});
+  const auto refused = kzgis::make_valid(outline.rings(), 1000);
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().message, "the sides cross in more than 1000 places");
+}
+
 // Upright and level sides cross in whole places only, and whether a cell between them belongs to
 // the region is counted in the rings.
 TEST(MakeValidProperty, RectangularTanglesCellByCell) {

@@ -122,6 +122,13 @@ class Proof : public testing::Test {
     return triangles;
   }
 
+  bool proved(const std::vector<std::uint32_t>& triangles) const {
+    return kzgis::exact::tiles(arrangement_->sites.points(), kzgis::mesh::bounds_of(*arrangement_),
+                               triangles, kzgis::exact::Flat::refused) &&
+           kzgis::mesh::same_modulo_2(arrangement_->sites, arrangement_->sides,
+                                      arrangement_->edges);
+  }
+
   std::optional<kzgis::mesh::Arrangement> arrangement_;
   std::vector<kzgis::mesh::Face> faces_;
 
@@ -137,14 +144,14 @@ class Proof : public testing::Test {
 
 TEST_F(Proof, HoldsOfAllFacesTogether) {
   ASSERT_EQ(faces_.size(), static_cast<std::size_t>(kSquares));
-  EXPECT_TRUE(kzgis::mesh::proved(*arrangement_, triangles_of(faces_)));
+  EXPECT_TRUE(proved(triangles_of(faces_)));
 }
 
 TEST_F(Proof, DoesNotHoldWithoutOneOfTheFaces) {
   for (std::size_t missing = 0; missing < faces_.size(); ++missing) {
     std::vector<kzgis::mesh::Face> rest = faces_;
     rest.erase(rest.begin() + static_cast<std::ptrdiff_t>(missing));
-    EXPECT_FALSE(kzgis::mesh::proved(*arrangement_, triangles_of(rest))) << missing;
+    EXPECT_FALSE(proved(triangles_of(rest))) << missing;
   }
 }
 
@@ -157,22 +164,22 @@ TEST_F(Proof, DoesNotHoldWithoutAFaceAndItsEdges) {
     return sites[e.right].x <= 9.0 && sites[e.right].y <= 9.0;
   });
   ASSERT_EQ(arrangement_->edges.size(), 4U * kSquares);  // four are gone
-  EXPECT_FALSE(kzgis::mesh::proved(*arrangement_, triangles_of(rest)));
+  EXPECT_FALSE(proved(triangles_of(rest)));
 }
 
 TEST_F(Proof, DoesNotHoldWithAHoleForgotten) {
   std::vector<kzgis::mesh::Face> filled = faces_;
   filled.back().resize(1);
-  EXPECT_FALSE(kzgis::mesh::proved(*arrangement_, triangles_of(filled)));
+  EXPECT_FALSE(proved(triangles_of(filled)));
 }
 
 TEST_F(Proof, DoesNotHoldWithATriangleTurnedOrLeftOut) {
   std::vector<std::uint32_t> triangles = triangles_of(faces_);
   std::swap(triangles[0], triangles[1]);
-  EXPECT_FALSE(kzgis::mesh::proved(*arrangement_, triangles));
+  EXPECT_FALSE(proved(triangles));
   std::swap(triangles[0], triangles[1]);
   triangles.resize(triangles.size() - 3);
-  EXPECT_FALSE(kzgis::mesh::proved(*arrangement_, triangles));
+  EXPECT_FALSE(proved(triangles));
 }
 
 }  // namespace

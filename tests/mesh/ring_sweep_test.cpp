@@ -91,6 +91,20 @@ TEST(RingSweep, TakesARingThatClosesWithItsFirstVertex) {
   EXPECT_EQ(cut->sides.size(), 3U);
 }
 
+TEST(RingSweep, TakesRepeatedVerticesOnce) {
+  const std::vector<double> x{0, 0, 4, 4, 4, 0, 0};
+  const std::vector<double> y{0, 0, 0, 0, 4, 0, 0};
+  const kzgis::Rings rings{x, y, kStarts};
+  const auto cut = kzgis::mesh::cut_apart(rings, kzgis::mesh::Sites(rings));
+  ASSERT_TRUE(cut);
+  EXPECT_EQ(cut->triangles.size(), 3U);
+  EXPECT_EQ(cut->sides.size(), 3U);
+  const std::vector<double> thin_x{0, 0, 4, 4};
+  const std::vector<double> thin_y{0, 0, 4, 4};
+  const kzgis::Rings thin{thin_x, thin_y, kStarts};
+  EXPECT_FALSE(kzgis::mesh::cut_apart(thin, kzgis::mesh::Sites(thin)));
+}
+
 TEST(RingSweep, LeavesWhatTouchesToOthers) {
   const IntRing outer{{0, 0}, {9, 0}, {9, 9}, {0, 9}};
   EXPECT_FALSE(expect_cut({outer, {{0, 3}, {3, 4}, {3, 6}}}));     // begins on a side
@@ -115,9 +129,13 @@ TEST(RingSweep, AgreesWithEveryPairOfSides) {
     for (IntRing& ring : rings) {
       ring.resize(3 + random() % 4);
       const auto number = [&] { return static_cast<std::int64_t>(random() % grid); };
-      for (IntPoint& p : ring) p = {number(), number()};
-      // Without the first vertex once more, which is no repetition.
-      while (ring.back() == ring.front()) ring.back() = {number(), number()};
+      // Without vertices that repeat the one before, or the first at the end, which are none.
+      for (std::size_t i = 0; i < ring.size(); ++i) {
+        const IntPoint& before = ring[i > 0 ? i - 1 : 0];
+        do {
+          ring[i] = {number(), number()};
+        } while (i > 0 && (ring[i] == before || (i + 1 == ring.size() && ring[i] == ring[0])));
+      }
     }
     taken += expect_cut(rings) ? 1 : 0;
     ASSERT_FALSE(HasFailure());
@@ -141,31 +159,38 @@ TEST(RingSweep, CutsEveryFamily) {
 
 TEST(LineOrder, KeepsNumbersInOrderThroughManyBlocks) {
   constexpr std::uint32_t kNumbers = 3000;
-  std::vector<std::uint32_t> numbers(kNumbers);
-  for (std::uint32_t i = 0; i < kNumbers; ++i) numbers[i] = 1009 * i % kNumbers;
   LineOrder order;
-  const auto find = [&order](std::uint32_t number) {
-    return order.find([number](std::uint32_t other) { return other < number; });
+  const auto last_below = [&order](std::uint32_t number) {
+    return order.last([number](std::uint32_t other) { return other < number; });
   };
   const auto expect_all = [&](std::uint32_t step) {
     std::uint32_t before = kzgis::mesh::kNone;
     for (std::uint32_t i = 0; i < kNumbers; i += step) {
-      EXPECT_EQ(order.before(find(i)), before);
-      EXPECT_EQ(order.behind(find(i)), i);
+      EXPECT_EQ(last_below(i), before);
       before = i;
     }
-    EXPECT_EQ(order.behind(find(kNumbers)), kzgis::mesh::kNone);
+    EXPECT_EQ(last_below(kNumbers), before);
+    EXPECT_EQ(order.first(), 0U);
   };
-  for (const std::uint32_t number : numbers) order.insert(find(number), number);
+  EXPECT_EQ(order.first(), kzgis::mesh::kNone);
+  const auto insert = [&](std::uint32_t number) {
+    order.insert_behind(last_below(number), number);
+  };
+  for (std::uint32_t i = 0; i < kNumbers; ++i) insert(1009 * i % kNumbers);
   expect_all(1);
-  for (const std::uint32_t number : numbers) {
-    if (number % 1000 != 0) order.erase(find(number));
+  for (std::uint32_t i = 0; i < kNumbers; ++i) {
+    if (1013 * i % kNumbers % 1000 != 0) order.erase(1013 * i % kNumbers);
   }
   expect_all(1000);
-  for (std::uint32_t i = 0; i < kNumbers; i += 1000) order.erase(find(i));
-  EXPECT_EQ(order.behind(find(0)), kzgis::mesh::kNone);
-  order.insert(find(5), 5);
-  EXPECT_EQ(order.behind(find(5)), 5U);
+  for (std::uint32_t i = 0; i < kNumbers; ++i) {
+    if (1013 * i % kNumbers % 1000 != 0) insert(1013 * i % kNumbers);
+  }
+  expect_all(1);
+  for (std::uint32_t i = 0; i < kNumbers; ++i) order.erase(i);
+  EXPECT_EQ(order.first(), kzgis::mesh::kNone);
+  EXPECT_EQ(last_below(kNumbers), kzgis::mesh::kNone);
+  insert(5);
+  EXPECT_EQ(order.first(), 5U);
 }
 
 }  // namespace

@@ -371,10 +371,14 @@ TEST(SplitCrossings, RefusesMoreCrossingsThanItMayMend) {
   ring.reserve(101);
   for (int i = 0; i < 101; ++i) ring.emplace_back((i * 37) % 101, (i * i) % 101);
   star.add(ring);
-  const auto refused =
-      kzgis::triangulate(star.rings(), {.split_crossings = true, .most_triangles = 50});
-  ASSERT_FALSE(refused);
-  EXPECT_EQ(refused.error().kind, kzgis::ErrorKind::bad_argument);
+  for (const kzgis::MeshOptions& options :
+       {kzgis::MeshOptions{.split_crossings = true, .most_triangles = 50},
+        kzgis::MeshOptions{.split_crossings = true, .most_crossings = 50}}) {
+    const auto refused = kzgis::triangulate(star.rings(), options);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().kind, kzgis::ErrorKind::bad_argument);
+    EXPECT_EQ(refused.error().message, "the sides cross in more than 50 places");
+  }
   EXPECT_TRUE(kzgis::triangulate(star.rings(), {.split_crossings = true}));
 }
 
