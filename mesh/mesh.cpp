@@ -134,6 +134,13 @@ Result<Mesh, Flaw> finish(const Rings& rings, const mesh::Sites& sites,
   return mesh_of(rings, sites, std::move(triangles), {});
 }
 
+Result<Arrangement, Flaw> arrange(const Rings& rings, mesh::Sites sites,
+                                  const MeshOptions& options) {
+  if (!options.split_crossings) return mesh::arrange(rings, std::move(sites));
+  return mesh::split(rings, std::move(sites),
+                     std::min(options.most_crossings, options.most_triangles));
+}
+
 /// Cuts a polygon into triangles, over sites until the last step: in sites, places are the same
 /// when their numbers are, which is what the proof counts by.
 Result<Mesh, Flaw> make_mesh(const Rings& rings, const MeshOptions& options) {
@@ -148,11 +155,7 @@ Result<Mesh, Flaw> make_mesh(const Rings& rings, const MeshOptions& options) {
     // none cancel, and there is nothing to be compared with them.
     return finish(rings, sites, cut_up->sides, std::move(cut_up->triangles), options);
   }
-  const Result<Arrangement, Flaw> arranged =
-      options.split_crossings
-          ? mesh::split(rings, std::move(sites),
-                        std::min(options.most_crossings, options.most_triangles))
-          : mesh::arrange(rings, std::move(sites));
+  const Result<Arrangement, Flaw> arranged = arrange(rings, std::move(sites), options);
   if (!arranged) return arranged.error();
   std::optional<std::vector<std::uint32_t>> triangles = cut(*arranged, options.most_triangles);
   if (!triangles) return mesh::too_many_triangles(options.most_triangles);
