@@ -67,7 +67,7 @@ class LineOrder {
   static constexpr std::size_t kMost = 64;
 
   struct Block {
-    std::array<std::uint32_t, kMost> numbers;
+    std::array<std::uint32_t, kMost> numbers{};
     std::size_t size = 0;
 
     const std::uint32_t* end() const { return numbers.data() + size; }

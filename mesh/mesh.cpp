@@ -140,24 +140,28 @@ Result<Mesh, Flaw> finish(const Rings& rings, const mesh::Sites& sites,
   return mesh_of(rings, sites, std::move(triangles), {});
 }
 
+Result<Arrangement, Flaw> arrange(const Rings& rings, mesh::Sites sites,
+                                  const MeshOptions& options) {
+  if (!options.split_crossings) return mesh::arrange(rings, std::move(sites));
+  return mesh::split(rings, std::move(sites),
+                     std::min(options.most_crossings, options.most_triangles));
+}
+
 /// Cuts a polygon into triangles, over sites until the last step: in sites, places are the same
 /// when their numbers are, which is what the proof counts by.
 Result<Mesh, Flaw> make_mesh(const Rings& rings, const MeshOptions& options) {
   if (auto flaw = mesh::check_options(options)) return std::move(*flaw);
   if (auto flaw = mesh::check_rings(rings)) return std::move(*flaw);
   mesh::Sites sites(rings);
-  if (std::optional<mesh::CutRings> apart = mesh::cut_apart(rings, sites)) {
-    if (apart->triangles.size() / 3 > options.most_triangles) {
+  if (std::optional<mesh::CutRings> cut_up = mesh::cut_rings(rings, sites)) {
+    if (cut_up->triangles.size() / 3 > options.most_triangles) {
       return mesh::too_many_triangles(options.most_triangles);
     }
     // The sides are those of the rings, uncut, and no two have a point in common but their ends:
     // none cancel, and there is nothing to be compared with them.
-    return finish(rings, sites, apart->sides, std::move(apart->triangles), options);
+    return finish(rings, sites, cut_up->sides, std::move(cut_up->triangles), options);
   }
-  const Result<Arrangement, Flaw> arranged =
-      options.split_crossings ? mesh::split(rings, std::move(sites),
-                                            std::min(options.most_crossings, options.most_triangles))
-                              : mesh::arrange(rings, std::move(sites));
+  const Result<Arrangement, Flaw> arranged = arrange(rings, std::move(sites), options);
   if (!arranged) return arranged.error();
   std::optional<std::vector<std::uint32_t>> triangles = cut(*arranged, options.most_triangles);
   if (!triangles) return mesh::too_many_triangles(options.most_triangles);

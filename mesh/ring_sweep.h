@@ -1,4 +1,5 @@
-// Rings that stand apart: one sweep over their vertices shows that they do, and cuts the inside.
+// Rings that touch in vertices at most: one sweep over them shows that they do, and cuts the
+// inside.
 
 #ifndef KZGIS_MESH_RING_SWEEP_H
 #define KZGIS_MESH_RING_SWEEP_H
@@ -19,13 +20,14 @@ struct CutRings {
   std::vector<exact::Side> sides;        ///< of the rings, with the inside on the left
 };
 
-/// Cuts up what is inside rings of which none touches or crosses itself or another; nothing if one
-/// does, or has fewer than three different vertices: `arrange` knows what that means.
+/// Cuts up what is inside rings that have nothing in common, with themselves or one another, but
+/// vertices in which they do not cross; nothing of other rings, or where one has fewer than three
+/// different vertices: `arrange` knows what that means.
 ///
 /// A vertex that repeats the one before it, or the first one at the end, is none.  O(n log n).
 ///
 /// @param sites  of the rings, which have no flaw of `check_rings`
-std::optional<CutRings> cut_apart(const Rings& rings, const Sites& sites);
+std::optional<CutRings> cut_rings(const Rings& rings, const Sites& sites);
 
 }  // namespace kzgis::mesh
 

@@ -35,13 +35,15 @@ struct Entry {
 /// the one farther to the left is in the strip farther to the left.
 class Strips {
  public:
-  explicit Strips(std::span<const double> x) {
-    const auto [least, greatest] = std::minmax_element(x.begin(), x.end());
-    least_ = *least;
-    count_ = x.size() / 4;
-    scale_ = static_cast<double>(count_) / (*greatest - least_);
-    // Coordinates that are all the same or differ by too little for doubles make one strip.
-    if (!std::isfinite(scale_)) count_ = 1, scale_ = 0.0;
+  explicit Strips(std::span<const double> x)
+      : least_(*std::min_element(x.begin(), x.end())),
+        count_(x.size() / 4),
+        scale_(static_cast<double>(count_) / (*std::max_element(x.begin(), x.end()) - least_)) {
+    // Coordinates that are all the same, or differ by too little, make one strip.
+    if (!std::isfinite(scale_)) {
+      count_ = 1;
+      scale_ = 0.0;
+    }
   }
 
   std::size_t count() const { return count_; }
@@ -50,8 +52,9 @@ class Strips {
   }
 
  private:
-  double least_, scale_;
+  double least_;
   std::size_t count_;
+  double scale_;
 };
 
 /// The vertices of all rings by growing x and, at the same x, by growing y.

@@ -38,7 +38,7 @@ class Counted {
     EXPECT_TRUE(kzgis::mesh::parents_apart(rings));
     nesting = asked().orientation;
     const kzgis::mesh::Sites sites(rings);
-    const auto cut = kzgis::mesh::cut_apart(rings, sites);
+    const auto cut = kzgis::mesh::cut_rings(rings, sites);
     EXPECT_TRUE(cut);
     if (!cut) return;
     cutting = asked().orientation;

@@ -140,7 +140,8 @@ TEST(MakeValid, RefusesATangleEarly) {
   std::mt19937_64 random(kSeed);
   Ring ring;
   for (int i = 0; i < 25000; ++i) {
-    ring.emplace_back(static_cast<double>(random() % 1000003), static_cast<double>(random() % 1000003));
+    ring.emplace_back(static_cast<double>(random() % 1000003),
+                      static_cast<double>(random() % 1000003));
   }
   const kzgis::Outline outline = laid_out({ring});
   const auto refused = kzgis::make_valid(outline.rings(), 1000);
