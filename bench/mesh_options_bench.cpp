@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <memory>
 #include <numbers>
 #include <random>
@@ -170,6 +171,19 @@ void split(benchmark::State& state, const Crossing& crossing) {
   measure_mesh(state, crossing.input, {.split_crossings = true});
 }
 
+/// Of a polygon in which nothing crosses; the counter is how many times as long as without.
+void split_nothing(benchmark::State& state, const Family& family) {
+  const Input input = simple_polygon(family, static_cast<int>(state.range(0)));
+  const std::clock_t start = std::clock();
+  measure_mesh(state, input, {.split_crossings = true});
+  const std::clock_t between = std::clock();
+  for (benchmark::IterationCount i = 0; i < state.iterations(); ++i) {
+    benchmark::DoNotOptimize(kzgis::triangulate(input.rings()).value().triangles.data());
+  }
+  state.counters["of_plain"] =
+      static_cast<double>(between - start) / static_cast<double>(std::clock() - between);
+}
+
 #ifdef KZGIS_BENCH_GEOS
 
 /// Cuts the sides and puts polygons together of the pieces: all that they enclose, of which those
@@ -264,6 +278,11 @@ const bool kRegistered = [] {
           ->Unit(benchmark::kMillisecond);
     };
     add("kzgis", refine);
+    benchmark::RegisterBenchmark((std::string("split nothing/") + family.name).c_str(),
+                                 split_nothing, family)
+        ->RangeMultiplier(10)
+        ->Range(100, 100000)
+        ->Unit(benchmark::kMillisecond);
 #ifdef KZGIS_BENCH_CGAL
     add("CGAL", refine_by_cgal);
 #endif

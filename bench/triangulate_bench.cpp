@@ -262,11 +262,14 @@ constexpr Subject kSubjects[] = {
 #endif
 };
 
-constexpr Family kFamilies[] = {{"star", star},
-                                {"spiral", spiral},
-                                {"comb", comb},
-                                {"coast", coast},
-                                {"holes", scattered_holes}};
+/// Rows of holes that stood, lying: a sweep meets them in another order.
+IntPolygon holes_turned(int n, std::mt19937_64& random) {
+  return transformed(scattered_holes(n, random), 0, -1, 1, 0);
+}
+
+constexpr Family kFamilies[] = {
+    {"star", star},   {"spiral", spiral},         {"comb", comb},
+    {"coast", coast}, {"holes", scattered_holes}, {"holes turned", holes_turned}};
 
 void measure(benchmark::State& state, const Subject& subject, const Family& family) {
   const Input input = make_input(family, static_cast<int>(state.range(0)));

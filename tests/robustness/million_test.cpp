@@ -89,7 +89,7 @@ TEST_F(MillionVertices, AreTriangulatedByTheMesh) {
       EXPECT_EQ(mesh.flaw.message, "");
       EXPECT_EQ(mesh.triangles.size(), 3 * (input->x.size() - 2));
     });
-    report("kzgis::triangulate", bytes, 300);
+    report("kzgis::triangulate", bytes, 130);
   }
 }
 
