@@ -107,9 +107,10 @@ std::vector<unsigned char> read_bytes() {
 }
 
 void fread_alone(benchmark::State& state) {
+  const std::string path = bank().file();
   std::vector<unsigned char> block(65536);
   for (auto _ : state) {
-    std::FILE* const file = std::fopen(bank().file().c_str(), "rb");
+    std::FILE* const file = std::fopen(path.c_str(), "rb");
     while (std::fread(block.data(), 1, block.size(), file) > 0) benchmark::DoNotOptimize(block);
     std::fclose(file);
   }

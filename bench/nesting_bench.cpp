@@ -1,6 +1,9 @@
 // Finding which ring lies in which: one boundary, holes in it, an island in every hole.
 // GEOS, where it is installed, builds the polygons from the same rings.
 //
+// Then 100,000 rings of 16 vertices side by side (islands), one in another (concentric), and in
+// pairs within one more (lakes).
+//
 // After the clock has stopped everyone's answer is checked; a wrong one is marked instead of
 // measured.
 
@@ -11,6 +14,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <numbers>
+#include <string>
+#include <utility>
 #include <vector>
 
 #ifdef KZGIS_BENCH_GEOS
@@ -84,6 +90,69 @@ void tree(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(input.starts.size()));
 }
 
+/// Rings of 16 vertices, and how many triangles they make with odd depths filled.
+struct Round {
+  enum Kind { islands, concentric, lakes };
+  static constexpr int kRings = 100000;
+  static constexpr int kVertices = 16;
+
+  explicit Round(Kind kind) {
+    const int columns = kind == islands ? 317 : 224;
+    const auto place = [columns](int i, double step) {
+      return std::pair(step * (i % columns), step * (i / columns));
+    };
+    if (kind == lakes) ring(450.0, 450.0, 2000.0);
+    for (int i = 0; size() < kRings; ++i) {
+      const auto [x0, y0] = kind == concentric ? std::pair(0.0, 0.0) : place(i, 4.0);
+      if (kind == islands) ring(x0, y0, 1.5);
+      if (kind == concentric) ring(x0, y0, kRings - i);
+      if (kind == lakes) ring(x0, y0, 1.5);
+      if (kind == lakes && size() < kRings) ring(x0, y0, 0.7);
+    }
+  }
+  int size() const { return static_cast<int>(starts.size()); }
+
+  std::vector<double> x, y;
+  std::vector<kz_long> starts;
+
+ private:
+  void ring(double x0, double y0, double radius) {
+    starts.push_back(static_cast<kz_long>(x.size()));
+    for (int i = 0; i < kVertices; ++i) {
+      const double angle = 2.0 * std::numbers::pi * i / kVertices;
+      x.push_back(x0 + radius * std::cos(angle));
+      y.push_back(y0 + radius * std::sin(angle));
+    }
+  }
+};
+
+void nest_round(benchmark::State& state, Round::Kind kind) {
+  const Round input(kind);
+  kz_long deepest = 0;
+  for (auto _ : state) {
+    const kzgis::Nesting nesting = kzgis::nest({input.x, input.y, input.starts}).value();
+    deepest = *std::max_element(nesting.depth.begin(), nesting.depth.end());
+  }
+  const kz_long expected[] = {1, Round::kRings, 3};
+  if (deepest != expected[kind]) state.SkipWithError("wrong depth");
+}
+
+void tree_round(benchmark::State& state, Round::Kind kind) {
+  const Round input(kind);
+  const std::vector<kz_ulong> starts(input.starts.begin(), input.starts.end());
+  kz_ulong count = 0;
+  for (auto _ : state) {
+    const KZ_GIS_PolygonTree_c tree(0.0, 0.0, 0.0, 0.0, Round::kRings, starts.data(),
+                                    static_cast<kz_ulong>(input.x.size()), input.x.data(),
+                                    input.y.data());
+    tree.NumberOfConnections(&count);
+  }
+  // A filled ring has its vertices and those of its holes, two more for each hole, less two.
+  constexpr kz_ulong kAll = Round::kRings * Round::kVertices;
+  const kz_ulong expected[] = {kAll - 2 * Round::kRings, kAll, kAll};
+  if (count != 3 * expected[kind]) state.SkipWithError("wrong tree");
+}
+
 #ifdef KZGIS_BENCH_GEOS
 
 void geos(benchmark::State& state) {
@@ -127,6 +196,14 @@ const bool kRegistered = [] {
   };
   add("nesting/kzgis", nest, 100000);
   add("nesting/kzgis PolygonTree", tree, 100000);
+  constexpr const char* kNames[] = {"islands", "concentric", "lakes"};
+  for (const Round::Kind kind : {Round::islands, Round::concentric, Round::lakes}) {
+    const std::string name = kNames[kind];
+    benchmark::RegisterBenchmark((name + "/kzgis").c_str(), nest_round, kind)
+        ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark((name + "/kzgis PolygonTree").c_str(), tree_round, kind)
+        ->Unit(benchmark::kMillisecond);
+  }
 #ifdef KZGIS_BENCH_GEOS
   add("nesting/GEOS", geos, 10000);  // two minutes for ten times as many
 #endif

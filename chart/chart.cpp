@@ -8,6 +8,7 @@
 #include <new>
 #include <utility>
 
+#include "chart/elementary.h"
 #include "chart/families.h"
 
 namespace kzgis {
@@ -145,19 +146,14 @@ std::string prepare(projType type, const ChartParameters& parameters, ChartConst
   }
 }
 
-std::size_t convert(projType type, Way way, const ChartConstants& constants, const Spans& spans) {
-  switch (kind_of(type).family) {
-    case Family::cylindrical:
-      return chart::convert_cylindrical(type, way, constants, spans);
-    case Family::azimuthal:
-      return chart::convert_azimuthal(type, way, constants, spans);
-    case Family::conic:
-      return chart::convert_conic(type, way, constants, spans);
-    case Family::pseudoconic:
-      return chart::convert_pseudoconic(way, constants, spans);
-    default:
-      return chart::convert_globe(way, constants, spans);
-  }
+std::size_t convert(projType type, Way way, Arithmetic arithmetic, const ChartConstants& constants,
+                    const Spans& spans) {
+  // Wide packs are not worth it for a few points; the digits are the same.
+  constexpr std::size_t kFew = 4;
+  if (spans.size() < kFew) return chart::convert_plain(type, way, constants, spans);
+  static const chart::Convert exact = chart::fastest_convert(Arithmetic::exact);
+  static const chart::Convert fast = chart::fastest_convert(Arithmetic::fast);
+  return (arithmetic == Arithmetic::fast ? fast : exact)(type, way, constants, spans);
 }
 
 }  // namespace
@@ -172,7 +168,7 @@ std::string chart::text_of(double number) {
 
 Chart::Chart(projType type, const ChartParameters& parameters)
     : type_(type), parameters_(parameters) {
-  const chart::SinCos base = chart::sin_cos(parameters.base_lat);
+  const chart::SinesOf<double> base = chart::sines_of_degrees(parameters.base_lat);
   constants_.base_lat_deg = parameters.base_lat;
   constants_.base_lon_deg = chart::wrap(parameters.base_lon);
   constants_.radius = parameters.radius;
@@ -195,25 +191,27 @@ Result<Chart> Chart::make(projType type, const ChartParameters& parameters) {
 }
 
 std::size_t Chart::project(std::span<const double> lat, std::span<const double> lon,
-                           std::span<double> x, std::span<double> y, Arithmetic) const {
-  return convert(type_, Way::there, constants_, {lat, lon, {}, x, y, {}, false});
+                           std::span<double> x, std::span<double> y, Arithmetic arithmetic) const {
+  return convert(type_, Way::there, arithmetic, constants_, {lat, lon, {}, x, y, {}, false});
 }
 
 std::size_t Chart::project(std::span<const double> lat, std::span<const double> lon,
                            std::span<const double> alt, std::span<double> x, std::span<double> y,
-                           std::span<double> z, Arithmetic) const {
-  return convert(type_, Way::there, constants_, {lat, lon, alt, x, y, z, true});
+                           std::span<double> z, Arithmetic arithmetic) const {
+  return convert(type_, Way::there, arithmetic, constants_, {lat, lon, alt, x, y, z, true});
 }
 
 std::size_t Chart::unproject(std::span<const double> x, std::span<const double> y,
-                             std::span<double> lat, std::span<double> lon, Arithmetic) const {
-  return convert(type_, Way::back, constants_, {x, y, {}, lat, lon, {}, false});
+                             std::span<double> lat, std::span<double> lon,
+                             Arithmetic arithmetic) const {
+  return convert(type_, Way::back, arithmetic, constants_, {x, y, {}, lat, lon, {}, false});
 }
 
 std::size_t Chart::unproject(std::span<const double> x, std::span<const double> y,
                              std::span<const double> z, std::span<double> lat,
-                             std::span<double> lon, std::span<double> alt, Arithmetic) const {
-  return convert(type_, Way::back, constants_, {x, y, z, lat, lon, alt, true});
+                             std::span<double> lon, std::span<double> alt,
+                             Arithmetic arithmetic) const {
+  return convert(type_, Way::back, arithmetic, constants_, {x, y, z, lat, lon, alt, true});
 }
 
 }  // namespace kzgis

@@ -15,6 +15,7 @@
 
 #include "chart/angles.h"
 #include "chart/domain.h"
+#include "chart/elementary.h"
 #include "chart/families.h"
 
 namespace kzgis::chart {
@@ -33,7 +34,7 @@ class Disc : public Domain {
       : base_lat_(base_lat),
         reach_deg_(std::min(reach_deg, 180.0 - kLastAngle / kDegree)),
         closed_(closed),
-        cos_base_(sin_cos(base_lat).cos) {
+        cos_base_(sines_of_degrees(base_lat).cos) {
     const double reach = reach_deg_ * kDegree;
     about_antipode_ = reach > kHalfPi;
     const double angle = about_antipode_ ? kPi - reach : reach;
@@ -106,8 +107,8 @@ class Disc : public Domain {
   /// How far inside of the limb a position lies: the difference of two haversines.
   double inwards(double lon_deg, double lat_deg) const {
     const double half = 0.5 * kDegree;
-    const SinCos lon = sin_cos(std::remainder(lon_deg, 360.0) * 0.5);
-    const double cos_lat = sin_cos(lat_deg).cos;
+    const SinesOf<double> lon = sines_of_degrees(std::remainder(lon_deg, 360.0) * 0.5);
+    const double cos_lat = sines_of_degrees(lat_deg).cos;
     if (about_antipode_) {
       return haversine(std::sin((lat_deg + base_lat_) * half)) +
              cos_base_ * cos_lat * haversine(lon.cos) - limb_;
@@ -175,9 +176,9 @@ class Disc : public Domain {
 
   /// The place on the edge in the direction of a position: counter-clockwise from the south.
   Place place_of(double lon_deg, double lat_deg) const {
-    const SinCos lat = sin_cos(lat_deg);
-    const SinCos lon = sin_cos(std::remainder(lon_deg, 360.0));
-    const SinCos base = sin_cos(base_lat_);
+    const SinesOf<double> lat = sines_of_degrees(lat_deg);
+    const SinesOf<double> lon = sines_of_degrees(std::remainder(lon_deg, 360.0));
+    const SinesOf<double> base = sines_of_degrees(base_lat_);
     const double east = lat.cos * lon.sin;
     const double north = lat.sin * base.cos - lat.cos * lon.cos * base.sin;
     double angle = std::atan2(east, -north);

@@ -1,5 +1,4 @@
-// What the families of projections offer to the chart, and the loop over points that all of
-// the flat ones share.
+// What the families of projections and the loops over points offer to the chart.
 
 #ifndef KZGIS_CHART_FAMILIES_H
 #define KZGIS_CHART_FAMILIES_H
@@ -46,84 +45,31 @@ inline std::size_t put(const Spans& spans, std::size_t i, bool placed, double a,
   return placed ? 0 : 1;
 }
 
-/// Projects every point by a flat projection on the globe of radius 1,
-///   static bool Flat::forward(const ChartConstants&, double lat_deg, double dlon_deg,
-///                             double& x, double& y);
-/// it gets latitudes within -90 to 90 and longitudes from the base in [-180, 180), and answers
-/// false when there is no place for them.
-template <class Flat>
-std::size_t project_each(const ChartConstants& given, const Spans& spans) {
-  const ChartConstants k = given;  // its own, which what is written cannot change
-  std::size_t without_place = 0;
-  const std::size_t n = spans.size();
-  for (std::size_t i = 0; i < n; ++i) {
-    const double lat = spans.from_a[i];
-    const double lon = spans.from_b[i];
-    const double alt = spans.has_c ? spans.from_c[i] : 0.0;
-    double x = 0.0;
-    double y = 0.0;
-    bool placed = std::fabs(lat) <= 90.0 && std::isfinite(lon) && std::isfinite(alt);
-    if (placed) {
-      // Brought near to 0 first, where the difference of two longitudes keeps its digits.
-      placed = Flat::forward(k, lat, wrap(wrap(lon) - k.base_lon_deg), x, y);
-    }
-    x *= k.radius;
-    y *= k.radius;
-    placed = placed && std::isfinite(x) && std::isfinite(y);
-    without_place += put(spans, i, placed, x, y, alt);
-  }
-  return without_place;
-}
-
-/// The way back, by
-///   static bool Flat::inverse(const ChartConstants&, double x, double y,
-///                             double& lat_deg, double& dlon_deg);
-/// it gets finite numbers, and answers false when no point of the globe lies there.
-template <class Flat>
-std::size_t unproject_each(const ChartConstants& given, const Spans& spans) {
-  const ChartConstants k = given;
-  std::size_t without_place = 0;
-  const std::size_t n = spans.size();
-  for (std::size_t i = 0; i < n; ++i) {
-    const double x = spans.from_a[i] / k.radius;
-    const double y = spans.from_b[i] / k.radius;
-    const double z = spans.has_c ? spans.from_c[i] : 0.0;
-    double lat = 0.0;
-    double dlon = 0.0;
-    bool placed = std::isfinite(x) && std::isfinite(y) && std::isfinite(z) &&
-                  Flat::inverse(k, x, y, lat, dlon);
-    placed = placed && std::isfinite(lat) && std::isfinite(dlon);
-    if (placed) {
-      lat = std::clamp(lat, -90.0, 90.0);
-      dlon = wrap(k.base_lon_deg + dlon);
-    }
-    without_place += put(spans, i, placed, lat, dlon, z);
-  }
-  return without_place;
-}
-
-template <class Flat>
-std::size_t convert_each(Way way, const ChartConstants& constants, const Spans& spans) {
-  return way == Way::there ? project_each<Flat>(constants, spans)
-                           : unproject_each<Flat>(constants, spans);
-}
-
-// Each family prepares what a projection of it needs of the parameters, which lie in their ranges
-// and are filled in (the answer is empty, or says why there is no such chart), and converts
-// points, with one choice of the projection for all of them.
+// Families with constants of their own prepare what a projection of them needs of the parameters,
+// which lie in their ranges and are filled in.  The answer is empty, or says why there is no such
+// chart.
 
 std::string prepare_cylindrical(projType, const ChartParameters&, ChartConstants&);
-std::size_t convert_cylindrical(projType, Way, const ChartConstants&, const Spans&);
-
-std::size_t convert_azimuthal(projType, Way, const ChartConstants&, const Spans&);
-
 std::string prepare_conic(projType, const ChartParameters&, ChartConstants&);
-std::size_t convert_conic(projType, Way, const ChartConstants&, const Spans&);
-
 std::string prepare_pseudoconic(projType, const ChartParameters&, ChartConstants&);
-std::size_t convert_pseudoconic(Way, const ChartConstants&, const Spans&);
 
-std::size_t convert_globe(Way, const ChartConstants&, const Spans&);
+/// Converts all points, with one choice of the projection for all of them.
+/// @return how many have no place
+using Convert = std::size_t (*)(projType, Way, const ChartConstants&, const Spans&);
+
+// Packs of every width give the same bits.  The wide ones are for processors that have them.
+std::size_t convert_plain(projType, Way, const ChartConstants&, const Spans&);
+#if defined(__GNUC__) && defined(__x86_64__)
+#define KZGIS_CHART_WIDE
+std::size_t convert_avx2(projType, Way, const ChartConstants&, const Spans&);
+std::size_t convert_avx512(projType, Way, const ChartConstants&, const Spans&);
+// These leave out the rounding between a product and a sum, and give other bits.
+std::size_t convert_avx2_fused(projType, Way, const ChartConstants&, const Spans&);
+std::size_t convert_avx512_fused(projType, Way, const ChartConstants&, const Spans&);
+#endif
+
+/// The fastest one on this processor.
+Convert fastest_convert(Arithmetic);
 
 /// A number as a message shows it: with as many digits as tell it from others.
 std::string text_of(double number);

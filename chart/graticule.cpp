@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "chart/angles.h"
+#include "chart/elementary.h"
 #include "chart/families.h"
 #include "kzgis/outline.h"
 
@@ -55,7 +56,7 @@ double last_parallel(double step_deg, double spacing_deg) {
   const auto parallels = static_cast<int>(std::ceil((90.0 - kRounding) / step_deg)) - 1;
   for (int i = parallels; i > 0; --i) {
     const double lat = i * step_deg;
-    if (spacing_deg * chart::sin_cos(lat).cos >= 0.25 * step_deg) return lat;
+    if (spacing_deg * chart::sines_of_degrees(lat).cos >= 0.25 * step_deg) return lat;
   }
   return 0.0;
 }

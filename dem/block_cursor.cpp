@@ -25,7 +25,7 @@ namespace {
 constexpr std::size_t kWindowBytes = std::size_t{1} << 16;
 /// Of the longest line end, CRLF.
 constexpr std::size_t kLineEndBytes = 2;
-/// Kept in front of the present block: `plain_elevation` looks at two bytes before its field.
+/// Kept in front of the present block: `plain_number` looks at two bytes before its field.
 constexpr std::size_t kBeforeBytes = 8;
 
 /// The fields that every header has end here: no line end can stand before.  A NUL or a line

@@ -86,7 +86,7 @@ struct Profile {
 ///
 /// @return nothing when the field holds anything else than one integer
 std::optional<int> elevation_of(const char* field) {
-  if (const int plain = dem::plain_elevation(field); plain >= 0) return plain;
+  if (const dem::PlainNumber plain = dem::plain_number(field); plain.odd == 0) return plain.value;
   const std::string_view text(field, dem::kElevationWidth);
   const auto number = dem::integer_of(text);
   if (number.length == 0 || !dem::is_whole(number, text)) return std::nullopt;
@@ -257,7 +257,8 @@ bool GridReader::read_elevations(Profile& profile) {
     }
     const std::size_t count = fields.size() / dem::kElevationWidth;
     std::array<int, dem::kBlockBytes / dem::kElevationWidth> raw{};
-    for (std::size_t i = 0; i < count; ++i) {
+    const bool all_plain = dem::plain_numbers(fields.data(), count, raw.data());
+    for (std::size_t i = 0; i < count && !all_plain; ++i) {
       const char* const field = fields.data() + i * dem::kElevationWidth;
       const auto elevation = elevation_of(field);
       if (!elevation) {
@@ -269,7 +270,7 @@ bool GridReader::read_elevations(Profile& profile) {
       }
       raw[i] = *elevation;
     }
-    // Apart from the loop above, which reads text: this one the compiler can turn into
+    // Apart from the loops above, which read text: this one the compiler can turn into
     // operations on several numbers at once.
     profile.values.resize(profile.values.size() + count);
     float* const values = profile.values.data() + profile.values.size() - count;
@@ -398,13 +399,34 @@ void GridReader::fill_columns(std::span<const Profile> profiles) {
   }
   // Row by row: each profile is read in order, and what is written side by side shares lines of
   // cache, which are waited for once.
-  for (kz_long row = 0; row < grid_.rows; ++row) {
-    float* const line = cells + static_cast<std::size_t>(grid_.rows - 1 - row) * width;
+  const auto line_of = [&](kz_long row) {
+    return cells + static_cast<std::size_t>(grid_.rows - 1 - row) * width;
+  };
+  const auto fill_some = [&](kz_long from, kz_long to) {
+    for (kz_long row = from; row < to; ++row) {
+      float* const line = line_of(row);
+      for (std::size_t i = 0; i < profiles.size(); ++i) {
+        const Column& c = columns[i];
+        if (row >= c.from && row < c.to) line[c.column] = c.values[row - c.from];
+      }
+    }
+  };
+  // Nearly all rows of nearly all quadrangles are in every profile, and there nobody asks.
+  kz_long from = 0;
+  kz_long to = grid_.rows;
+  for (std::size_t i = 0; i < profiles.size(); ++i) {
+    from = std::max(from, columns[i].from);
+    to = std::min(to, columns[i].to);
+  }
+  if (from >= to) from = to = 0;
+  fill_some(0, from);
+  for (kz_long row = from; row < to; ++row) {
+    float* const line = line_of(row);
     for (std::size_t i = 0; i < profiles.size(); ++i) {
-      const Column& c = columns[i];
-      if (row >= c.from && row < c.to) line[c.column] = c.values[row - c.from];
+      line[columns[i].column] = columns[i].values[row - columns[i].from];
     }
   }
+  fill_some(to, grid_.rows);
 }
 
 /// Finds the range of the elevations, and counts the cells without one.

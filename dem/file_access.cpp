@@ -190,17 +190,22 @@ int DEM_LRA::readFile(UtDate* d, int width) {
 // a field that the end of the file cuts short counts as read and is no elevation.
 int DEM_LRA::read_elevations(int* values, int most) {
   using kzgis::dem::kElevationWidth;
-  constexpr int kBefore = 2;  // bytes in front of a field that plain_elevation looks at
-  char piece[kBefore + kzgis::dem::kBlockLimit] = {};
+  constexpr int kBefore = 2;  // bytes in front of a field that plain_number looks at
+  char piece[kBefore + kzgis::dem::kBlockLimit];
+  piece[0] = piece[1] = 0;
   if (std::int64_t{byte_count_} + kElevationWidth >= kzgis::dem::kBlockLimit) moveToNextBlock();
   if (!good()) return 0;
   const int room = (kzgis::dem::kBlockLimit - 1 - std::max(byte_count_, 0)) / kElevationWidth;
   const int count =
       read_in_block(piece + kBefore, std::min(most, room) * kElevationWidth) / kElevationWidth;
+  if (kzgis::dem::plain_numbers(piece + kBefore, static_cast<std::size_t>(count), values)) {
+    return count;
+  }
   for (int i = 0; i < count; ++i) {
     const char* const field = piece + kBefore + std::ptrdiff_t{i} * kElevationWidth;
-    const int plain = kzgis::dem::plain_elevation(field);
-    values[i] = plain >= 0 ? plain : kzgis::dem::integer_of({field, kElevationWidth}).value;
+    const kzgis::dem::PlainNumber plain = kzgis::dem::plain_number(field);
+    values[i] =
+        plain.odd == 0 ? plain.value : kzgis::dem::integer_of({field, kElevationWidth}).value;
   }
   return count;
 }

@@ -11,6 +11,11 @@
 
 #include "platform/real_from_chars.h"
 
+#if defined(__GNUC__) && defined(__x86_64__)
+#define KZGIS_DEM_WIDE
+#include <immintrin.h>
+#endif
+
 namespace kzgis::dem {
 namespace {
 
@@ -66,7 +71,66 @@ bool is_too_large(std::string_view digits, bool hexadecimal) {
   return place * (hexadecimal ? 4 : 1) + exponent > 0;
 }
 
+#if defined(KZGIS_DEM_WIDE)
+
+/// The same as plain_number, four fields at a time, after W. Mula, "SIMD-ized number parsing".
+/// @return how many fields were read, all plain; it stops in front of others, and of the last few
+__attribute__((target("avx2"))) std::size_t plain_numbers_by_four(const char* fields,
+                                                                  std::size_t count, int* values) {
+  constexpr std::size_t kWidth = 6;
+  // Each field to eight bytes, with two zeros in front.
+  const __m256i spread = _mm256_broadcastsi128_si256(
+      _mm_setr_epi8(-1, -1, 0, 1, 2, 3, 4, 5, -1, -1, 6, 7, 8, 9, 10, 11));
+  const __m256i last = _mm256_set1_epi64x(static_cast<long long>(0xFF00000000000000U));
+  const __m256i nine = _mm256_set1_epi8(9);
+  std::size_t i = 0;
+  // Sixteen bytes are read where twelve are wanted.
+  for (; i + 5 <= count; i += 4) {
+    const char* const at = fields + kWidth * i;
+    const __m256i text = _mm256_inserti128_si256(
+        _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at))),
+        _mm_loadu_si128(reinterpret_cast<const __m128i*>(at + 2 * kWidth)), 1);
+    const __m256i bytes = _mm256_shuffle_epi8(text, spread);
+    const __m256i blank = _mm256_or_si256(_mm256_cmpeq_epi8(bytes, _mm256_set1_epi8(' ')),
+                                          _mm256_set1_epi64x(0xFFFF));
+    const __m256i digits =
+        _mm256_andnot_si256(blank, _mm256_sub_epi8(bytes, _mm256_set1_epi8('0')));
+    // Beyond 9, a blank behind a digit, blanks only.
+    const __m256i small = _mm256_cmpeq_epi8(_mm256_min_epu8(digits, nine), digits);
+    const __m256i odd = _mm256_or_si256(_mm256_andnot_si256(blank, _mm256_srli_epi64(blank, 8)),
+                                        _mm256_and_si256(blank, last));
+    if (_mm256_testc_si256(small, _mm256_set1_epi8(-1)) == 0 || _mm256_testz_si256(odd, odd) == 0) {
+      break;
+    }
+    // Neighbours are joined three times: digits to pairs, pairs to fours, fours to the number.
+    const __m256i pairs = _mm256_maddubs_epi16(digits, _mm256_set1_epi16(0x010A));
+    const __m256i fours = _mm256_madd_epi16(pairs, _mm256_set1_epi32(0x00010064));
+    const __m256i packed = _mm256_packus_epi32(fours, fours);
+    const __m256i numbers = _mm256_madd_epi16(packed, _mm256_set1_epi32(0x00012710));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(values + i),
+                     _mm256_castsi256_si128(_mm256_permute4x64_epi64(numbers, 0x08)));
+  }
+  return i;
+}
+
+#endif
+
 }  // namespace
+
+bool plain_numbers(const char* fields, std::size_t count, int* values) {
+  std::size_t i = 0;
+#if defined(KZGIS_DEM_WIDE)
+  static const bool has_avx2 = __builtin_cpu_supports("avx2") != 0;
+  if (has_avx2) i = plain_numbers_by_four(fields, count, values);
+#endif
+  std::uint64_t odd = 0;
+  for (; i < count; ++i) {
+    const PlainNumber number = plain_number(fields + 6 * i);
+    values[i] = number.value;
+    odd |= number.odd;
+  }
+  return odd == 0;
+}
 
 NumberText<int> integer_of(std::string_view text) {
   const auto [digits, negative] = without_sign(text);

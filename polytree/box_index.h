@@ -35,7 +35,7 @@ class BoxIndex {
   void find(const Box& box, std::vector<kz_ulong>& found) const;
 
  private:
-  static constexpr std::size_t kLeaf = 16;
+  static constexpr std::size_t kLeaf = 64;
 
   struct Entry {
     Box box;

@@ -16,6 +16,7 @@
 #include <new>
 
 #include "kzgis/polytree.h"
+#include "polytree/corners.h"
 
 using namespace kzgis;
 
@@ -106,15 +107,15 @@ kz_ulong KZ_GIS_PolygonNode_c::Contains(KZ_GIS_PolygonNode_c& other) {
 
 void KZ_GIS_PolygonNode_c::SwapVertexOrder() { std::reverse(indices_, indices_ + count_); }
 
+KZ_GIS_PolygonNode_c::Corners KZ_GIS_PolygonNode_c::ListCorners() const {
+  if (list_ == nullptr) return {indices_, nullptr, nullptr, 0};
+  const Corners all{indices_, list_->XVertices(), list_->YVertices(), list_->NumberOfVertices()};
+  return all.x != nullptr && all.y != nullptr ? all : Corners{indices_, nullptr, nullptr, 0};
+}
+
 /// The vertex at a position of the ring, which must be below the count.
 KZ_GIS_PolygonNode_c::Vertex KZ_GIS_PolygonNode_c::At(kz_ulong position) const {
-  const kz_ulong index = indices_[position];
-  if (list_ == nullptr || index >= list_->NumberOfVertices() || list_->XVertices() == nullptr ||
-      list_->YVertices() == nullptr) {
-    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-    return {nan, nan};
-  }
-  return {list_->XVertices()[index], list_->YVertices()[index]};
+  return ListCorners().At(position);
 }
 
 /// Computes the box from the vertices; a coordinate that is not a number changes nothing,
@@ -127,8 +128,9 @@ kz_ulong KZ_GIS_PolygonNode_c::ComputeBounds() {
   }
   constexpr double largest = std::numeric_limits<double>::max();
   SetBounds(largest, largest, -largest, -largest);
+  const Corners corners = ListCorners();
   for (kz_ulong i = 0; i < count_; ++i) {
-    const Vertex v = At(i);
+    const Vertex v = corners.At(i);
     if (v.x < x_min_) x_min_ = v.x;
     if (v.y < y_min_) y_min_ = v.y;
     if (v.x > x_max_) x_max_ = v.x;
@@ -159,8 +161,9 @@ kz_ulong KZ_GIS_PolygonNode_c::Inside(KZ_GIS_PolygonNode_c& inner, KZ_GIS_Polygo
 /// How many edges the ring has: a closing vertex adds none.
 kz_ulong KZ_GIS_PolygonNode_c::NumberOfEdges() const {
   if (count_ == 0) return 0;
-  const Vertex first = At(0);
-  const Vertex last = At(count_ - 1);
+  const Corners corners = ListCorners();
+  const Vertex first = corners.At(0);
+  const Vertex last = corners.At(count_ - 1);
   return last.x == first.x && last.y == first.y ? count_ - 1 : count_;
 }
 
@@ -182,10 +185,11 @@ kz_ulong KZ_GIS_PolygonNode_c::PointInPolygon(double px, double py) const {
 bool KZ_GIS_PolygonNode_c::CrossEdges(double px, double py, kz_ulong begin, kz_ulong end,
                                       kz_ulong* parity) const {
   if (begin == end) return false;
-  Vertex b = At(begin);
+  const Corners corners = ListCorners();
+  Vertex b = corners.At(begin);
   for (kz_ulong i = begin; i < end; ++i) {
     const Vertex a = b;
-    b = At(i + 1 < count_ ? i + 1 : 0);
+    b = corners.At(i + 1 < count_ ? i + 1 : 0);
     const bool falls = a.y >= b.y;
     const Vertex& low = falls ? b : a;
     const Vertex& high = falls ? a : b;
@@ -222,12 +226,13 @@ bool KZ_GIS_PolygonNode_c::CrossEdges(double px, double py, kz_ulong begin, kz_u
 /// The height of the nearest vertex before `position` at another height, going round the
 /// ring; the height there when the whole ring is level.
 double KZ_GIS_PolygonNode_c::HeightBefore(kz_ulong position) const {
-  const double here = At(position).y;
+  const Corners corners = ListCorners();
+  const double here = corners.At(position).y;
   // A closing vertex on the way has the first one's height, and changes nothing.
   kz_ulong at = position;
   for (kz_ulong step = 0; step < count_; ++step) {
     at = at == 0 ? count_ - 1 : at - 1;
-    const double y = At(at).y;
+    const double y = corners.At(at).y;
     if (!(y == here)) return y;
   }
   return here;

@@ -19,6 +19,7 @@
 #include <utility>
 
 #include "exact/predicates.h"
+#include "polytree/corners.h"
 
 namespace kzgis::polytree {
 
@@ -56,13 +57,14 @@ void RingTree::describe(kz_ulong ring) {
   own.first_stretch = stretches_.size();
   const kz_ulong count = node.NumberOfVertices();
   if (count == 0) return;
-  own.first_x = node.At(0).x;
-  own.first_y = node.At(0).y;
+  const auto corners = node.ListCorners();
+  own.first_x = corners.At(0).x;
+  own.first_y = corners.At(0).y;
   for (kz_ulong begin = 0; begin < own.edges; begin += kStretch) {
-    Stretch heights{node.At(begin).y, node.At(begin).y};
+    Stretch heights{corners.At(begin).y, corners.At(begin).y};
     const kz_ulong end = std::min(own.edges - begin, kStretch) + begin;
     for (kz_ulong i = begin; i <= end; ++i) {
-      const auto v = node.At(i < count ? i : 0);
+      const auto v = corners.At(i < count ? i : 0);
       heights.low = std::min(heights.low, v.y);
       heights.high = std::max(heights.high, v.y);
       if (std::isnan(v.x) || std::isnan(v.y)) own.numbers = false;
@@ -224,6 +226,8 @@ bool RingTree::surrounds(kz_ulong outer, kz_ulong inner) const {
 
 /// Whether `inner` lies in `outer` and keeps clear of it.
 bool RingTree::clear(kz_ulong outer, kz_ulong inner) {
+  // What made a level be skipped to is asked again when the ring is linked there.
+  if (outer == last_clear_.outer && inner == last_clear_.inner) return true;
   const Ring& around = rings_[outer];
   const Ring& own = rings_[inner];
   const std::uint64_t pairs = std::uint64_t{around.edges} * own.edges;
@@ -232,17 +236,21 @@ bool RingTree::clear(kz_ulong outer, kz_ulong inner) {
   if (!surrounds(outer, inner)) return false;
   list_sides(outer, outer_sides_);
   list_sides(inner, inner_sides_);
-  return keep_apart(outer_sides_, inner_sides_, around.largest);
+  if (!keep_apart(outer_sides_, inner_sides_, around.largest)) return false;
+  last_clear_ = {outer, inner};
+  return true;
 }
 
 /// The ring's sides, as the test for clearance wants them.
 void RingTree::list_sides(kz_ulong ring, std::vector<Side>& sides) const {
   sides.clear();
   const KZ_GIS_PolygonNode_c& node = nodes_[ring];
+  const auto corners = node.ListCorners();
   const kz_ulong edges = rings_[ring].edges;
+  const kz_ulong count = node.NumberOfVertices();
   for (kz_ulong i = 0; i < edges; ++i) {
-    const auto a = node.At(i);
-    const auto b = node.At(i + 1 < node.NumberOfVertices() ? i + 1 : 0);
+    const auto a = corners.At(i);
+    const auto b = corners.At(i + 1 < count ? i + 1 : 0);
     const bool rightward = a.x != b.x ? a.x < b.x : a.y < b.y;
     sides.push_back(rightward ? Side{a.x, a.y, b.x, b.y} : Side{b.x, b.y, a.x, a.y});
   }
@@ -270,7 +278,7 @@ void RingTree::extend_chain(kz_ulong level, kz_ulong ring) {
     chains_[up].insert(level);
   } else {
     own = up;
-    chains_[own].insert(ring);
+    chains_[own].insert(chains_[own].end(), ring);  // most come last
   }
 }
 
@@ -303,6 +311,8 @@ kz_ulong RingTree::skip_levels(kz_ulong level, kz_ulong ring) {
   if (!chained(level) || rings_[ring].largest > kLargest) return level;
   const Chain& chain = chains_[links_[level].chain];
   if (chain.size() < kLongChain) return level;
+  // Rings that come in order, from the outermost in, belong into the innermost.
+  if (clear(*chain.rbegin(), ring)) return *chain.rbegin();
   // A ring that touches the innermost around it may be clear of the next one.
   auto around = chain.lower_bound(Inward::Other{ring});
   for (int tries = 0; tries < 2 && around != chain.begin(); ++tries) {

@@ -117,6 +117,11 @@ class RingTree {
   std::vector<kz_ulong> overlapping_;
   std::vector<kz_ulong> contained_;
   std::vector<Side> outer_sides_, inner_sides_;
+
+  // Two rings that were found clear of each other; none at first.
+  struct {
+    kz_ulong outer = 0, inner = 0;
+  } last_clear_;
 };
 
 }  // namespace kzgis::polytree

@@ -7,12 +7,15 @@
 #ifndef KZGIS_SHAPE_FIELDS_H
 #define KZGIS_SHAPE_FIELDS_H
 
+#include <cstdint>
 #include <cstring>
+#include <fstream>
 #include <istream>
 
 #include "kzgis/byteutil.h"
 #include "kzgis/types.h"
 #include "shape/byte_order.h"
+#include "shape/window_buffer.h"
 
 namespace kzgis::shape_fields {
 
@@ -26,15 +29,31 @@ inline constinit const GIS_ByteUtil_c byte_util;
 /// The streams of this library set their fail flag whenever bytes are missing, so that
 /// a short read without it would be a fault of the stream buffer.
 inline kz_ulong read_bytes(std::istream& stream, void* bytes, std::streamsize count) {
-  // Most records lie in the stream's buffer, and most of the time to read a small one went into
-  // asking the stream how it is.
-  if (stream.good() && stream.rdbuf()->in_avail() >= count) {
-    stream.rdbuf()->sgetn(static_cast<char*>(bytes), count);
-    return status::success;
-  }
   stream.read(static_cast<char*>(bytes), count);
   if (stream.fail()) return stream.eof() ? status::end_of_file : status::read_failed;
   return stream.gcount() < count ? status::short_read : status::success;
+}
+
+/// An open file of the classic reader.
+struct Input {
+  std::ifstream& stream;
+  WindowBuffer& window;  ///< the stream's buffer
+
+  /// Whether that many bytes can be taken from the window: the stream reads the others, and keeps
+  /// their flags.
+  bool holds(std::int64_t count) const {
+    return stream.good() && static_cast<std::int64_t>(window.held()) >= count;
+  }
+};
+
+/// The same.  Most fields lie in the window, and most of the time to read a small record went into
+/// asking the stream how it is.
+inline kz_ulong read_bytes(const Input& in, void* bytes, std::streamsize count) {
+  if (!in.holds(count)) return read_bytes(in.stream, bytes, count);
+  if (count == 0) return status::success;  // of an array that there need not be
+  std::memcpy(bytes, in.window.next(), static_cast<std::size_t>(count));
+  in.window.pass(static_cast<std::size_t>(count));
+  return status::success;
 }
 
 // The classic classes ask for byte orders as "swap unless ...": `ByteOrder()` is 1 on a

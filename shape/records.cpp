@@ -46,7 +46,6 @@ constexpr kz_long kLongPointSize = 64;  // with Z, M and whatever else follows X
 constexpr std::int64_t kBytesPerPart = 4;
 constexpr std::int64_t kBytesPerPoint = 16;
 constexpr kz_long kBytesPerCoordinate = 8;
-constexpr kz_long kPointsPerBlock = 1024;
 
 /// Decodes the box, which stands at one place in every kind of record that has one.
 void decode_box(const char* record, double* x_min, double* y_min, double* x_max, double* y_max) {
@@ -78,9 +77,10 @@ kz_long usable(kz_long capacity, const double* x, const double* y) {
 ///
 /// The position is kept, but measuring costs the stream its buffer; what the buffer
 /// holds already, all of most records, needs none.
-kz_ulong measure_rest(std::ifstream& stream, std::int64_t wanted, std::int64_t* left) {
+kz_ulong measure_rest(const Input& in, std::int64_t wanted, std::int64_t* left) {
   *left = wanted;
-  if (stream.rdbuf()->in_avail() >= wanted) return status::success;
+  if (in.holds(wanted)) return status::success;
+  std::ifstream& stream = in.stream;
   const std::streamoff here = stream.tellg();
   const std::streamoff end = stream.seekg(0, std::ios::end).tellg();
   stream.seekg(here);
@@ -99,16 +99,16 @@ kz_ulong fail_at_end(std::ifstream& stream) {
 ///
 /// The count is the file's claim: an array that the rest of the file cannot fill ends
 /// the reading, as its read would have, before anything is allocated.
-kz_ulong grow_parts(std::ifstream& stream, kz_long num_parts, kz_long* capacity, kz_long** parts) {
+kz_ulong grow_parts(const Input& in, kz_long num_parts, kz_long* capacity, kz_long** parts) {
   // As a length, a negative count lies beyond the end of any file.
-  if (num_parts < 0) return fail_at_end(stream);
+  if (num_parts < 0) return fail_at_end(in.stream);
   if (num_parts <= usable(*capacity, *parts)) return status::success;
 
   const std::int64_t wanted = num_parts * kBytesPerPart;
   std::int64_t left = 0;
-  const kz_ulong measured = measure_rest(stream, wanted, &left);
+  const kz_ulong measured = measure_rest(in, wanted, &left);
   if (measured != status::success) return measured;
-  if (wanted > left) return fail_at_end(stream);
+  if (wanted > left) return fail_at_end(in.stream);
   if (!reallocate(parts, num_parts)) return status::out_of_memory;
   *capacity = num_parts;
   return status::success;
@@ -116,12 +116,12 @@ kz_ulong grow_parts(std::ifstream& stream, kz_long num_parts, kz_long* capacity,
 
 /// Makes room for a record's points, which begin `bytes_before` bytes from the stream's
 /// position: for as many as the file can hold, one that its end cuts off included.
-kz_ulong grow_points(std::ifstream& stream, std::int64_t bytes_before, kz_long num_points,
+kz_ulong grow_points(const Input& in, std::int64_t bytes_before, kz_long num_points,
                      kz_long* capacity, double** x, double** y) {
   if (num_points <= usable(*capacity, *x, *y)) return status::success;
 
   std::int64_t left = 0;
-  const kz_ulong measured = measure_rest(stream, bytes_before + num_points * kBytesPerPoint, &left);
+  const kz_ulong measured = measure_rest(in, bytes_before + num_points * kBytesPerPoint, &left);
   if (measured != status::success) return measured;
   const std::int64_t held = (left - bytes_before + kBytesPerPoint - 1) / kBytesPerPoint;
   const auto wanted = static_cast<kz_long>(std::min<std::int64_t>(num_points, held));
@@ -135,8 +135,8 @@ kz_ulong grow_points(std::ifstream& stream, std::int64_t bytes_before, kz_long n
 }
 
 /// Reads the part array into the caller's, which has room for it, and decodes it there.
-kz_ulong read_parts(std::ifstream& stream, kz_long num_parts, kz_long* parts) {
-  const kz_ulong result = read_bytes(stream, parts, num_parts * kBytesPerPart);
+kz_ulong read_parts(const Input& in, kz_long num_parts, kz_long* parts) {
+  const kz_ulong result = read_bytes(in, parts, num_parts * kBytesPerPart);
   if (result != status::success) return result;
   if (swaps_little_endian(byte_util)) {
     for (kz_long i = 0; i < num_parts; ++i) byte_util.SwapBytes4(sizeof parts[i], &parts[i]);
@@ -144,33 +144,37 @@ kz_ulong read_parts(std::ifstream& stream, kz_long num_parts, kz_long* parts) {
   return status::success;
 }
 
-/// Reads points into arrays with room for `room` of them, a block at a time.
+void decode_points(const char* bytes, kz_long count, double* x, double* y) {
+  for (kz_long i = 0; i < count; ++i) {
+    x[i] = little_endian<double>(bytes + i * kBytesPerPoint);
+    y[i] = little_endian<double>(bytes + i * kBytesPerPoint + kBytesPerCoordinate);
+  }
+}
+
+/// Reads points into arrays with room for `room` of them.
 ///
 /// Coordinates that are there before a failure are stored.  A count beyond the room is
 /// a claim that grow_points found the file too short for.
-kz_ulong read_points(std::ifstream& stream, kz_long num_points, kz_long room, double* x,
-                     double* y) {
-  double block[kPointsPerBlock * 2];
+kz_ulong read_points(const Input& in, kz_long num_points, kz_long room, double* x, double* y) {
   const kz_long wanted = std::min(num_points, room);
-  for (kz_long done = 0; done < wanted;) {
-    const kz_long in_block = std::min(kPointsPerBlock, wanted - done);
-    const kz_ulong result = read_bytes(stream, block, in_block * kBytesPerPoint);
-    const kz_long coordinates = result == status::success
-                                    ? in_block * 2
-                                    : static_cast<kz_long>(stream.gcount() / kBytesPerCoordinate);
-    if (swaps_little_endian(byte_util)) {
-      byte_util.SwapBytes8(static_cast<kz_ulong>(coordinates * kBytesPerCoordinate), block);
+  for (kz_long done = 0; done < wanted; ++done) {
+    if (in.stream.good()) {
+      const std::int64_t held = static_cast<std::int64_t>(in.window.held()) / kBytesPerPoint;
+      const auto whole = static_cast<kz_long>(std::min<std::int64_t>(wanted - done, held));
+      decode_points(in.window.next(), whole, x + done, y + done);
+      in.window.pass(static_cast<std::size_t>(whole * kBytesPerPoint));
+      done += whole;
+      if (done == wanted) break;
     }
-    const double* next = block;
-    for (kz_long i = 0; i < coordinates / 2; ++i) {
-      x[done + i] = *next++;
-      y[done + i] = *next++;
-    }
-    if (coordinates % 2 != 0) x[done + coordinates / 2] = *next;
+    // The next one lies across the end of the window, or of the file.
+    char point[kBytesPerPoint];
+    const kz_ulong result = read_bytes(in.stream, point, kBytesPerPoint);
+    const std::streamsize read = result == status::success ? kBytesPerPoint : in.stream.gcount();
+    if (read >= kBytesPerCoordinate) x[done] = little_endian<double>(point);
+    if (read >= kBytesPerPoint) y[done] = little_endian<double>(point + kBytesPerCoordinate);
     if (result != status::success) return result;
-    done += in_block;
   }
-  return num_points > wanted ? fail_at_end(stream) : status::success;
+  return num_points > wanted ? fail_at_end(in.stream) : status::success;
 }
 
 }  // namespace
@@ -187,7 +191,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadFixedPart(kz_long* recordNumber, char* fixedPa
   if (result != status::success) return result;
   result = PassNullRecord(*recordNumber, length, fixedSize);
   if (result != status::success) return result;
-  return read_bytes(shape_stream_, fixedPart, fixedSize);
+  return read_bytes(Input{shape_stream_, *shape_buffer_}, fixedPart, fixedSize);
 }
 
 /// Moves from the content of a null record to the next record.
@@ -230,7 +234,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadPointShape(kz_long* recordNumber, double* x, d
   if (length != kPointSize && length != kLongPointSize) return status::wrong_kind;
 
   char record[kLongPointSize];
-  result = read_bytes(shape_stream_, record, length);
+  result = read_bytes(Input{shape_stream_, *shape_buffer_}, record, length);
   if (result != status::success) return result;
   *x = little_endian<double>(record + kPointX);
   *y = little_endian<double>(record + kPointY);
@@ -246,9 +250,10 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadMultiPointShape(kz_long* recordNumber, double*
   decode_box(record, xMin, yMin, xMax, yMax);
   *numPoints = little_endian<kz_long>(record + kMultiPointPointCount);
 
-  result = grow_points(shape_stream_, 0, *numPoints, pointsCapacity, x, y);
+  const Input in{shape_stream_, *shape_buffer_};
+  result = grow_points(in, 0, *numPoints, pointsCapacity, x, y);
   if (result != status::success) return result;
-  return read_points(shape_stream_, *numPoints, usable(*pointsCapacity, *x, *y), *x, *y);
+  return read_points(in, *numPoints, usable(*pointsCapacity, *x, *y), *x, *y);
 }
 
 kz_ulong KZ_GIS_ESRI_Shape_c::ReadArcShape(kz_long* recordNumber, double* xMin, double* yMin,
@@ -263,15 +268,16 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadArcShape(kz_long* recordNumber, double* xMin, 
   *numParts = little_endian<kz_long>(record + kArcPartCount);
   *numPoints = little_endian<kz_long>(record + kArcPointCount);
 
-  result = grow_parts(shape_stream_, *numParts, partsCapacity, parts);
+  const Input in{shape_stream_, *shape_buffer_};
+  result = grow_parts(in, *numParts, partsCapacity, parts);
   if (result != status::success) return result;
   // The points begin behind the part array.  Both arrays have their room before either is
   // read: the interface reports a lack of memory before a part array that cannot be read.
-  result = grow_points(shape_stream_, *numParts * kBytesPerPart, *numPoints, pointsCapacity, x, y);
+  result = grow_points(in, *numParts * kBytesPerPart, *numPoints, pointsCapacity, x, y);
   if (result != status::success) return result;
-  result = read_parts(shape_stream_, *numParts, *parts);
+  result = read_parts(in, *numParts, *parts);
   if (result != status::success) return result;
-  return read_points(shape_stream_, *numPoints, usable(*pointsCapacity, *x, *y), *x, *y);
+  return read_points(in, *numPoints, usable(*pointsCapacity, *x, *y), *x, *y);
 }
 
 // Arcs and polygons have one layout: what tells them apart is the meaning of their parts.
@@ -382,7 +388,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::SumOverRecords(kz_long fixedSize, kz_long fieldOff
     shape_stream_.seekg(static_cast<kz_long>(place));
     if (shape_stream_.fail()) return status::seek_failed;
     char field[4];
-    result = read_bytes(shape_stream_, field, sizeof field);
+    result = read_bytes(Input{shape_stream_, *shape_buffer_}, field, sizeof field);
     if (result != status::success) return result;
     *sum += static_cast<kz_ulong>(little_endian<kz_long>(field));
   }

@@ -20,6 +20,7 @@
 #include "kzgis/shape.h"
 
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string>
 
@@ -27,6 +28,7 @@
 #include "platform/named_pipe.h"
 #include "shape/fields.h"
 #include "shape/file_names.h"
+#include "shape/window_buffer.h"
 
 using namespace kzgis;
 using namespace kzgis::shape_fields;
@@ -35,13 +37,20 @@ namespace {
 
 constexpr std::size_t kLongestName = 255;  // of a file, extension included
 
+// How far the two files are read ahead.
+constexpr std::size_t kShapeWindow = 65536;
+constexpr std::size_t kIndexWindow = 8192;
+
 /// Opens a stream for binary reading; its fail flag tells whether that went wrong.
-void open_stream(std::ifstream& stream, const char* name) {
+void open_stream(std::ifstream& stream, std::unique_ptr<WindowBuffer>& buffer, std::size_t window,
+                 const char* name) {
   try {
     if (is_named_pipe(name)) {
       stream.setstate(std::ios::failbit);
     } else {
+      if (!buffer) buffer = std::make_unique<WindowBuffer>(stream, window);
       stream.open(name, std::ios::in | std::ios::binary);
+      if (!stream.fail()) buffer->forget();
     }
   } catch (const std::bad_alloc&) {
     // An open file without a buffer: closed, the stream can open it again.
@@ -102,11 +111,13 @@ const char* KZ_GIS_ESRI_Shape_c::FileName(const char* name) {
 }
 
 const char* KZ_GIS_ESRI_Shape_c::ShapeFileName(const char* name) {
-  return OpenFile(name, shape_stream_, shape_file_open_, shape_file_name_, shape_header_);
+  return OpenFile(name, shape_stream_, shape_buffer_, kShapeWindow, shape_file_open_,
+                  shape_file_name_, shape_header_);
 }
 
 const char* KZ_GIS_ESRI_Shape_c::IndexFileName(const char* name) {
-  return OpenFile(name, index_stream_, index_file_open_, index_file_name_, index_header_);
+  return OpenFile(name, index_stream_, index_buffer_, kIndexWindow, index_file_open_,
+                  index_file_name_, index_header_);
 }
 
 /// Closes the file that is open and opens another, then reads its header.
@@ -115,8 +126,9 @@ const char* KZ_GIS_ESRI_Shape_c::IndexFileName(const char* name) {
 ///
 /// @return the open file's name, kept in `open_name`; null, with the file closed and that name
 ///         empty, when anything failed
-const char* KZ_GIS_ESRI_Shape_c::OpenFile(const char* name, std::ifstream& stream, bool& open,
-                                          char (&open_name)[kNameSize],
+const char* KZ_GIS_ESRI_Shape_c::OpenFile(const char* name, std::ifstream& stream,
+                                          std::unique_ptr<WindowBuffer>& buffer, std::size_t window,
+                                          bool& open, char (&open_name)[kNameSize],
                                           KZ_GIS_ESRI_ShapeHeader_c& header) {
   if (name == nullptr) {
     CloseFile(stream, open, open_name);
@@ -129,7 +141,7 @@ const char* KZ_GIS_ESRI_Shape_c::OpenFile(const char* name, std::ifstream& strea
   CloseFile(stream, open, open_name);
 
   if (fits) {
-    open_stream(stream, wanted);
+    open_stream(stream, buffer, window, wanted);
   } else {
     stream.setstate(std::ios::failbit);
   }
@@ -221,7 +233,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadIndexRecord(kz_long recordNumber, kz_long* off
   if (index_stream_.fail()) return status::seek_failed;
 
   char record[kIndexRecordSize];
-  const kz_ulong result = read_bytes(index_stream_, record, sizeof record);
+  const kz_ulong result = read_bytes(Input{index_stream_, *index_buffer_}, record, sizeof record);
   if (result != status::success) return result;
   *offset = words_to_bytes(big_endian_long(byte_util, record));
   *length = words_to_bytes(big_endian_long(byte_util, record + 4));
@@ -233,7 +245,7 @@ kz_ulong KZ_GIS_ESRI_Shape_c::ReadIndexRecord(kz_long recordNumber, kz_long* off
 kz_ulong KZ_GIS_ESRI_Shape_c::ReadShapeRecordHeader(kz_long* recordNumber, kz_long* length) {
   if (!shape_file_open_) return status::not_open;
   char header[8];
-  const kz_ulong result = read_bytes(shape_stream_, header, sizeof header);
+  const kz_ulong result = read_bytes(Input{shape_stream_, *shape_buffer_}, header, sizeof header);
   if (result != status::success) return result;
   *recordNumber = big_endian_long(byte_util, header);
   *length = words_to_bytes(big_endian_long(byte_util, header + 4));

@@ -170,6 +170,7 @@ class Deltas {
   /// Whether the file holds all of the next delta.
   bool has_next() {
     if (run_.end - run_.next < kLongBytes) refill();
+    if (run_.file_end - run_.next >= kLongBytes) return true;
     const bool is_short = (word_at(run_.next) & kShortDelta) != 0;
     return run_.file_end - run_.next >= (is_short ? kShortBytes : kLongBytes);
   }
@@ -186,11 +187,10 @@ class Deltas {
       run_.next += kShortBytes;
       return;
     }
-    *dlon = long_delta(first, word_at(run_.next + 2));
-    *dlat = long_delta(word_at(run_.next + 4), word_at(run_.next + 6));
+    *dlon = long_delta(run_.next);
+    *dlat = long_delta(run_.next + 4);
     run_.next += kLongBytes;
-    if (*dlon < -kTurn_arcsec || *dlon > kTurn_arcsec || *dlat < -kTurn_arcsec ||
-        *dlat > kTurn_arcsec) {
+    if (!is_step(*dlon) || !is_step(*dlat)) {
       *dlon = 0;
       *dlat = 0;
     }
@@ -201,10 +201,17 @@ class Deltas {
   static constexpr std::ptrdiff_t kShortBytes = kShortDeltaBytes;
   static constexpr std::ptrdiff_t kLongBytes = kLongDeltaBytes;
 
-  /// Bit 15 of `high` is the sign, and stands for bit 14 too, which tells the forms apart.
-  static kz_long long_delta(std::uint16_t high, std::uint16_t low) {
-    const kz_ulong extended = high >= 0x8000 ? high | 0xFFFF4000U : high;
-    return static_cast<kz_long>(extended << 16 | low);
+  /// High word, low word.  The highest bit is the sign, and stands for the next one too, which
+  /// tells the forms apart.
+  static kz_long long_delta(const unsigned char* bytes) {
+    const kz_ulong bits = static_cast<kz_ulong>(word_at(bytes)) << 16 | word_at(bytes + 2);
+    return static_cast<kz_long>(bits | (bits >> 1 & 0x40000000U));
+  }
+
+  /// Whether a part lies within +-1296000.
+  static bool is_step(kz_long part) {
+    constexpr auto kMost = static_cast<kz_ulong>(kTurn_arcsec);
+    return static_cast<kz_ulong>(part) + kMost <= 2 * kMost;
   }
 
   void refill() {

@@ -13,6 +13,22 @@ namespace {
 
 constexpr std::uint64_t kMostFlaws = 20;
 
+struct Ends {
+  std::int32_t low = 0, high = 0;
+};
+
+/// The least and the largest of some numbers; 0 of none.
+Ends ends_of(std::span<const std::int32_t> numbers) {
+  if (numbers.empty()) return {};
+  // Without a branch: the compiler takes several numbers at once.
+  Ends ends{numbers[0], numbers[0]};
+  for (const std::int32_t number : numbers) {
+    ends.low = std::min(ends.low, number);
+    ends.high = std::max(ends.high, number);
+  }
+  return ends;
+}
+
 }  // namespace
 
 // The bound on points is that of the classic reader: whatever a sound file holds is far below it.
@@ -113,8 +129,8 @@ bool BankScan::walk() {
 /// Behind the first point every longitude is one: it was brought there.
 bool BankScan::lies_on_globe() const {
   if (points_ > 0 && lon_[0] >= kTurn_arcsec) return false;
-  return std::all_of(lat().begin(), lat().end(),
-                     [](std::int32_t lat) { return -kPole_arcsec <= lat && lat <= kPole_arcsec; });
+  const auto [south, north] = ends_of(lat());
+  return -kPole_arcsec <= south && north <= kPole_arcsec;
 }
 
 /// Whether the points lie between the ends that the entry gives, give or take an arc-second:
@@ -123,18 +139,17 @@ bool BankScan::lies_on_globe() const {
 ///
 /// Before: the points lie on the globe.  The ends may be the largest numbers there are.
 bool BankScan::keeps_within_extent() const {
-  const auto within = [](std::int64_t from, std::int64_t value, std::int64_t to) {
-    return from <= value + 1 && value - 1 <= to;
-  };
+  if (points_ == 0) return true;
   const Entry& ends = entry();
-  for (std::size_t i = 0; i < points_; ++i) {
-    if (!within(ends.min_lat, lat_[i], ends.max_lat)) return false;
-    const bool past_west = ends.min_lon <= lon_[i] + 1;
-    const bool short_of_east = lon_[i] - 1 <= ends.max_lon;
-    const bool across = ends.min_lon > ends.max_lon;
-    if (across ? !past_west && !short_of_east : !past_west || !short_of_east) return false;
+  const auto [south, north] = ends_of(lat());
+  if (ends.min_lat > south + 1 || north - 1 > ends.max_lat) return false;
+  if (ends.min_lon <= ends.max_lon) {
+    const auto [west, east] = ends_of(lon());
+    return ends.min_lon <= west + 1 && east - 1 <= ends.max_lon;
   }
-  return true;
+  return std::all_of(lon().begin(), lon().end(), [&ends](std::int32_t lon) {
+    return ends.min_lon <= lon + 1 || lon - 1 <= ends.max_lon;
+  });
 }
 
 void BankScan::add_flaw(const std::string& what) {

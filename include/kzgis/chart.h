@@ -29,9 +29,18 @@ KZGIS_EXPORT std::string_view projection_name(projType type);
 /// @return nothing when no projection has that name
 KZGIS_EXPORT std::optional<projType> find_projection(std::string_view name);
 
-/// How coordinates are calculated.
+/// How coordinates are calculated: both ways in double precision, several points at once where the
+/// processor can, with sines, logarithms and the like of the library's own.
 enum class Arithmetic {
-  exact,  ///< in double precision by the host's sine, logarithm and the like
+  /// The same bits on every processor, with every compiler and C library.  Each elementary
+  /// function is right to within a few units in its last place.
+  exact,
+  /// Where the processor can, products and sums are rounded once and not twice, and digits behind
+  /// what is promised of `exact` are those of the processor.  On a globe of the Earth's size
+  /// coordinates are less than a micrometre from the exact ones where the projection does not
+  /// stretch without end (docs/maps.md has the largest differences).  The same points have a
+  /// place, but for those that the edge of a map runs through within 1e-14 radians.
+  fast,
 };
 
 /// What a chart shows.  Settings that a projection does not use do not count, but must lie in

@@ -171,6 +171,8 @@ class KZGIS_EXPORT KZ_GIS_PolygonNode_c : public KZ_GIS_TreeNode_c {
   kz_ulong PointInPolygon(double px, double py) const;
   kz_ulong NumberOfEdges() const;
   bool CrossEdges(double px, double py, kz_ulong begin, kz_ulong end, kz_ulong* parity) const;
+  struct Corners;
+  Corners ListCorners() const;
   Vertex At(kz_ulong position) const;
   double HeightBefore(kz_ulong position) const;
   bool BoxIsPoint() const;

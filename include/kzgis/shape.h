@@ -4,11 +4,17 @@
 #ifndef KZGIS_SHAPE_H
 #define KZGIS_SHAPE_H
 
+#include <cstddef>
 #include <fstream>
 #include <iosfwd>
+#include <memory>
 
 #include "kzgis/export.h"
 #include "kzgis/types.h"
+
+namespace kzgis::shape_fields {
+class WindowBuffer;  // of no use outside of the library
+}
 
 /// The kinds of shape that the readers know, as files number them.
 namespace kzgis::shape_type {
@@ -239,8 +245,10 @@ class KZGIS_EXPORT KZ_GIS_ESRI_Shape_c {
  private:
   static constexpr int kNameSize = 260;
 
-  static const char* OpenFile(const char* name, std::ifstream& stream, bool& open,
-                              char (&open_name)[kNameSize], KZ_GIS_ESRI_ShapeHeader_c& header);
+  static const char* OpenFile(const char* name, std::ifstream& stream,
+                              std::unique_ptr<kzgis::shape_fields::WindowBuffer>& buffer,
+                              std::size_t window, bool& open, char (&open_name)[kNameSize],
+                              KZ_GIS_ESRI_ShapeHeader_c& header);
   static void CloseFile(std::ifstream& stream, bool& open, char (&open_name)[kNameSize]);
   void CloseFiles();
   void CloseShapeFile();
@@ -255,6 +263,9 @@ class KZGIS_EXPORT KZ_GIS_ESRI_Shape_c {
 
   std::ifstream shape_stream_;
   std::ifstream index_stream_;
+  // What the streams read through, from the first opening on.
+  std::unique_ptr<kzgis::shape_fields::WindowBuffer> shape_buffer_;
+  std::unique_ptr<kzgis::shape_fields::WindowBuffer> index_buffer_;
   bool shape_file_open_ = false;
   bool index_file_open_ = false;
   KZ_GIS_ESRI_ShapeHeader_c shape_header_;

@@ -17,6 +17,9 @@ namespace {
 
 using kzgis::dem::integer_of;
 using kzgis::dem::is_whole;
+using kzgis::dem::plain_number;
+using kzgis::dem::plain_numbers;
+using kzgis::dem::PlainNumber;
 using kzgis::dem::real_of;
 
 TEST(IntegerOf, TakesBlanksSignAndDigits) {
@@ -181,6 +184,53 @@ TEST(RealOf, KeepsLongTextsInRange) {
   EXPECT_EQ(real_of("1" + zeros + "e-1000").value, 1.0);
   EXPECT_EQ(real_of("0." + zeros + "1e1001").value, 1.0);
   EXPECT_EQ(real_of("0." + zeros + "1e2000").value, std::numeric_limits<double>::infinity());
+}
+
+// Every field of six characters that one may meet or mistake for one.
+TEST(PlainNumber, IsWhatBlanksAndDigitsSayAndNothingElse) {
+  constexpr std::string_view kCharacters = " 0195/:-+!\n";
+  constexpr std::size_t kAll = kCharacters.size();
+  std::string text(8, '7');
+  for (std::size_t code = 0; code < kAll * kAll * kAll * kAll * kAll * kAll; ++code) {
+    for (std::size_t i = 0, rest = code; i < 6; ++i, rest /= kAll) {
+      text[2 + i] = kCharacters[rest % kAll];
+    }
+    const std::string field = text.substr(2);
+    const std::size_t digits = field.find_first_not_of(' ');
+    const bool plain =
+        digits != std::string::npos && field.find_first_not_of("0123456789", digits) == field.npos;
+    const PlainNumber number = plain_number(text.data() + 2);
+    ASSERT_EQ(number.odd == 0, plain) << '"' << field << '"';
+    ASSERT_TRUE(!plain || number.value == std::stoi(field)) << field;
+  }
+}
+
+TEST(PlainNumber, IsReadInAnyNumberOfFields) {
+  for (std::size_t count = 0; count < 30; ++count) {
+    std::string text = "99";
+    std::vector<int> expected;
+    for (std::size_t i = 0; i < count; ++i) {
+      constexpr int kNumbers[] = {0, 7, 40, 999999, 123456, 10000, 9999, 100001};
+      expected.push_back(kNumbers[(i * 5 + count) % 8]);
+      const std::string digits = std::to_string(expected.back());
+      text += std::string(6 - digits.size(), ' ') + digits;
+    }
+    text += "99";
+    std::vector<int> values(count);
+    EXPECT_TRUE(plain_numbers(text.data() + 2, count, values.data())) << count;
+    EXPECT_EQ(values, expected);
+    // One odd field anywhere is seen, whatever is wrong with it and wherever.
+    for (std::size_t i = 0; i < count; ++i) {
+      for (const char* const odd : {"      ", "-    1", "1    1", "    1 ", "    /1", "    :1",
+                                    "\0    1", "!    1", "\xB0    1",
+                                    "000\xFF"
+                                    "00"}) {
+        std::string changed = text;
+        changed.replace(2 + 6 * i, 6, odd, 6);
+        EXPECT_FALSE(plain_numbers(changed.data() + 2, count, values.data())) << count << ' ' << i;
+      }
+    }
+  }
 }
 
 }  // namespace
