@@ -18,6 +18,7 @@ import codecs
 import datetime
 import os
 import struct
+import threading
 from typing import Any, Dict, List, NamedTuple, Optional, Tuple, Union
 
 from ._errors import DataError
@@ -112,24 +113,30 @@ class Table:
 
     def __init__(self, path: str, encoding: Optional[str] = None):
         self.path = path
-        self._fd = os.open(path, os.O_RDONLY | getattr(os, "O_BINARY", 0))
+        self._file = open(path, "rb")
+        self._lock = threading.Lock()
         try:
             self._read_header(encoding)
         except BaseException:
-            os.close(self._fd)
+            self._file.close()
             raise
 
+    def _bytes(self, at: int, count: int) -> bytes:
+        with self._lock:
+            self._file.seek(at)
+            return self._file.read(count)
+
     def _read_header(self, encoding: Optional[str]) -> None:
-        head = os.pread(self._fd, _HEADER, 0)
+        head = self._bytes(0, _HEADER)
         if len(head) < _HEADER:
             raise DataError("not a dBASE table", self.path)
         self.rows, self._begin, self._width = struct.unpack_from("<IHH", head, 4)
-        size = os.fstat(self._fd).st_size
+        size = os.fstat(self._file.fileno()).st_size
         if self._begin < _HEADER + 1 or self._width < 1 or self._begin > size:
             raise DataError("not a dBASE table", self.path)
         if self._begin + self.rows * self._width > size:
             raise DataError("the table ends before its last row", self.path)
-        described = os.pread(self._fd, self._begin - _HEADER, _HEADER)
+        described = self._bytes(_HEADER, self._begin - _HEADER)
         layout = Layout((), encoding or self._own_encoding() or _DRIVERS.get(head[29]))
         fields: List[Field] = []
         at = 1
@@ -159,9 +166,7 @@ class Table:
         return None
 
     def row(self, index: int) -> bytes:
-        if self._fd < 0:
-            raise ValueError("the file is closed")
-        row = os.pread(self._fd, self._width, self._begin + index * self._width)
+        row = self._bytes(self._begin + index * self._width, self._width)
         if len(row) < self._width:
             raise DataError(f"row {index + 1} is cut off", self.path)
         return row
@@ -170,18 +175,13 @@ class Table:
         """The values of all rows, read in one go."""
         field = self.layout.fields[number]
         at = 1 + sum(before.width for before in self.layout.fields[:number])
-        whole = os.pread(self._fd, self.rows * self._width, self._begin)
+        whole = self._bytes(self._begin, self.rows * self._width)
         ends = range(at, self.rows * self._width, self._width) if self.rows else ()
         return [self.layout.value(field, whole[i : i + field.width]) for i in ends]
 
     def close(self) -> None:
-        if self._fd >= 0:
-            os.close(self._fd)
-            self._fd = -1
-
-    def __del__(self) -> None:
-        if getattr(self, "_fd", -1) >= 0:
-            self.close()
+        with self._lock:
+            self._file.close()
 
 
 def json_of(values: Dict[str, Any]) -> Dict[str, Any]:

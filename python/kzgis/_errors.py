@@ -103,9 +103,11 @@ def polygon_error(reason: str, ring: int, vertex: int) -> PolygonError:
 
 def no_such_name(name: object, what: str, known: Iterable[str]) -> ValueError:
     """An error that says what was meant, perhaps."""
-    names = list(known)
-    near = difflib.get_close_matches(str(name).lower(), [n.lower() for n in names], 1, 0.5)
+    names = {n.lower(): n for n in known}
+    said = str(name).lower()
+    # What was begun rightly is nearer than what differs in the fewest letters.
+    near = [n for n in names if len(said) > 2 and n.startswith(said)]
+    near = near or difflib.get_close_matches(said, list(names), 1, 0.5)
     if near:
-        meant = next(n for n in names if n.lower() == near[0])
-        return ValueError(f"{name!r} is no {what}; is {meant!r} meant?")
-    return ValueError(f"{name!r} is no {what}; there are {', '.join(names)}")
+        return ValueError(f"{name!r} is no {what}; is {names[near[0]]!r} meant?")
+    return ValueError(f"{name!r} is no {what}; there are {', '.join(names.values())}")

@@ -124,7 +124,7 @@ def _rings(thing: Any, kinds: Tuple[str, ...]) -> List[Any]:
         return list(_geo_rings(geo, kinds))
     if isinstance(thing, np.ndarray):
         return [points_of(ring) for ring in thing] if thing.ndim == 3 else [points_of(thing)]
-    if isinstance(thing, (str, bytes)) or not hasattr(thing, "__iter__"):
+    if isinstance(thing, (str, bytes, Mapping)) or not hasattr(thing, "__iter__"):
         raise TypeError(f"a {type(thing).__name__} is no polygon")
     items = list(thing)
     if not items:
