@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import Any, Dict, Iterable, NamedTuple, Optional, Sequence, Tuple, Union
+from typing import Any, Dict, Iterable, List, NamedTuple, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
@@ -108,11 +108,23 @@ class Databank(Sequence[Segment]):
         return f"<Databank: {len(self)} segments, {len(self.arcsec)} points>"
 
 
+def _numbers_of(
+    wanted: Union[str, Iterable[str], None], what: str, known: Tuple[str, ...]
+) -> List[int]:
+    numbers = []
+    for name in () if wanted is None else (wanted,) if isinstance(wanted, str) else wanted:
+        if name not in known:
+            raise no_such_name(name, what, known)
+        numbers.append(known.index(name))
+    return numbers
+
+
 def read_databank(
     directory: PathLike,
     theme: Union[str, Iterable[str], None] = None,
     levels: Union[int, Iterable[int], None] = None,
     box: Optional[Sequence[float]] = None,
+    continent: Union[str, Iterable[str], None] = None,
 ) -> Databank:
     """Read outlines from the data bank in a directory.
 
@@ -126,6 +138,8 @@ def read_databank(
     box : (south, west, north, east), optional
         In degrees; segments with a point inside come whole.  With west > east it crosses the
         meridian where longitudes begin anew.
+    continent : str or iterable of str, optional
+        Of 'africa', 'asia', 'europe', 'north america', 'south america'; all of them.
 
     Returns
     -------
@@ -136,14 +150,10 @@ def read_databank(
     OSError
         There is no data bank.
     ValueError
-        A theme, a level or a box that cannot be.
+        A theme, a continent, a level or a box that cannot be.
     """
-    wanted = () if theme is None else (theme,) if isinstance(theme, str) else tuple(theme)
-    numbers = []
-    for name in wanted:
-        if name not in THEMES:
-            raise no_such_name(name, "theme", THEMES)
-        numbers.append(THEMES.index(name))
+    themes_wanted = _numbers_of(theme, "theme", THEMES)
+    continents_wanted = _numbers_of(continent, "continent", CONTINENTS)
     if levels is None:
         ranks: Tuple[int, ...] = ()
     elif isinstance(levels, (int, np.integer)):
@@ -156,7 +166,7 @@ def read_databank(
             raise ValueError(f"box must be south, west, north, east, not {box!r}")
         edges = (float(box[0]), float(box[1]), float(box[2]), float(box[3]))
     lat, lon, offsets, continents, themes, found, damaged = _kzgis.read_databank(
-        encoded(directory), numbers, list(ranks), edges
+        encoded(directory), themes_wanted, continents_wanted, list(ranks), edges
     )
     return Databank(
         np.column_stack([lat, lon]), offsets, continents, themes, found, dict(damaged)

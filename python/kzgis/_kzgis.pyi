@@ -146,6 +146,7 @@ def mesh_file(
 def read_databank(
     directory: bytes,
     themes: Sequence[int],
+    continents: Sequence[int],
     levels: Sequence[int],
     box: Optional[_Box],
 ) -> Tuple[_Ints, _Ints, _Offsets, _Ints, _Ints, _Ints, List[Tuple[str, str]]]: ...

@@ -46,6 +46,10 @@ def test_queries(bank):
     assert set(some.levels) <= {1, 3} and set(some.themes) <= {2, 3} and len(some)
     assert len(kzgis.read_databank(bank, "coastal", range(16))) == (everything.themes == 2).sum()
     assert set(kzgis.read_databank(bank, "coastal", 2).levels) <= {2}
+    south = kzgis.read_databank(bank, continent="south america")
+    assert len(south) == (everything.continents == 4).sum() > 0 and set(south.continents) == {4}
+    with pytest.raises(ValueError, match="is 'europe' meant"):
+        kzgis.read_databank(bank, continent=["asia", "europa"])
     box = kzgis.read_databank(bank, box=(40, -10, 60, 20))
     assert 0 < len(box) < len(everything)
     for segment in box:
