@@ -131,7 +131,7 @@ class ElevationGrid:
                 float(north),
                 float(step_x),
                 float(step_y),
-                name,
+                name.encode("utf-8", "surrogateescape"),
                 _number_of(plan, "ground plan", _PLANS),
                 int(zone),
                 _number_of(ground_unit, "unit of the ground", _GROUND_UNITS),

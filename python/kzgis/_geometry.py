@@ -31,16 +31,24 @@ class Flat(NamedTuple):
 def floats(values: Any, name: str) -> Any:
     """An array of numbers, not copied when it is one; masked values become NaN."""
     if isinstance(values, np.ma.MaskedArray):
+        _refuse_copy(values, name)
         return masked.filled(masked.asarray(values, np.float64), np.nan)
     array = np.asarray(values)
     if array.dtype.kind in "biuf":
         return array
     if array.dtype.kind == "O" or array.size == 0:
+        _refuse_copy(array, name)
         try:
             return array.astype(np.float64)
         except (TypeError, ValueError):
             pass
     raise TypeError(f"{name} must hold real numbers, not {array.dtype}")
+
+
+def _refuse_copy(array: Any, name: str) -> None:
+    """A number that is broadcast has any size without memory, and its copy has not."""
+    if array.size > 2**30:
+        raise ValueError(f"{name}: {array.size} values are more than 2^30")
 
 
 def refuse_too_many(values: int) -> None:
@@ -92,14 +100,16 @@ def _geo_rings(geo: Mapping[str, Any], kinds: Tuple[str, ...]) -> Iterator[Any]:
         if geo.get("geometry") is not None:
             yield from _geo_rings(_geo_of(geo["geometry"]) or {}, kinds)
     elif kind == "FeatureCollection":
-        for feature in geo["features"]:
+        for feature in geo.get("features", ()):
             yield from _geo_rings(_geo_of(feature) or {}, kinds)
     elif kind == "GeometryCollection":
-        for geometry in geo["geometries"]:
+        for geometry in geo.get("geometries", ()):
             yield from _geo_rings(_geo_of(geometry) or {}, kinds)
     elif kind not in kinds:
         raise ValueError(f"a geometry of the type {kind} is none of {', '.join(kinds)}")
     else:
+        if "coordinates" not in geo:
+            raise ValueError(f"a {kind} without coordinates")
         coordinates = geo["coordinates"]
         nested = {"MultiPolygon": 2, "Polygon": 1, "MultiLineString": 1}.get(str(kind), 0)
         if nested == 2:

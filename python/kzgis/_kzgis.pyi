@@ -54,7 +54,7 @@ class ElevationGrid:
         north: float,
         step_x: float,
         step_y: float,
-        name: str,
+        name: bytes,
         plan: int,
         zone: int,
         ground_unit: int,

@@ -123,6 +123,16 @@ py::tuple draw(const Chart& chart, const Doubles& points, const InputArray<std::
   return to_tuple(outline);
 }
 
+template <class Draw>
+py::tuple without_gil(Draw draw) {
+  Outline outline;
+  {
+    const NoGil unlocked;
+    outline = value_of(draw());
+  }
+  return to_tuple(outline);
+}
+
 }  // namespace
 
 void add_chart(py::module_& module) {
@@ -146,13 +156,13 @@ void add_chart(py::module_& module) {
       .def(
           "frame",
           [](const Chart& chart, double tolerance) {
-            return to_tuple(value_of(chart_frame(chart, tolerance)));
+            return without_gil([&] { return chart_frame(chart, tolerance); });
           },
           py::arg("tolerance"))
       .def(
           "graticule",
           [](const Chart& chart, double step, double tolerance) {
-            return to_tuple(value_of(graticule(chart, step, tolerance)));
+            return without_gil([&] { return graticule(chart, step, tolerance); });
           },
           py::arg("step"), py::arg("tolerance"));
 }

@@ -106,7 +106,9 @@ def test_two_to_the_31_points_are_refused_before_memory_is():
     chart = kzgis.Chart("mercator")
     for call in (lambda: chart.project(huge, 0), lambda: chart.project(0, huge),
                  lambda: chart.project(np.zeros((2**16, 1)), np.zeros(2**15)),
-                 lambda: chart.unproject(huge, huge), lambda: chart.project(0, 0, huge)):
+                 lambda: chart.unproject(huge, huge), lambda: chart.project(0, 0, huge),
+                 lambda: chart.project(np.broadcast_to(np.array(None), 2**31), 0),
+                 lambda: chart.project(np.ma.MaskedArray(huge), 0)):
         with pytest.raises(ValueError, match="2\\^30"):
             call()
 

@@ -114,6 +114,8 @@ def test_what_is_no_grid_is_an_error():
         make([[1]], 0, 0, 1, 1, ground_unit="meters")
     empty = make(np.empty((0, 3)), 0, 0, 1, 1)
     assert empty.hillshade().shape == (0, 3) and len(empty.triangulate()) == 0
+    odd = make([[1]], 0, 0, 1, 1, name="caf\udce9")
+    assert pickle.loads(pickle.dumps(odd)).name == odd.name
     assert np.isnan(make([[np.nan]], 0, 0, 1, 1).hillshade()).all()
 
 
