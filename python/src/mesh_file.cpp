@@ -30,6 +30,7 @@ constexpr std::array kFormats = {
 
 std::vector<std::string> format_names() {
   std::vector<std::string> names;
+  names.reserve(kFormats.size());
   for (const auto& [name, format] : kFormats) names.emplace_back(name);
   return names;
 }
