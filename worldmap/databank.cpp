@@ -78,8 +78,14 @@ class ArcBox {
 /// A query that was found to be one.
 struct Wanted {
   std::array<bool, kThemeCount> themes{};
+  std::array<bool, kContinentCount> continents{};
   std::array<bool, kLevelCount> levels{};
   std::optional<ArcBox> box;
+
+  bool asks_for(Continent continent, Theme theme) const {
+    return continents[static_cast<std::size_t>(continent)] &&
+           themes[static_cast<std::size_t>(theme)];
+  }
 };
 
 /// Null when the box is one.  A comparison with NaN is false, so that NaN is refused too.
@@ -102,6 +108,14 @@ Result<Wanted> check(const DatabankQuery& query) {
     }
     wanted.themes[number] = true;
   }
+  wanted.continents.fill(query.continents.empty());
+  for (const Continent continent : query.continents) {
+    const auto number = static_cast<std::size_t>(continent);
+    if (number >= kContinentCount) {
+      return Error{ErrorKind::bad_argument, "there is no continent " + std::to_string(number)};
+    }
+    wanted.continents[number] = true;
+  }
   wanted.levels.fill(query.levels.empty());
   for (const int level : query.levels) {
     if (level < 0 || level >= kLevelCount) {
@@ -117,13 +131,24 @@ Result<Wanted> check(const DatabankQuery& query) {
   return wanted;
 }
 
+/// In the order in which segments are promised to come.
+template <typename Use>
+void for_each_file(Use use) {
+  for (std::size_t c = 0; c < kContinentCount; ++c) {
+    for (std::size_t t = 0; t < kThemeCount; ++t) {
+      use(static_cast<Continent>(c), static_cast<Theme>(t));
+    }
+  }
+}
+
 /// Reads the files of one bank, one after another; the directory and the query are borrowed.
 class BankReader {
  public:
   BankReader(const std::string& directory, const Wanted& wanted)
       : directory_(directory), wanted_(wanted) {
-    files_ = kContinentCount *
-             static_cast<std::size_t>(std::count(wanted.themes.begin(), wanted.themes.end(), true));
+    for_each_file([&](Continent continent, Theme theme) {
+      if (wanted.asks_for(continent, theme)) ++files_;
+    });
   }
 
   Result<Databank> read();
@@ -144,24 +169,14 @@ class BankReader {
   Databank bank_;
   bool opened_ = false;  // any of the files
   bool no_memory_ = false;
-  std::size_t files_;
+  std::size_t files_ = 0;
   std::size_t files_done_ = 0;
   int reported_ = -1;
 };
 
-/// In the order in which segments are promised to come.
-template <typename Use>
-void for_each_file(Use use) {
-  for (std::size_t c = 0; c < kContinentCount; ++c) {
-    for (std::size_t t = 0; t < kThemeCount; ++t) {
-      use(static_cast<Continent>(c), static_cast<Theme>(t));
-    }
-  }
-}
-
 Result<Databank> BankReader::read() {
   for_each_file([this](Continent continent, Theme theme) {
-    if (no_memory_ || !wanted_.themes[static_cast<std::size_t>(theme)]) return;
+    if (no_memory_ || !wanted_.asks_for(continent, theme)) return;
     read_file(continent, theme);
     ++files_done_;
   });
@@ -180,7 +195,7 @@ Result<Databank> BankReader::read() {
 bool BankReader::has_any_file() const {
   bool any = false;
   for_each_file([&](Continent continent, Theme theme) {
-    if (any || wanted_.themes[static_cast<std::size_t>(theme)]) return;
+    if (any || wanted_.asks_for(continent, theme)) return;
     any = !worldmap::open_bank(path_of(databank_file_name(continent, theme))).missing;
   });
   return any;

@@ -51,7 +51,7 @@ struct Segment {
   std::vector<std::int32_t> lat, lon;  ///< its points in their order, equally long
 };
 
-/// Which segments are wanted: those that satisfy all three.
+/// Which segments are wanted: those that satisfy all four.
 struct DatabankQuery {
   std::vector<Theme> themes;  ///< in any order; none means all
   std::vector<int> levels;    ///< 0 to 15, in any order; none means all
@@ -60,6 +60,7 @@ struct DatabankQuery {
   /// are the same meridian.  With `min_x > max_x` the box reaches from `min_x` eastwards to
   /// the next meridian `max_x`, across the meridian where longitudes begin anew.
   std::optional<Box> box;
+  std::vector<Continent> continents{};  ///< in any order; none means all
 };
 
 /// A file of a bank that is not sound, and the first thing that is wrong with it.
@@ -94,8 +95,8 @@ struct Databank {
 /// The handler of kzgis/status.h is told how much is done, in percent of all.
 ///
 /// @return `cannot_read` when the directory has no outline file at all, or none of those that
-///         are asked for can be opened; `bad_argument` when the query holds a theme, a level
-///         or a box that cannot be; `out_of_memory`
+///         are asked for can be opened; `bad_argument` when the query holds a theme, a
+///         continent, a level or a box that cannot be; `out_of_memory`
 KZGIS_EXPORT Result<Databank> read_databank(const std::string& directory,
                                             const DatabankQuery& query = {});
 

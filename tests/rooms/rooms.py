@@ -28,8 +28,8 @@ BELOW = {
 ON_TOP = {"tools", "python", "web", "bench", "fuzz", "examples", "tests"}
 
 # A unit test may reach inside its own room, tests/ROOM, and where that room may; so may the command's fuzzers, since the
-# command has no public headers.
-REACHED = {"fuzz": {"tools"}}
+# command has no public headers, and the Python module, whose mesh files and reliefs are the command's.
+REACHED = {"fuzz": {"tools"}, "python": {"tools"}}
 
 # The room that each public header belongs to.  `None`: everybody's.
 PUBLIC = {

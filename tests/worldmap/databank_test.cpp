@@ -107,6 +107,29 @@ TEST_F(DatabankTest, HoldsTheThemesAndLevelsThatAreAskedFor) {
   EXPECT_EQ(read({.themes = {Theme::rivers}, .levels = {}, .box = {}}), std::vector<Piece>{});
 }
 
+TEST_F(DatabankTest, ReadsTheContinentsAskedFor) {
+  for (const char* const file : {"africa.Map/cil.cbd", "asia.Map/cil.cbd", "samer.Map/cil.cbd"}) {
+    write(file, cbd_file({segment_through({{1, 2}, {3, 4}})}));
+  }
+  const auto continents = [this](const std::vector<Continent>& wanted) {
+    DatabankQuery query;
+    query.continents = wanted;
+    std::vector<Continent> found;
+    for (const Piece& piece : read(query)) found.push_back(piece.continent);
+    return found;
+  };
+  using Continents = std::vector<Continent>;
+  EXPECT_EQ(continents({}),
+            (Continents{Continent::africa, Continent::asia, Continent::south_america}));
+  EXPECT_EQ(continents({Continent::south_america, Continent::africa}),
+            (Continents{Continent::africa, Continent::south_america}));
+  EXPECT_EQ(continents({Continent::europe}), Continents{});  // not there, and still a bank
+  // What is damaged elsewhere is not looked at.
+  write("asia.Map/cil.cbd", "short");
+  EXPECT_EQ(continents({Continent::africa}), Continents{Continent::africa});
+  EXPECT_EQ(damaged_, std::vector<std::string>{});
+}
+
 TEST_F(DatabankTest, UsesAllPointsButTheLast) {
   Segment segment;
   segment.lat = -5;
@@ -192,6 +215,7 @@ TEST_F(DatabankTest, RefusesQueriesThatCannotBe) {
   const auto in = [](const Box& box) { return DatabankQuery{{}, {}, box}; };
   const double nan = std::nan("");
   EXPECT_EQ(why({{static_cast<Theme>(4)}, {}, {}}), "there is no theme 4");
+  EXPECT_EQ(why({{}, {}, {}, {static_cast<Continent>(5)}}), "there is no continent 5");
   EXPECT_EQ(why({{}, {3, 16}, {}}), "there is no level 16; there are 0 to 15");
   EXPECT_EQ(why({{}, {-1}, {}}), "there is no level -1; there are 0 to 15");
   EXPECT_EQ(why(in({0, 2, 1, 1})), "the south of a box lies at or below its north");
