@@ -39,8 +39,9 @@ def main():
     print(f"{count} records, {vertices} vertices: read {read:.3f} s, triangulated {plain:.3f} s, "
           f"with a least angle {work:.3f} s ({1e6 * work / vertices:.2f} us a vertex)")
     begin = time.perf_counter()
-    with distributed.LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=":0",
-                                  silence_logs=50) as cluster, distributed.Client(cluster) as client:
+    with distributed.LocalCluster(
+        n_workers=2, threads_per_worker=1, dashboard_address=":0", silence_logs=50
+    ) as cluster, distributed.Client(cluster) as client:
         client.run(lambda: __import__("kzgis").__name__)
         print(f"a local cluster stands after {time.perf_counter() - begin:.2f} s")
         nothing, _ = clock(lambda: client.gather(client.map(lambda i: i, range(1000), pure=False)))
@@ -53,7 +54,8 @@ def main():
 
             spent, _ = clock(lambda: bag().map(lambda result: len(result[1])).sum().compute())
             whole, _ = clock(lambda: bag().compute())
-            print(f"{bag().npartitions:4} tasks: counted {spent:.3f} s, meshes fetched {whole:.3f} s")
+            count = bag().npartitions
+            print(f"{count:4} tasks: counted {spent:.3f} s, meshes fetched {whole:.3f} s")
 
 
 if __name__ == "__main__":

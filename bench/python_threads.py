@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""python_threads.py [SHAPEFILE]: triangulating in one, two and four threads of Python, and processes.
+"""python_threads.py [SHAPEFILE]: triangulating in one, two and four threads, and processes.
 
 PYTHONPATH is where the module was built.  Each thread calls `kzgis.triangulate` for one record
 after the other; with the interpreter's lock given away meanwhile, the clock goes down with the

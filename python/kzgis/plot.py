@@ -357,7 +357,7 @@ def nesting(
     ax.set_axis_off()
     if legend and len(order):
         words = {1: "1, outermost", 2: "2, a hole", 3: "3, an island in it"}
-        ax.legend(
+        explained = ax.legend(
             handles=[
                 Patch(
                     facecolor=DEPTHS[(depth - 1) % len(DEPTHS)],
@@ -375,6 +375,7 @@ def nesting(
             loc="upper left",
             bbox_to_anchor=(1.0, 1.0),
         )
+        explained.get_title().set_color(TEXT)
     return ax
 
 
@@ -441,13 +442,15 @@ def relief(
         zone = f", UTM zone {abs(grid.zone)}" if grid.plan == "utm" else ""
         ax.set_xlabel(f"easting ({unit}){zone}")
         ax.set_ylabel(f"northing ({unit})")
+    for axis in (ax.xaxis, ax.yaxis):
+        axis.label.set_color(TEXT)
     ax.tick_params(labelsize=8, colors=TEXT, length=3)
     for spine in ax.spines.values():
         spine.set_color(FRAME)
     if colorbar:
         bar = ax.figure.colorbar(ScalarMappable(norm, ramp), ax=ax, shrink=0.7, pad=0.03)
         name = "" if grid.elevation_unit == "unknown" else f" ({grid.elevation_unit})"
-        bar.set_label("elevation" + name)
+        bar.set_label("elevation" + name, color=TEXT)
         bar.ax.tick_params(labelsize=8, colors=TEXT, length=3)
         bar.outline.set_edgecolor(FRAME)
     return ax
