@@ -159,7 +159,14 @@ class Chart:
         """The usual one of outlines: a 2,000th of the radius, 3 km on the Earth."""
         return self.radius / 2000.0
 
-    def project(self, lat: Coordinates, lon: Coordinates, alt: Optional[Coordinates] = None) -> Any:
+    def project(
+        self,
+        lat: Coordinates,
+        lon: Coordinates,
+        alt: Optional[Coordinates] = None,
+        *,
+        fast: bool = False,
+    ) -> Any:
         """Project points to world coordinates.
 
         Parameters
@@ -168,6 +175,10 @@ class Chart:
             Degrees, broadcast against each other; masked values count as NaN.
         alt : array_like, optional
             Altitudes in the unit of the radius; 0 on the globe by themselves.
+        fast : bool, optional
+            Let the processor round a product and a sum together: a fifth to a third less time, and
+            less than a micrometre from the exact coordinates on the Earth, away from where the
+            projection stretches without end.
 
         Returns
         -------
@@ -194,10 +205,17 @@ class Chart:
         if alt is None and self.projection == "globe":
             alt = 0.0
         if alt is None:
-            return self._convert(self._chart.project, lat=lat, lon=lon)
-        return self._convert(self._chart.project_with_altitude, lat=lat, lon=lon, alt=alt)
+            return self._convert(self._chart.project, fast, lat=lat, lon=lon)
+        return self._convert(self._chart.project_with_altitude, fast, lat=lat, lon=lon, alt=alt)
 
-    def unproject(self, x: Coordinates, y: Coordinates, z: Optional[Coordinates] = None) -> Any:
+    def unproject(
+        self,
+        x: Coordinates,
+        y: Coordinates,
+        z: Optional[Coordinates] = None,
+        *,
+        fast: bool = False,
+    ) -> Any:
         """Find the points of the globe that world coordinates belong to.
 
         Parameters
@@ -206,6 +224,8 @@ class Chart:
             In the unit of the radius, broadcast against each other.
         z : array_like, optional
             Altitudes; the globe needs its own z.
+        fast : bool, optional
+            As for `project`.
 
         Returns
         -------
@@ -231,11 +251,11 @@ class Chart:
         if z is None:
             if self.projection == "globe":
                 raise ValueError("the globe is not flat: unproject needs z")
-            return self._convert(self._chart.unproject, x=x, y=y)
-        return self._convert(self._chart.unproject_with_altitude, x=x, y=y, z=z)
+            return self._convert(self._chart.unproject, fast, x=x, y=y)
+        return self._convert(self._chart.unproject_with_altitude, fast, x=x, y=y, z=z)
 
     @staticmethod
-    def _convert(convert: Any, **coordinates: Any) -> Any:
+    def _convert(convert: Any, fast: bool, **coordinates: Any) -> Any:
         arrays = [floats(values, name) for name, values in coordinates.items()]
         shape = np.broadcast_shapes(*(array.shape for array in arrays))
         points = 1
@@ -244,7 +264,8 @@ class Chart:
         if points > MOST_POINTS:
             raise ValueError(f"{points} points are more than 2^30, the most that a call takes")
         wide = [np.broadcast_to(array, shape) for array in arrays]
-        results = convert(*(np.ascontiguousarray(array, dtype=np.float64) for array in wide))
+        rows = [np.ascontiguousarray(array, dtype=np.float64) for array in wide]
+        results = convert(*rows, bool(fast))
         # NumPy makes a row of a scalar that it is asked to make contiguous.
         if not shape:
             return tuple(float(result.item()) for result in results)

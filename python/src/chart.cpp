@@ -82,28 +82,30 @@ using Spatial = std::size_t (Chart::*)(std::span<const double>, std::span<const 
                                        std::span<const double>, std::span<double>,
                                        std::span<double>, std::span<double>, Arithmetic) const;
 
+Arithmetic arithmetic(bool fast) { return fast ? Arithmetic::fast : Arithmetic::exact; }
+
 template <Flat Convert>
-py::tuple convert_flat(const Chart& chart, const Doubles& a, const Doubles& b) {
+py::tuple convert_flat(const Chart& chart, const Doubles& a, const Doubles& b, bool fast) {
   expect_alike(a, b);
   Doubles u = like(a), v = like(a);
   const auto to_u = room_of(u), to_v = room_of(v);
   {
     const NoGil unlocked;
-    (chart.*Convert)(values_of(a), values_of(b), to_u, to_v, Arithmetic::exact);
+    (chart.*Convert)(values_of(a), values_of(b), to_u, to_v, arithmetic(fast));
   }
   return py::make_tuple(std::move(u), std::move(v));
 }
 
 template <Spatial Convert>
-py::tuple convert_spatial(const Chart& chart, const Doubles& a, const Doubles& b,
-                          const Doubles& c) {
+py::tuple convert_spatial(const Chart& chart, const Doubles& a, const Doubles& b, const Doubles& c,
+                          bool fast) {
   expect_alike(a, b);
   expect_alike(a, c);
   Doubles u = like(a), v = like(a), w = like(a);
   const auto to_u = room_of(u), to_v = room_of(v), to_w = room_of(w);
   {
     const NoGil unlocked;
-    (chart.*Convert)(values_of(a), values_of(b), values_of(c), to_u, to_v, to_w, Arithmetic::exact);
+    (chart.*Convert)(values_of(a), values_of(b), values_of(c), to_u, to_v, to_w, arithmetic(fast));
   }
   return py::make_tuple(std::move(u), std::move(v), std::move(w));
 }
@@ -143,12 +145,14 @@ void add_chart(py::module_& module) {
            py::arg("first_parallel"), py::arg("second_parallel"), py::arg("radius"),
            py::arg("reach"), py::arg("window"))
       .def("settings", &settings_of)
-      .def("project", &convert_flat<&Chart::project>, py::arg("lat"), py::arg("lon"))
+      .def("project", &convert_flat<&Chart::project>, py::arg("lat"), py::arg("lon"),
+           py::arg("fast"))
       .def("project_with_altitude", &convert_spatial<&Chart::project>, py::arg("lat"),
-           py::arg("lon"), py::arg("alt"))
-      .def("unproject", &convert_flat<&Chart::unproject>, py::arg("x"), py::arg("y"))
+           py::arg("lon"), py::arg("alt"), py::arg("fast"))
+      .def("unproject", &convert_flat<&Chart::unproject>, py::arg("x"), py::arg("y"),
+           py::arg("fast"))
       .def("unproject_with_altitude", &convert_spatial<&Chart::unproject>, py::arg("x"),
-           py::arg("y"), py::arg("z"))
+           py::arg("y"), py::arg("z"), py::arg("fast"))
       .def("project_area", &draw<&project_area>, py::arg("points"), py::arg("starts"),
            py::arg("tolerance"))
       .def("project_lines", &draw<&project_lines>, py::arg("points"), py::arg("starts"),

@@ -41,6 +41,19 @@ def test_agrees_with_proj_to_a_micrometre(name):
     assert np.abs(back[1] - lon).max() < 1e-9
 
 
+@pytest.mark.parametrize("name", kzgis.projections())
+def test_fast_points_are_within_a_micrometre_of_exact_ones(name):
+    chart = kzgis.Chart(name, (40, 10))
+    lat, lon = np.meshgrid(np.linspace(5, 75, 29), np.linspace(-30, 50, 33))
+    exact, fast = chart.project(lat, lon), chart.project(lat, lon, fast=True)
+    assert np.abs(np.subtract(exact, fast)).max() < 1e-6
+    back = chart.unproject(*exact, fast=True)
+    assert np.abs(back[0] - lat).max() < 1e-9
+    assert np.abs(back[1] - lon).max() < 1e-9
+    # NaN where there is no place, in both arithmetics.
+    assert np.isnan(chart.project(np.nan, 0, fast=True)).all()
+
+
 def test_scalars_come_back_as_floats():
     x, y = kzgis.Chart("mercator").project(0, 90)
     assert type(x) is float and type(y) is float
