@@ -116,7 +116,7 @@ TEST_F(MapCommand, RefusesBadOptions) {
                                            {"--size", "0x100"},
                                            {"--size", "99999x100"},
                                            {"--size", "20000x20000"},
-                                           {"--graticule", "0.5"},
+                                           {"--graticule", "0.016"},
                                            {"--graticule", "-10"},
                                            {"--graticule", "nan"},
                                            {"--style", "sea"},
