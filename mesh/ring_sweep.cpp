@@ -47,15 +47,15 @@ class RingSweep {
     chains_.reserve(corners_.size() + corners_.size() / 2);
     intervals_.reserve(kFewIntervals);
     free_.reserve(kFewIntervals);
-    auto shared = shared_.begin();
+    std::size_t next = 0;  // of those that are shared
     for (std::uint32_t site = 0; site < sites_.size(); ++site) {
-      if (shared == shared_.end() || shared->site != site) {
+      const std::size_t first = next;
+      while (next < shared_.size() && shared_[next].site == site) ++next;
+      if (next == first) {
         if (!pass(site)) return false;
         continue;
       }
-      const auto first = shared;
-      while (shared != shared_.end() && shared->site == site) ++shared;
-      if (!pass_shared(site, {first, shared})) return false;
+      if (!pass_shared(site, std::span(shared_).subspan(first, next - first))) return false;
     }
     return true;
   }

@@ -85,7 +85,7 @@ std::vector<Entry> sorted_vertices(const Rings& rings) {
   // Each strip has moved its beginning to its end, where the next one begins.
   std::uint32_t begin = 0;
   for (std::size_t strip = 0; strip < strips.count(); ++strip) {
-    std::sort(entries.begin() + begin, entries.begin() + ends[strip]);
+    std::sort(entries.data() + begin, entries.data() + ends[strip]);
     begin = ends[strip];
   }
   return entries;

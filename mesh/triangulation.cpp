@@ -26,11 +26,11 @@ Triangulation::Triangulation(std::vector<std::uint32_t> corners)
     entries[ends[std::min(from(h), to(h))]++] = {std::max(from(h), to(h)), h};
   }
   // Each run has moved its beginning to its end, where the next one begins.
-  auto begin = entries.begin();
+  Entry* begin = entries.data();
   for (std::uint32_t low = 0; low < points; ++low) {
-    const auto end = entries.begin() + ends[low];
+    Entry* const end = entries.data() + ends[low];
     std::sort(begin, end, [](const Entry& a, const Entry& b) { return a.high < b.high; });
-    for (auto entry = begin; end - entry >= 2; ++entry) {
+    for (const Entry* entry = begin; end - entry >= 2; ++entry) {
       if (entry->high == (entry + 1)->high) join(entry->half_edge, (entry + 1)->half_edge);
     }
     begin = end;
